@@ -1,0 +1,71 @@
+// Chooses, starts and stops the one provider of the process, and hands out what it offers. Used on
+// the apartment thread only; without locks.
+#pragma once
+
+#include "service/Provider.h"
+
+#include <span>
+#include <string>
+#include <vector>
+
+// A back end that can be started by name.
+struct ProviderRow
+{
+    const wchar_t* name; // compared without regard to case
+    // Creates the provider into the slot at once, then brings it up. A negative result makes the
+    // manager drop what the slot holds; an exception leaves it as it is.
+    HRESULT (*start)(std::unique_ptr<IProvider>& slot);
+};
+
+class CServiceManager
+{
+  public:
+    // The rows stay valid for the manager's life. The default is the table of real back ends.
+    CServiceManager();
+    explicit CServiceManager(std::span<const ProviderRow> rows);
+
+    // Starts the named provider. S_OK also when one runs already, whatever its name. E_FAIL for an
+    // unknown name and for a provider whose construction failed; else the logon's failure.
+    // While a stop waits for an outer call to end (see StopService) the result is E_FAIL.
+    HRESULT StartService(const std::wstring& name);
+
+    // Ends the running provider. Inside another automation call (see automation/base/CallScope.h)
+    // the end takes effect when the outermost call ends, so that nothing is deleted under it.
+    void StopService();
+
+    std::wstring GetDefaultProvider();
+    void GetProviders(std::vector<std::wstring>& names);
+
+    // Null or false while no provider runs.
+    std::unique_ptr<CUserProperties> GetUserProperties();
+    std::unique_ptr<CAddressBookHandle> GetAddressBook();
+    std::unique_ptr<CCalendarHandle> GetCalendar();
+    bool GetContactFolders(std::vector<OutlookFolderInfo>& folders);
+
+    // A hand-over in two steps, since the class factory takes no arguments: a call with a type
+    // remembers it and returns null; a call with Default, while a provider runs, builds the table
+    // of the remembered type.
+    std::unique_ptr<IEnumerator> GetEnumerator(_tagNEnumeratorType type);
+
+  private:
+    std::span<const ProviderRow> m_rows;
+    std::unique_ptr<IProvider> m_pProvider;
+    _tagNEnumeratorType m_eEnumeratorType = Default;
+};
+
+// The process-wide manager, made on first use and never freed: a provider that still runs at
+// process exit is abandoned without a logoff.
+CServiceManager* GetServiceManager();
+
+// Replaces the process-wide manager until the object ends. For in-process tests.
+class ScopedServiceManager
+{
+  public:
+    explicit ScopedServiceManager(CServiceManager& manager);
+    ~ScopedServiceManager();
+    ScopedServiceManager(const ScopedServiceManager&) = delete;
+    ScopedServiceManager& operator=(const ScopedServiceManager&) = delete;
+
+  private:
+    CServiceManager* m_previous;
+};

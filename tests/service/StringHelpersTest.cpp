@@ -1,0 +1,3 @@
+#include "service/StringHelpers.h"
+
+#include <gtest/gtest.h>
