@@ -10,7 +10,8 @@
 class CAddressBookHandle
 {
   public:
-    // groups may be null: a back end without groups. The group operations then fail.
+    // items must not be null. groups may be: a back end without groups, whose group operations do
+    // nothing and fail.
     CAddressBookHandle(std::unique_ptr<IEnumerator> items, std::unique_ptr<IEnumerator> groups);
 
     void Refresh();
@@ -27,7 +28,7 @@ class CAddressBookHandle
     // The new item's ID in client form; empty on failure.
     std::wstring AddContact(INContactItem* item, std::wstring& folderID);
 
-    // True where there is a group table; the group operations below do nothing and fail without.
+    // True where there is a group table; the group operations down to UpdateGroup need it.
     bool HasGroups() const noexcept;
     void ResetGroup();
     void NextGroup();
@@ -35,7 +36,9 @@ class CAddressBookHandle
     BOOL DeleteGroup(const std::wstring& id);
     void GetCurrentGroup(INContactGroup** item);
     BOOL UpdateGroup(INContactGroup* item);
-    // Kept as it is: this reaches the contact table, not the group table, and so fails.
+    // Kept as it is: this reaches the contact table, not the group table, with or without groups.
+    // A contact table can make nothing of a group object, so the result is the empty string.
+    // Pinned by AddressBookHandleTest.
     std::wstring AddGroup(INContactGroup* item);
 
   private:

@@ -8,6 +8,7 @@
 class CCalendarHandle
 {
   public:
+    // items must not be null.
     explicit CCalendarHandle(std::unique_ptr<IEnumerator> items);
 
     void Refresh();

@@ -1,5 +1,8 @@
 // Chooses, starts and stops the one provider of the process, and hands out what it offers. Used on
 // the apartment thread only; without locks.
+//
+// The two questions that need no provider, which clients are installed and which is the default,
+// are answered by service/Discovery.h.
 #pragma once
 
 #include "service/Provider.h"
@@ -26,11 +29,13 @@ class CServiceManager
 
     // Starts the named provider. S_OK also when one runs already, whatever its name. E_FAIL for an
     // unknown name and for a provider whose construction failed; else the logon's failure.
-    // While a stop waits for an outer call to end (see StopService) the result is E_FAIL.
+    // E_FAIL also while a stop waits for an outer call to end (see StopService), and inside another
+    // start that has no provider yet.
     HRESULT StartService(const std::wstring& name);
 
-    // Ends the running provider. Inside another automation call (see automation/base/CallScope.h)
-    // the end takes effect when the outermost call ends, so that nothing is deleted under it.
+    // Ends the running provider. Inside another automation call (see service/CallScope.h) the
+    // provider lives on until the outermost call ends, so that nothing is deleted under it; from
+    // now on nothing new is handed out all the same. The manager must outlive that call.
     void StopService();
 
     std::wstring GetDefaultProvider();
@@ -48,9 +53,16 @@ class CServiceManager
     std::unique_ptr<IEnumerator> GetEnumerator(_tagNEnumeratorType type);
 
   private:
+    HRESULT Start(const std::wstring& name);
+    void EndProvider();
+    // The provider for those who ask for something of it; null while a stop is pending.
+    IProvider* Running() const noexcept;
+
     std::span<const ProviderRow> m_rows;
     std::unique_ptr<IProvider> m_pProvider;
     _tagNEnumeratorType m_eEnumeratorType = Default;
+    bool m_isStarting = false;
+    bool m_isStopPending = false;
 };
 
 // The process-wide manager, made on first use and never freed: a provider that still runs at

@@ -1,0 +1,57 @@
+// What the provider, its tables and the identity share: the library proxy, and the conversions of
+// entry IDs and times. The provider owns the one helper; the others keep a plain pointer.
+#pragma once
+
+#include "outlook/store/Proxcy.h"
+#include "platform/WindowsHeaders.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+// An entry ID with memory of its own. No comparison: only a provider can tell whether two IDs mean
+// the same entry.
+class EntryId
+{
+  public:
+    EntryId() = default;
+    explicit EntryId(std::vector<std::uint8_t> bytes) : m_bytes(std::move(bytes)) {}
+
+    ULONG Size() const noexcept { return static_cast<ULONG>(m_bytes.size()); }
+    // As store interfaces take it; they do not write through it.
+    LPENTRYID Get() noexcept { return reinterpret_cast<LPENTRYID>(m_bytes.data()); }
+    // A view that is valid as long as this object; the layout of a list element.
+    SBinary View() noexcept { return {Size(), m_bytes.data()}; }
+
+  private:
+    std::vector<std::uint8_t> m_bytes;
+};
+
+class CMAPIHelper
+{
+  public:
+    // The proxy must not be null.
+    explicit CMAPIHelper(std::unique_ptr<CNProxcy> proxy);
+    // Unloads the library and deletes the proxy.
+    ~CMAPIHelper();
+    CMAPIHelper(const CMAPIHelper&) = delete;
+    CMAPIHelper& operator=(const CMAPIHelper&) = delete;
+
+    CNProxcy& Proxy() const noexcept { return *m_pProxy; }
+
+    // Upper-case hexadecimal text; empty for an empty value.
+    static std::wstring BinaryToHex(const SBinary& value);
+    // Every text gives an ID, see outlook/store/EntryIdText.h.
+    static EntryId HexToBinary(const std::wstring& text);
+
+    // Without a change of zone; 0.0 and zero where a step fails.
+    static DATE FileTimeToDate(FILETIME time);
+    static FILETIME DateToFileTime(DATE date);
+    // By the rules of the zone; null stands for the machine's own.
+    static FILETIME LocalDateToUtcFileTime(DATE localDate, const TIME_ZONE_INFORMATION* zone);
+    static DATE UtcFileTimeToLocalDate(FILETIME utcTime, const TIME_ZONE_INFORMATION* zone);
+
+  private:
+    std::unique_ptr<CNProxcy> m_pProxy;
+};
