@@ -26,6 +26,17 @@ class Bstr
         owner.m_value = value;
         return owner;
     }
+    // A copy with the same length in bytes; null for null. Throws std::bad_alloc.
+    static Bstr CopyOf(BSTR value)
+    {
+        if (!value)
+            return Bstr();
+        Bstr copy = Adopt(
+            SysAllocStringByteLen(reinterpret_cast<const char*>(value), SysStringByteLen(value)));
+        if (!copy)
+            throw std::bad_alloc();
+        return copy;
+    }
     Bstr(Bstr&& other) noexcept : m_value(std::exchange(other.m_value, nullptr)) {}
     Bstr& operator=(Bstr&& other) noexcept
     {
