@@ -9,7 +9,9 @@
 // --- The platform's conversions, with one guard ------------------------------------------------
 
 // A DATE from a calendar time; 0.0 where it is none. A record with month 0, the zero record
-// included, gives 0.0 on every platform (some systems take it for 1999-11-30).
+// included, gives 0.0 on every platform (some systems take it for 1999-11-30), and so does an hour,
+// minute or second beyond its range. As the platform has it, a day that the month lacks (up to 31)
+// rolls over, day 0 is the last day of the month before, and a year of two digits gets a century.
 DATE SystemTimeToDate(const SYSTEMTIME& time);
 
 // A calendar time from a DATE, milliseconds 0, to the nearest second as the platform rounds. All
@@ -36,4 +38,5 @@ std::int64_t DateToUnixSeconds(DATE date);
 DATE AddMinutesToDate(DATE date, int minutes);
 
 // Whole minutes from one DATE to the other, cut towards zero after a correction of half a second.
+// Beyond 32 bits the nearest limit; 0 where a DATE is not a number.
 int DateDiffMinutes(DATE from, DATE to);
