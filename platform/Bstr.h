@@ -73,3 +73,9 @@ inline std::wstring TextOf(BSTR value)
 {
     return value ? std::wstring(value) : std::wstring();
 }
+
+// A new BSTR with the text up to its first zero; the caller owns it. Throws std::bad_alloc.
+inline BSTR NewText(const std::wstring& text)
+{
+    return Bstr(std::wstring_view(text.c_str())).Detach();
+}
