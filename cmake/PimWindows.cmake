@@ -30,3 +30,49 @@ function(pim_compile_idl idl)
     COMMENT "Compiling ${name}.idl"
     VERBATIM)
 endfunction()
+
+# Gives an executable or library its version resource.
+function(pim_add_version target description)
+  set(file ${CMAKE_CURRENT_BINARY_DIR}/${target}_version.rc)
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL EXECUTABLE)
+    set(suffix .exe)
+    set(fileType 0x1L)
+  else()
+    set(suffix .dll)
+    set(fileType 0x2L)
+  endif()
+  get_target_property(name ${target} OUTPUT_NAME)
+  if(NOT name)
+    set(name ${target})
+  endif()
+  string(REPLACE "." "," numbers ${PROJECT_VERSION})
+  file(CONFIGURE OUTPUT ${file} CONTENT [[
+1 VERSIONINFO
+FILEVERSION @numbers@,0
+PRODUCTVERSION @numbers@,0
+FILEFLAGSMASK 0x3fL
+FILEFLAGS 0
+FILEOS 0x40004L
+FILETYPE @fileType@
+BEGIN
+    BLOCK "StringFileInfo"
+    BEGIN
+        BLOCK "040904B0"
+        BEGIN
+            VALUE "FileDescription", "@description@"
+            VALUE "FileVersion", "@PROJECT_VERSION@"
+            VALUE "InternalName", "@name@"
+            VALUE "OriginalFilename", "@name@@suffix@"
+            VALUE "ProductName", "PimStoreBridge"
+            VALUE "ProductVersion", "@PROJECT_VERSION@"
+        END
+    END
+    BLOCK "VarFileInfo"
+    BEGIN
+        VALUE "Translation", 0x0409, 0x04B0
+    END
+END
+]] @ONLY)
+  target_sources(${target} PRIVATE ${file})
+endfunction()
