@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 
 using Microsoft::WRL::ComPtr;
@@ -25,10 +26,16 @@ std::vector<std::string> ReadContract()
     return facts;
 }
 
+// The library that the built server carries as its first TYPELIB resource. The server lies beside
+// the test program.
 ComPtr<ITypeLib> LoadLibraryUnderTest()
 {
+    wchar_t program[MAX_PATH] = {};
+    EXPECT_GT(GetModuleFileNameW(nullptr, program, MAX_PATH), 0u);
+    const std::wstring server =
+        std::filesystem::path(program).replace_filename(L"PimStoreBridge.exe").wstring() + L"\\1";
     ComPtr<ITypeLib> library;
-    const HRESULT result = LoadTypeLibEx(PIM_TYPE_LIBRARY, REGKIND_NONE, &library);
+    const HRESULT result = LoadTypeLibEx(server.c_str(), REGKIND_NONE, &library);
     EXPECT_EQ(S_OK, result);
     return library;
 }
