@@ -27,10 +27,10 @@ if(WIN32)
   target_compile_definitions(sqlite3 PRIVATE SQLITE_THREADSAFE=1 SQLITE_DQS=0 SQLITE_OMIT_LOAD_EXTENSION
     SQLITE_DEFAULT_MEMSTATUS=0)
   target_compile_options(sqlite3 PRIVATE -w)
-
-  # Header-only libraries of the client and the tools.
-  add_library(cli11 INTERFACE)
-  target_include_directories(cli11 SYSTEM INTERFACE ${PIM_DEPS_DIR}/include)
-  add_library(nlohmann_json INTERFACE)
-  target_include_directories(nlohmann_json SYSTEM INTERFACE ${PIM_DEPS_DIR}/include)
 endif()
+
+# Header-only libraries of the client and the tools.
+add_library(cli11 INTERFACE)
+target_include_directories(cli11 SYSTEM INTERFACE ${PIM_DEPS_DIR}/include)
+add_library(nlohmann_json INTERFACE)
+target_include_directories(nlohmann_json SYSTEM INTERFACE ${PIM_DEPS_DIR}/include)

@@ -1,0 +1,217 @@
+#include "client/core/AppointmentText.h"
+
+#include "client/core/TextTable.h"
+#include "client/core/Unicode.h"
+
+#include <algorithm>
+
+namespace pim
+{
+namespace
+{
+constexpr int kSubjectColumns = 36;
+constexpr int kPlaceColumns = 20;
+constexpr int kRepeatsColumns = 48;
+
+std::optional<CivilTime> CivilOf(const std::optional<DATE>& date)
+{
+    return date ? CivilFromDate(*date) : std::nullopt;
+}
+
+// The local time of an item's start or end; an all-day item has local days already.
+std::optional<CivilTime> LocalOf(const std::optional<DATE>& date,
+                                 bool isAllDay,
+                                 const ILocalZone& zone)
+{
+    const auto time = CivilOf(date);
+    return time && !isAllDay ? zone.LocalFromUtc(*time) : time;
+}
+
+// The last day of an all-day item, whose end is the midnight behind it.
+std::optional<CivilTime> LastDayOf(const std::optional<CivilTime>& start,
+                                   const std::optional<CivilTime>& end)
+{
+    if (!end)
+        return start;
+    const auto last = AddSeconds(*end, -1);
+    if (!last || (start && *last < *start))
+        return start;
+    return last;
+}
+
+bool IsSameDay(const CivilTime& left, const CivilTime& right)
+{
+    return left.year == right.year && left.month == right.month && left.day == right.day;
+}
+
+std::wstring StartCell(const Appointment& item, const std::optional<CivilTime>& start)
+{
+    if (!start)
+        return L"-";
+    return item.IsAllDay() ? FormatDay(*start) : FormatDayAndClock(*start);
+}
+
+// The end in as few words as the start allows.
+std::wstring EndCell(const Appointment& item,
+                     const std::optional<CivilTime>& start,
+                     const std::optional<CivilTime>& end)
+{
+    if (item.IsAllDay())
+    {
+        const auto last = LastDayOf(start, end);
+        return last && start && !IsSameDay(*start, *last) ? FormatDay(*last) : L"all day";
+    }
+    if (!end)
+        return L"-";
+    return start && IsSameDay(*start, *end) ? FormatClock(*end) : FormatDayAndClock(*end);
+}
+
+std::wstring RepeatsOf(const Appointment& item)
+{
+    return item.recurrence ? RecurrenceText(*item.recurrence) : std::wstring();
+}
+
+// "2024-05-01 10:00 (2024-05-01 08:00 UTC)"
+std::wstring LocalAndUtc(const CivilTime& utc, const ILocalZone& zone)
+{
+    return FormatDayAndClock(zone.LocalFromUtc(utc)) + L" (" + FormatDayAndClock(utc) + L" UTC)";
+}
+
+class FieldLines
+{
+  public:
+    void Add(const wchar_t* name, const std::wstring& value)
+    {
+        if (value.empty())
+            return;
+        std::wstring line = name;
+        line += L':';
+        line.resize(kNameColumns, L' ');
+        m_text += line + OneLine(value) + L'\n';
+    }
+    void Add(const wchar_t* name, const std::optional<std::wstring>& value)
+    {
+        if (value)
+            Add(name, *value);
+    }
+    const std::wstring& Text() const noexcept { return m_text; }
+
+  private:
+    static constexpr std::size_t kNameColumns = 12;
+    std::wstring m_text;
+};
+
+void AddTimes(FieldLines& lines, const Appointment& item, const ILocalZone& zone)
+{
+    const auto start = CivilOf(item.start);
+    const auto end = CivilOf(item.end);
+    if (item.IsAllDay())
+    {
+        if (!start)
+            return;
+        const auto last = LastDayOf(start, end);
+        std::wstring days = FormatDay(*start);
+        if (last && !IsSameDay(*start, *last))
+            days += L" to " + FormatDay(*last);
+        lines.Add(L"All day", days);
+        return;
+    }
+    if (start)
+        lines.Add(L"Start", LocalAndUtc(*start, zone));
+    if (end)
+        lines.Add(L"End", LocalAndUtc(*end, zone));
+}
+
+void AddExceptions(FieldLines& lines, const Recurrence& recurrence)
+{
+    for (const DATE day : recurrence.deletedLocalDays)
+    {
+        if (const auto time = CivilFromDate(day))
+            lines.Add(L"Left out", FormatDay(*time));
+    }
+    for (const ModifiedInstance& instance : recurrence.modified)
+    {
+        const auto original = CivilFromDate(instance.localOriginalStart);
+        const auto start = CivilFromDate(instance.localStart);
+        std::wstring text;
+        if (original)
+            text += FormatDayAndClock(*original);
+        if (start)
+            text += L" is " + FormatDayAndClock(*start);
+        if (!instance.subject.empty())
+            text += L", " + instance.subject;
+        if (!instance.place.empty())
+            text += L", " + instance.place;
+        lines.Add(L"Changed day", text);
+    }
+}
+} // namespace
+
+bool ComesBefore(const Appointment& left, const Appointment& right, const ILocalZone& zone)
+{
+    const auto instantOf = [&](const Appointment& item) {
+        const auto time = CivilOf(item.start);
+        return time && item.IsAllDay() ? std::optional(zone.UtcFromLocal(*time)) : time;
+    };
+    const auto leftStart = instantOf(left);
+    const auto rightStart = instantOf(right);
+    if (leftStart != rightStart)
+        return leftStart < rightStart;
+    return left.id < right.id;
+}
+
+std::wstring AppointmentTable(std::span<const Appointment> items,
+                              const ILocalZone& zone,
+                              bool isWide)
+{
+    TextTable table({{L"START"},
+                     {L"END"},
+                     {L"SUBJECT", isWide ? 0 : kSubjectColumns},
+                     {L"PLACE", isWide ? 0 : kPlaceColumns},
+                     {L"REPEATS", isWide ? 0 : kRepeatsColumns},
+                     {L"ID"}});
+    for (const Appointment& item : items)
+    {
+        const auto start = LocalOf(item.start, item.IsAllDay(), zone);
+        const auto end = LocalOf(item.end, item.IsAllDay(), zone);
+        table.AddRow({StartCell(item, start),
+                      EndCell(item, start, end),
+                      item.subject.value_or(L""),
+                      item.place.value_or(L""),
+                      RepeatsOf(item),
+                      item.id.value_or(L"")});
+    }
+    return table.Format();
+}
+
+std::wstring AppointmentDetails(const Appointment& item, const ILocalZone& zone)
+{
+    FieldLines lines;
+    lines.Add(L"Subject", item.subject);
+    lines.Add(L"Place", item.place);
+    AddTimes(lines, item, zone);
+    lines.Add(L"Time zone", item.timeZone);
+    lines.Add(L"Repeats", RepeatsOf(item));
+    if (item.recurrence)
+        AddExceptions(lines, *item.recurrence);
+    if (item.reminderMinutes)
+        lines.Add(L"Reminder", ReminderText(*item.reminderMinutes));
+    if (item.busy.value_or(false))
+        lines.Add(L"Shown as", std::wstring(L"busy"));
+    if (const auto modified = CivilOf(item.modifiedUtc))
+        lines.Add(L"Changed", LocalAndUtc(*modified, zone));
+    lines.Add(L"Folder", item.folderId);
+    lines.Add(L"ID", item.id);
+    if (item.persistId != item.id)
+        lines.Add(L"Lasting ID", item.persistId);
+
+    std::wstring text = lines.Text();
+    if (item.description && !item.description->empty())
+    {
+        text += L'\n' + ManyLines(*item.description);
+        if (text.back() != L'\n')
+            text += L'\n';
+    }
+    return text;
+}
+} // namespace pim

@@ -1,0 +1,53 @@
+// The command line of pim. Portable.
+#pragma once
+
+#include "client/core/ItemOptions.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace pim
+{
+// Exit codes of pim; its help tells them.
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitFailed = 1;
+inline constexpr int kExitUsage = 2;
+inline constexpr int kExitNoServer = 3;
+inline constexpr int kExitNotFound = 4;
+inline constexpr int kExitNotKept = 5;
+
+enum class CommandKind
+{
+    Providers,
+    List,
+    Show,
+    Add,
+    Update,
+    Delete,
+    Register,
+    Unregister
+};
+
+struct Command
+{
+    CommandKind kind = CommandKind::Providers;
+    std::optional<std::wstring> provider;
+    bool asJson = false;
+    bool isWide = false;
+    std::vector<std::wstring> ids;
+    ItemOptions item;
+};
+
+// Either a command, or what to print and the code to end with.
+struct CommandLineResult
+{
+    std::optional<Command> command;
+    int exitCode = kExitOk;
+    std::wstring output; // for standard output: help, version
+    std::wstring error;  // for standard error
+};
+
+// Takes the arguments behind the program's name, in UTF-8.
+CommandLineResult ParseCommandLine(std::vector<std::string> arguments, const std::string& version);
+} // namespace pim

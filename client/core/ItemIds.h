@@ -1,0 +1,15 @@
+// Finding one item by the beginning of its ID. Portable.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pim
+{
+// The IDs that a typed text can mean: the one that is equal to it, or else all that begin with it.
+// The beginning is compared without regard to the case of the letters A to Z, and an opening brace
+// may be left out. A text of no characters means none.
+std::vector<std::wstring> MatchItemIds(std::span<const std::wstring> ids, std::wstring_view typed);
+} // namespace pim
