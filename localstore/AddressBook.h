@@ -1,0 +1,77 @@
+// The embedded address book as clients hold it.
+#pragma once
+
+#include "localstore/PropObject.h"
+
+#include <mapiguid.h>
+
+class AddressBook : public PropObject<IAddrBook, &IID_IMAPIProp, &IID_IAddrBook>
+{
+  public:
+    explicit AddressBook(std::shared_ptr<BookSession> session);
+
+    STDMETHODIMP OpenEntry(ULONG entryIdBytes,
+                           LPENTRYID entryId,
+                           LPCIID iid,
+                           ULONG flags,
+                           ULONG* objectType,
+                           LPUNKNOWN* object) override;
+    // *same: 1 where both are the same bytes, else 0.
+    STDMETHODIMP CompareEntryIDs(ULONG firstBytes,
+                                 LPENTRYID first,
+                                 ULONG secondBytes,
+                                 LPENTRYID second,
+                                 ULONG flags,
+                                 ULONG* same) override;
+    STDMETHODIMP Advise(ULONG entryIdBytes,
+                        LPENTRYID entryId,
+                        ULONG events,
+                        LPMAPIADVISESINK sink,
+                        ULONG* connection) override;
+    STDMETHODIMP Unadvise(ULONG connection) override;
+    STDMETHODIMP CreateOneOff(LPTSTR name,
+                              LPTSTR addressType,
+                              LPTSTR address,
+                              ULONG flags,
+                              ULONG* entryIdBytes,
+                              LPENTRYID* entryId) override;
+    STDMETHODIMP NewEntry(ULONG_PTR uiParam,
+                          ULONG flags,
+                          ULONG containerBytes,
+                          LPENTRYID container,
+                          ULONG templateBytes,
+                          LPENTRYID templateId,
+                          ULONG* entryIdBytes,
+                          LPENTRYID* entryId) override;
+    STDMETHODIMP ResolveName(ULONG_PTR uiParam,
+                             ULONG flags,
+                             LPTSTR title,
+                             LPADRLIST addresses) override;
+    STDMETHODIMP Address(ULONG_PTR* uiParam, LPADRPARM parameters, LPADRLIST* addresses) override;
+    STDMETHODIMP Details(ULONG* uiParam,
+                         LPFNDISMISS dismiss,
+                         LPVOID dismissContext,
+                         ULONG entryIdBytes,
+                         LPENTRYID entryId,
+                         LPFNBUTTON button,
+                         LPVOID buttonContext,
+                         LPTSTR buttonText,
+                         ULONG flags) override;
+    STDMETHODIMP RecipOptions(ULONG_PTR uiParam, ULONG flags, LPADRENTRY recipient) override;
+    STDMETHODIMP QueryDefaultRecipOpt(LPTSTR addressType,
+                                      ULONG flags,
+                                      ULONG* count,
+                                      LPSPropValue* options) override;
+    // The personal container's entry ID, the same for the life of the store.
+    // Ownership: the caller frees it with IWABObject::FreeBuffer.
+    STDMETHODIMP GetPAB(ULONG* entryIdBytes, LPENTRYID* entryId) override;
+    STDMETHODIMP SetPAB(ULONG entryIdBytes, LPENTRYID entryId) override;
+    STDMETHODIMP GetDefaultDir(ULONG* entryIdBytes, LPENTRYID* entryId) override;
+    STDMETHODIMP SetDefaultDir(ULONG entryIdBytes, LPENTRYID entryId) override;
+    STDMETHODIMP GetSearchPath(ULONG flags, LPSRowSet* path) override;
+    STDMETHODIMP SetSearchPath(ULONG flags, LPSRowSet path) override;
+    STDMETHODIMP PrepareRecips(ULONG flags, LPSPropTagArray tags, LPADRLIST recipients) override;
+
+  protected:
+    PropertyMap Properties() override;
+};

@@ -1,0 +1,19 @@
+// Entry function of the embedded store's tests; also the child process that they start.
+#include "platform/WindowsHeaders.h"
+#include "tests/localstore/StoreWriter.h"
+
+#include <gmock/gmock.h>
+
+#include <cwchar>
+
+int wmain(int argc, wchar_t** argv)
+{
+    if (argc == 4 && std::wcscmp(argv[1], L"--write-store") == 0)
+        return RunStoreWriter(argv[2], _wtoi(argv[3]));
+    testing::InitGoogleMock(&argc, argv);
+    if (FAILED(CoInitialize(nullptr)))
+        return 2;
+    const int result = RUN_ALL_TESTS();
+    CoUninitialize();
+    return result;
+}

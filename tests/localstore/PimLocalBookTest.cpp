@@ -1,0 +1,810 @@
+// Loads the built PimLocalBook.dll the way the server does: by its path, by its one exported name.
+#include "localstore/StoreSchema.h"
+#include "localstore/StoredProperties.h"
+#include "platform/UniqueHandle.h"
+#include "platform/WindowsHeaders.h"
+#include "tests/localstore/LocalStoreSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <mapiguid.h>
+
+#include <cstring>
+#include <thread>
+#include <vector>
+
+using Microsoft::WRL::ComPtr;
+
+namespace
+{
+
+// The library and a store of its own for one test.
+class PimLocalBookTest : public testing::Test
+{
+  protected:
+    PimLocalBookTest()
+        : m_path(m_folder.File(L"store.db")), m_setting(m_path),
+          m_library(LoadLibraryW((ProgramFolder() + L"PimLocalBook.dll").c_str()))
+    {
+        m_open = m_library ? reinterpret_cast<LPWABOPEN>(reinterpret_cast<void*>(
+                                 GetProcAddress(m_library.Get(), "WABOpen")))
+                           : nullptr;
+    }
+    void SetUp() override { ASSERT_NE(nullptr, m_open); }
+
+    void Open(ComPtr<IAddrBook>& book, ComPtr<IWABObject>& library) const
+    {
+        ASSERT_EQ(S_OK, m_open(book.GetAddressOf(), library.GetAddressOf(), nullptr, 0));
+        ASSERT_NE(nullptr, book.Get());
+        ASSERT_NE(nullptr, library.Get());
+    }
+
+    static std::vector<BYTE> PersonalId(IAddrBook* book, IWABObject* library)
+    {
+        ULONG size = 0;
+        LPENTRYID id = nullptr;
+        EXPECT_EQ(S_OK, book->GetPAB(&size, &id));
+        const BYTE* bytes = reinterpret_cast<const BYTE*>(id);
+        std::vector<BYTE> copy(bytes, bytes + size);
+        EXPECT_EQ(S_OK, library->FreeBuffer(id));
+        return copy;
+    }
+
+    static ComPtr<IABContainer> OpenContainer(IAddrBook* book, std::vector<BYTE> id)
+    {
+        ULONG type = 0;
+        ComPtr<IUnknown> object;
+        EXPECT_EQ(S_OK,
+                  book->OpenEntry(static_cast<ULONG>(id.size()),
+                                  id.empty() ? nullptr : reinterpret_cast<LPENTRYID>(id.data()),
+                                  nullptr,
+                                  0,
+                                  &type,
+                                  object.GetAddressOf()));
+        EXPECT_EQ(static_cast<ULONG>(MAPI_ABCONT), type);
+        ComPtr<IABContainer> container;
+        EXPECT_EQ(S_OK,
+                  object->QueryInterface(IID_IABContainer,
+                                         reinterpret_cast<void**>(container.GetAddressOf())));
+        EXPECT_EQ(static_cast<void*>(container.Get()), static_cast<void*>(object.Get()))
+            << "the server takes the pointer of OpenEntry as the container";
+        return container;
+    }
+
+    // Puts entries into the store behind the library's back.
+    void AddEntries(int count)
+    {
+        Database database = OpenStore(m_path);
+        for (int i = 0; i < count; ++i)
+        {
+            database
+                .Prepare("INSERT INTO book_entry (entry_id, container, object_type, created, "
+                         "modified) SELECT ?1, id, 6, 0, ?2 FROM book_container WHERE role = 1")
+                .Bind(1, NewEntryId(6))
+                .Bind(2, std::int64_t{0x1D0000000000000} + i)
+                .Run();
+            const PropertyOwner entry{OwnerKind::BookEntry, database.LastInsertId()};
+            WriteProperty(database, entry, 0x3001, {PT_UNICODE, L"Entry " + std::to_wstring(i)});
+            WriteProperty(database,
+                          entry,
+                          0x3A56,
+                          {PT_MV_UNICODE, std::vector<std::wstring>{L"a@x", L"b@x"}});
+        }
+    }
+
+    TempFolder m_folder;
+    const std::wstring m_path;
+    StoreSetting m_setting;
+    UniqueModule m_library;
+    LPWABOPEN m_open = nullptr;
+};
+
+struct TagList
+{
+    ULONG cValues;
+    ULONG aulPropTag[8];
+    operator LPSPropTagArray() { return reinterpret_cast<LPSPropTagArray>(this); }
+};
+
+} // namespace
+
+TEST_F(PimLocalBookTest, OpensTheRoadThatTheServerTakes)
+{
+    IAddrBook* book = nullptr;
+    IWABObject* library = nullptr;
+    ASSERT_EQ(S_OK, m_open(&book, &library, nullptr, 0));
+    ULONG size = 0;
+    LPENTRYID id = nullptr;
+    ASSERT_EQ(S_OK, book->GetPAB(&size, &id));
+    ASSERT_NE(nullptr, id);
+    ULONG type = 0;
+    IUnknown* container = nullptr;
+    ASSERT_EQ(S_OK, book->OpenEntry(size, id, nullptr, 0, &type, &container));
+    EXPECT_EQ(static_cast<ULONG>(MAPI_ABCONT), type);
+    EXPECT_EQ(S_OK, library->FreeBuffer(id));
+    // The server's order of release; each is the last reference.
+    EXPECT_EQ(0u, container->Release());
+    EXPECT_EQ(0u, book->Release());
+    EXPECT_EQ(0u, library->Release());
+}
+
+TEST_F(PimLocalBookTest, ExportsOneName)
+{
+    EXPECT_NE(nullptr, GetProcAddress(m_library.Get(), "WABOpen"));
+    for (const char* name : {"MAPIFreeBuffer", "FreeProws@4", "HrGetOneProp", "DllMain"})
+        EXPECT_EQ(nullptr, GetProcAddress(m_library.Get(), name)) << name;
+}
+
+TEST_F(PimLocalBookTest, RefusesBadArgumentsOfOpening)
+{
+    IAddrBook* book = reinterpret_cast<IAddrBook*>(1);
+    IWABObject* library = reinterpret_cast<IWABObject*>(1);
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, m_open(nullptr, &library, nullptr, 0));
+    EXPECT_EQ(nullptr, library);
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, m_open(&book, nullptr, nullptr, 0));
+    EXPECT_EQ(nullptr, book);
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, m_open(nullptr, nullptr, nullptr, 0));
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, m_open(&book, &library, nullptr, 1));
+
+    WAB_PARAM parameter{};
+    for (const ULONG size : {0u, 4u, 16u, 27u})
+    {
+        parameter.cbSize = size;
+        EXPECT_EQ(MAPI_E_INVALID_PARAMETER, m_open(&book, &library, &parameter, 0)) << size;
+    }
+    parameter.cbSize = sizeof parameter;
+    char file[] = "C:\\other.wab";
+    parameter.szFileName = file;
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, m_open(&book, &library, &parameter, 0));
+    EXPECT_EQ(nullptr, book);
+    EXPECT_EQ(nullptr, library);
+}
+
+TEST_F(PimLocalBookTest, TakesTheParameterRecordInItsForms)
+{
+    char none[] = "";
+    for (const ULONG size : {32u, 44u, 48u, 64u})
+    {
+        WAB_PARAM parameter{};
+        parameter.cbSize = size;
+        parameter.szFileName = none;
+        parameter.ulFlags = WAB_ENABLE_PROFILES;
+        ComPtr<IAddrBook> book;
+        ComPtr<IWABObject> library;
+        EXPECT_EQ(S_OK, m_open(book.GetAddressOf(), library.GetAddressOf(), &parameter, 0)) << size;
+    }
+}
+
+TEST_F(PimLocalBookTest, FailsClearlyWhereTheStoreDoesNotOpen)
+{
+    IAddrBook* book = nullptr;
+    IWABObject* library = nullptr;
+    WriteWholeFile(m_path, std::string(3000, 'x'));
+    EXPECT_EQ(MAPI_E_CORRUPT_STORE, m_open(&book, &library, nullptr, 0));
+    EXPECT_EQ(nullptr, book);
+    EXPECT_EQ(nullptr, library);
+    {
+        const StoreSetting setting(m_folder.File(L"newer.db"));
+        {
+            Database database = OpenStore(m_folder.File(L"newer.db"));
+            database.Execute("PRAGMA user_version = 1000");
+        }
+        EXPECT_EQ(MAPI_E_VERSION, m_open(&book, &library, nullptr, 0));
+    }
+    {
+        const StoreSetting setting(L"relative.db");
+        EXPECT_EQ(MAPI_E_NOT_FOUND, m_open(&book, &library, nullptr, 0));
+    }
+    {
+        const StoreSetting setting(m_folder.Path());
+        EXPECT_EQ(MAPI_E_NOT_FOUND, m_open(&book, &library, nullptr, 0)) << "a folder";
+    }
+}
+
+TEST_F(PimLocalBookTest, CountsReferencesPerObject)
+{
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    EXPECT_EQ(2u, book->AddRef());
+    EXPECT_EQ(2u, library->AddRef());
+    EXPECT_EQ(1u, book->Release());
+    EXPECT_EQ(1u, library->Release());
+
+    ComPtr<IUnknown> unknown;
+    ASSERT_EQ(S_OK,
+              book->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(unknown.GetAddressOf())));
+    EXPECT_EQ(static_cast<void*>(book.Get()), static_cast<void*>(unknown.Get()));
+    EXPECT_EQ(3u, book->AddRef());
+    EXPECT_EQ(2u, book->Release());
+}
+
+TEST_F(PimLocalBookTest, AnswersItsInterfacesAndNoOthers)
+{
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    const ComPtr<IABContainer> container = OpenContainer(book.Get(), {});
+    const auto answers = [](IUnknown* object, REFIID iid) {
+        void* result = reinterpret_cast<void*>(1);
+        const HRESULT hr = object->QueryInterface(iid, &result);
+        if (SUCCEEDED(hr))
+            static_cast<IUnknown*>(result)->Release();
+        else
+            EXPECT_EQ(nullptr, result);
+        return hr == S_OK;
+    };
+    EXPECT_TRUE(answers(book.Get(), IID_IAddrBook));
+    EXPECT_TRUE(answers(book.Get(), IID_IMAPIProp));
+    EXPECT_FALSE(answers(book.Get(), IID_IABContainer));
+    EXPECT_FALSE(answers(book.Get(), IID_IDispatch));
+    EXPECT_TRUE(answers(container.Get(), IID_IMAPIProp));
+    EXPECT_TRUE(answers(container.Get(), IID_IMAPIContainer));
+    EXPECT_FALSE(answers(container.Get(), IID_IAddrBook));
+    EXPECT_TRUE(answers(library.Get(), IID_IUnknown));
+    EXPECT_FALSE(answers(library.Get(), IID_IMAPIProp));
+    EXPECT_EQ(E_POINTER, book->QueryInterface(IID_IUnknown, nullptr));
+}
+
+TEST_F(PimLocalBookTest, ThePersonalEntryIdIsStableForLife)
+{
+    std::vector<BYTE> first;
+    {
+        ComPtr<IAddrBook> book;
+        ComPtr<IWABObject> library;
+        Open(book, library);
+        first = PersonalId(book.Get(), library.Get());
+        EXPECT_EQ(first, PersonalId(book.Get(), library.Get()));
+    }
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    EXPECT_EQ(first, PersonalId(book.Get(), library.Get()));
+    EXPECT_EQ(24u, first.size());
+
+    ULONG same = 7;
+    std::vector<BYTE> second = first;
+    EXPECT_EQ(S_OK,
+              book->CompareEntryIDs(24,
+                                    reinterpret_cast<LPENTRYID>(first.data()),
+                                    24,
+                                    reinterpret_cast<LPENTRYID>(second.data()),
+                                    0,
+                                    &same));
+    EXPECT_EQ(1u, same);
+    second[23] ^= 1;
+    EXPECT_EQ(S_OK,
+              book->CompareEntryIDs(24,
+                                    reinterpret_cast<LPENTRYID>(first.data()),
+                                    24,
+                                    reinterpret_cast<LPENTRYID>(second.data()),
+                                    0,
+                                    &same));
+    EXPECT_EQ(0u, same);
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, book->CompareEntryIDs(24, nullptr, 0, nullptr, 0, &same));
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, book->CompareEntryIDs(0, nullptr, 0, nullptr, 0, nullptr));
+}
+
+TEST_F(PimLocalBookTest, GetPabRefusesNullOutputs)
+{
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    ULONG size = 5;
+    LPENTRYID id = nullptr;
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, book->GetPAB(nullptr, &id));
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, book->GetPAB(&size, nullptr));
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, book->GetPAB(nullptr, nullptr));
+}
+
+TEST_F(PimLocalBookTest, OpenEntryRefusesWhatItCannotOpen)
+{
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    std::vector<BYTE> id = PersonalId(book.Get(), library.Get());
+    const auto open = [&](ULONG size, void* address, LPCIID iid) {
+        ULONG type = 77;
+        IUnknown* object = reinterpret_cast<IUnknown*>(1);
+        const HRESULT result =
+            book->OpenEntry(size, static_cast<LPENTRYID>(address), iid, 0, &type, &object);
+        if (FAILED(result))
+        {
+            EXPECT_EQ(0u, type);
+            EXPECT_EQ(nullptr, object);
+        }
+        else
+            object->Release();
+        return result;
+    };
+    EXPECT_EQ(S_OK, open(24, id.data(), nullptr));
+    EXPECT_EQ(S_OK, open(24, id.data(), &IID_IMAPIContainer));
+    EXPECT_EQ(S_OK, open(0, id.data(), nullptr)) << "no bytes: the root";
+    EXPECT_EQ(MAPI_E_INTERFACE_NOT_SUPPORTED, open(24, id.data(), &IID_IDispatch));
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, open(24, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_UNKNOWN_ENTRYID, open(23, id.data(), nullptr));
+    EXPECT_EQ(MAPI_E_UNKNOWN_ENTRYID, open(1, id.data(), nullptr));
+    EXPECT_EQ(MAPI_E_INVALID_ENTRYID, open(0xFFFFFFFF, id.data(), nullptr));
+    BYTE foreign[40] = {1, 2, 3};
+    EXPECT_EQ(MAPI_E_UNKNOWN_ENTRYID, open(sizeof foreign, foreign, nullptr));
+    id[23] ^= 0x55;
+    EXPECT_EQ(MAPI_E_NOT_FOUND, open(24, id.data(), nullptr)) << "of our form, but of nothing here";
+
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, book->OpenEntry(0, nullptr, nullptr, 0, nullptr, nullptr));
+    ComPtr<IUnknown> root;
+    EXPECT_EQ(S_OK, book->OpenEntry(0, nullptr, nullptr, 0, nullptr, root.GetAddressOf()))
+        << "the type is optional";
+}
+
+TEST_F(PimLocalBookTest, ContainersTellTheirProperties)
+{
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    const std::vector<BYTE> id = PersonalId(book.Get(), library.Get());
+    const ComPtr<IABContainer> container = OpenContainer(book.Get(), id);
+
+    TagList tags{5,
+                 {PR_DISPLAY_NAME_W,
+                  PR_ENTRYID,
+                  PR_OBJECT_TYPE,
+                  PR_DISPLAY_NAME_A,
+                  PROP_TAG(PT_UNSPECIFIED, PROP_ID(PR_OBJECT_TYPE))}};
+    ULONG count = 0;
+    LPSPropValue values = nullptr;
+    ASSERT_EQ(S_OK, container->GetProps(tags, MAPI_UNICODE, &count, &values));
+    ASSERT_EQ(5u, count);
+    EXPECT_EQ(static_cast<ULONG>(PR_DISPLAY_NAME_W), values[0].ulPropTag);
+    EXPECT_STREQ(L"Contacts", values[0].Value.lpszW);
+    EXPECT_EQ(static_cast<ULONG>(PR_ENTRYID), values[1].ulPropTag);
+    ASSERT_EQ(id.size(), values[1].Value.bin.cb);
+    EXPECT_EQ(0, std::memcmp(id.data(), values[1].Value.bin.lpb, id.size()));
+    EXPECT_EQ(static_cast<LONG>(MAPI_ABCONT), values[2].Value.l);
+    EXPECT_EQ(static_cast<ULONG>(PR_DISPLAY_NAME_A), values[3].ulPropTag);
+    EXPECT_STREQ("Contacts", values[3].Value.lpszA);
+    EXPECT_EQ(static_cast<ULONG>(PR_OBJECT_TYPE), values[4].ulPropTag);
+    EXPECT_EQ(S_OK, library->FreeBuffer(values));
+
+    // The root, and every property without a list.
+    const ComPtr<IABContainer> root = OpenContainer(book.Get(), {});
+    ASSERT_EQ(S_OK, root->GetProps(nullptr, MAPI_UNICODE, &count, &values));
+    bool named = false;
+    for (ULONG i = 0; i < count; ++i)
+    {
+        EXPECT_NE(static_cast<ULONG>(PT_ERROR), PROP_TYPE(values[i].ulPropTag));
+        if (values[i].ulPropTag == PR_DISPLAY_NAME_W)
+        {
+            named = true;
+            EXPECT_STREQ(L"Address Book", values[i].Value.lpszW);
+        }
+    }
+    EXPECT_TRUE(named);
+    EXPECT_EQ(S_OK, library->FreeBuffer(values));
+    ASSERT_EQ(S_OK, root->GetProps(nullptr, 0, &count, &values));
+    for (ULONG i = 0; i < count; ++i)
+        EXPECT_NE(static_cast<ULONG>(PT_UNICODE), PROP_TYPE(values[i].ulPropTag));
+    EXPECT_EQ(S_OK, library->FreeBuffer(values));
+
+    LPSPropTagArray list = nullptr;
+    ASSERT_EQ(S_OK, root->GetPropList(MAPI_UNICODE, &list));
+    EXPECT_EQ(count, list->cValues);
+    EXPECT_EQ(S_OK, library->FreeBuffer(list));
+}
+
+TEST_F(PimLocalBookTest, MissingPropertiesComeAsErrorsInTheirPlace)
+{
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    const ComPtr<IABContainer> container = OpenContainer(book.Get(), {});
+    TagList tags{3, {PR_COMMENT_W, PR_OBJECT_TYPE, CHANGE_PROP_TYPE(PR_DISPLAY_NAME_W, PT_LONG)}};
+    ULONG count = 0;
+    LPSPropValue values = nullptr;
+    ASSERT_EQ(MAPI_W_ERRORS_RETURNED, container->GetProps(tags, 0, &count, &values));
+    ASSERT_EQ(3u, count);
+    EXPECT_EQ(PROP_TAG(PT_ERROR, PROP_ID(PR_COMMENT_W)), values[0].ulPropTag);
+    EXPECT_EQ(MAPI_E_NOT_FOUND, values[0].Value.err);
+    EXPECT_EQ(static_cast<ULONG>(PR_OBJECT_TYPE), values[1].ulPropTag);
+    EXPECT_EQ(PROP_TAG(PT_ERROR, PROP_ID(PR_DISPLAY_NAME_W)), values[2].ulPropTag)
+        << "a text is no number";
+    EXPECT_EQ(S_OK, library->FreeBuffer(values));
+}
+
+TEST_F(PimLocalBookTest, GetPropsRefusesBadArguments)
+{
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    const ComPtr<IABContainer> container = OpenContainer(book.Get(), {});
+    ULONG count = 9;
+    LPSPropValue values = reinterpret_cast<LPSPropValue>(1);
+    TagList tags{1, {PR_OBJECT_TYPE}};
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, container->GetProps(tags, 0, nullptr, &values));
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, container->GetProps(tags, 0, &count, nullptr));
+    EXPECT_EQ(MAPI_E_UNKNOWN_FLAGS, container->GetProps(tags, 4, &count, &values));
+    EXPECT_EQ(nullptr, values);
+    tags.cValues = 0;
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, container->GetProps(tags, 0, &count, &values));
+    tags.cValues = 0xFFFFFFFF;
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, container->GetProps(tags, 0, &count, &values));
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, container->GetPropList(0, nullptr));
+}
+
+TEST_F(PimLocalBookTest, FreeBufferTakesOnlyItsOwnAddresses)
+{
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    void* buffer = nullptr;
+    ASSERT_EQ(S_OK, library->AllocateBuffer(64, &buffer));
+    void* block = nullptr;
+    ASSERT_EQ(S_OK, library->AllocateMore(32, buffer, &block));
+    std::memset(buffer, 1, 64);
+    std::memset(block, 1, 32);
+    int foreign = 3;
+    EXPECT_TRUE(FAILED(library->FreeBuffer(&foreign)));
+    EXPECT_TRUE(FAILED(library->FreeBuffer(block)));
+    EXPECT_EQ(3, foreign);
+    EXPECT_EQ(S_OK, library->FreeBuffer(buffer));
+    EXPECT_TRUE(FAILED(library->FreeBuffer(buffer)));
+    EXPECT_EQ(S_OK, library->FreeBuffer(nullptr));
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, library->AllocateBuffer(64, nullptr));
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, library->AllocateMore(64, &foreign, &block));
+}
+
+TEST_F(PimLocalBookTest, TwoOpeningsInOneProcessShareStoreAndMemory)
+{
+    ComPtr<IAddrBook> firstBook;
+    ComPtr<IWABObject> firstLibrary;
+    Open(firstBook, firstLibrary);
+    ComPtr<IAddrBook> secondBook;
+    ComPtr<IWABObject> secondLibrary;
+    Open(secondBook, secondLibrary);
+    EXPECT_NE(firstBook.Get(), secondBook.Get());
+    EXPECT_EQ(PersonalId(firstBook.Get(), secondLibrary.Get()),
+              PersonalId(secondBook.Get(), firstLibrary.Get()));
+    EXPECT_EQ(0u, firstBook.Reset());
+    EXPECT_EQ(0u, firstLibrary.Reset());
+    EXPECT_EQ(24u, PersonalId(secondBook.Get(), secondLibrary.Get()).size());
+}
+
+TEST_F(PimLocalBookTest, ContainersAndTablesOutliveTheBook)
+{
+    ComPtr<IABContainer> container;
+    ComPtr<IMAPITable> table;
+    {
+        ComPtr<IAddrBook> book;
+        ComPtr<IWABObject> library;
+        Open(book, library);
+        container = OpenContainer(book.Get(), PersonalId(book.Get(), library.Get()));
+    }
+    ASSERT_EQ(S_OK, container->GetContentsTable(MAPI_UNICODE, table.GetAddressOf()));
+    EXPECT_EQ(0u, container.Reset());
+    ULONG count = 9;
+    EXPECT_EQ(S_OK, table->GetRowCount(0, &count));
+    EXPECT_EQ(0u, count);
+    LPSRowSet rows = nullptr;
+    EXPECT_EQ(S_OK, table->QueryRows(10, 0, &rows));
+    ASSERT_NE(nullptr, rows);
+    EXPECT_EQ(0u, rows->cRows);
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    EXPECT_EQ(S_OK, library->FreeBuffer(rows));
+}
+
+TEST_F(PimLocalBookTest, ContentsTableGivesTheEntries)
+{
+    AddEntries(3);
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    const ComPtr<IABContainer> container =
+        OpenContainer(book.Get(), PersonalId(book.Get(), library.Get()));
+    ComPtr<IMAPITable> table;
+    ASSERT_EQ(S_OK, container->GetContentsTable(MAPI_UNICODE, table.GetAddressOf()));
+    TagList tags{4, {PR_ENTRYID, PR_COMMENT_W, PR_LAST_MODIFICATION_TIME, 0x3A56101F}};
+    ASSERT_EQ(S_OK, table->SetColumns(tags, 0));
+    LPSPropTagArray columns = nullptr;
+    ASSERT_EQ(S_OK, table->QueryColumns(0, &columns));
+    ASSERT_EQ(4u, columns->cValues);
+    EXPECT_EQ(0x3A56101Fu, columns->aulPropTag[3]);
+    EXPECT_EQ(S_OK, library->FreeBuffer(columns));
+    ULONG count = 0;
+    ASSERT_EQ(S_OK, table->GetRowCount(0, &count));
+    EXPECT_EQ(3u, count);
+
+    LPSRowSet rows = nullptr;
+    ASSERT_EQ(S_OK, table->QueryRows(static_cast<LONG>(count), 0, &rows));
+    ASSERT_EQ(3u, rows->cRows);
+    for (ULONG i = 0; i < rows->cRows; ++i)
+    {
+        const SRow& row = rows->aRow[i];
+        ASSERT_EQ(4u, row.cValues);
+        EXPECT_EQ(24u, row.lpProps[0].Value.bin.cb);
+        EXPECT_EQ(PROP_TAG(PT_ERROR, PROP_ID(PR_COMMENT_W)), row.lpProps[1].ulPropTag);
+        EXPECT_EQ(i, row.lpProps[2].Value.ft.dwLowDateTime);
+        EXPECT_EQ(0x1D00000u, row.lpProps[2].Value.ft.dwHighDateTime);
+        ASSERT_EQ(2u, row.lpProps[3].Value.MVszW.cValues);
+        EXPECT_STREQ(L"a@x", row.lpProps[3].Value.MVszW.lppszW[0]);
+        EXPECT_STREQ(L"b@x", row.lpProps[3].Value.MVszW.lppszW[1]);
+
+        // The engine frees the address of the set's first row for every row, which is no buffer.
+        EXPECT_TRUE(FAILED(library->FreeBuffer(&rows->aRow[0])));
+    }
+    for (ULONG i = 0; i < rows->cRows; ++i)
+        EXPECT_EQ(S_OK, library->FreeBuffer(rows->aRow[i].lpProps));
+    EXPECT_EQ(S_OK, library->FreeBuffer(rows));
+
+    // Entries do not open; their IDs are known.
+    std::vector<BYTE> id(24);
+    {
+        Database database = OpenStore(m_path);
+        Statement row = database.Prepare("SELECT entry_id FROM book_entry");
+        ASSERT_TRUE(row.Step());
+        std::memcpy(id.data(), row.Blob(0).data(), 24);
+    }
+    IUnknown* object = nullptr;
+    EXPECT_EQ(MAPI_E_NO_SUPPORT,
+              container->OpenEntry(
+                  24, reinterpret_cast<LPENTRYID>(id.data()), nullptr, 2, nullptr, &object));
+}
+
+TEST_F(PimLocalBookTest, TablesStepBothWaysAndStayInBounds)
+{
+    AddEntries(5);
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    const ComPtr<IABContainer> container =
+        OpenContainer(book.Get(), PersonalId(book.Get(), library.Get()));
+    ComPtr<IMAPITable> table;
+    ASSERT_EQ(S_OK, container->GetContentsTable(0, table.GetAddressOf()));
+    TagList tags{1, {PR_DISPLAY_NAME_W}};
+    ASSERT_EQ(S_OK, table->SetColumns(tags, 0));
+    const auto read = [&](LONG count, ULONG flags) {
+        std::wstring names;
+        LPSRowSet rows = nullptr;
+        EXPECT_EQ(S_OK, table->QueryRows(count, flags, &rows));
+        for (ULONG i = 0; rows && i < rows->cRows; ++i)
+        {
+            names += rows->aRow[i].lpProps[0].Value.lpszW[6];
+            library->FreeBuffer(rows->aRow[i].lpProps);
+        }
+        library->FreeBuffer(rows);
+        return names;
+    };
+    EXPECT_EQ(L"01", read(2, 0));
+    EXPECT_EQ(L"23", read(2, TBL_NOADVANCE));
+    EXPECT_EQ(L"234", read(100, 0));
+    EXPECT_EQ(L"", read(100, 0));
+    EXPECT_EQ(L"34", read(-2, 0));
+    EXPECT_EQ(L"012", read(LONG_MIN, 0));
+    EXPECT_EQ(L"", read(-1, 0));
+    LONG sought = 0;
+    EXPECT_EQ(S_OK, table->SeekRow(BOOKMARK_END, -2, &sought));
+    EXPECT_EQ(-2, sought);
+    EXPECT_EQ(L"3", read(1, 0));
+    EXPECT_EQ(S_OK, table->SeekRow(BOOKMARK_CURRENT, LONG_MAX, &sought));
+    EXPECT_EQ(1, sought);
+    EXPECT_EQ(S_OK, table->SeekRow(BOOKMARK_BEGINNING, LONG_MIN, nullptr));
+    EXPECT_EQ(L"01234", read(LONG_MAX, 0));
+    EXPECT_EQ(MAPI_E_INVALID_BOOKMARK, table->SeekRow(9, 0, nullptr));
+    ULONG row = 0;
+    ULONG numerator = 0;
+    ULONG denominator = 0;
+    EXPECT_EQ(S_OK, table->QueryPosition(&row, &numerator, &denominator));
+    EXPECT_EQ(5u, row);
+    EXPECT_EQ(5u, denominator);
+}
+
+TEST_F(PimLocalBookTest, ARowWhoseEntryIsGoneHasErrorsOnly)
+{
+    AddEntries(1);
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    const ComPtr<IABContainer> container =
+        OpenContainer(book.Get(), PersonalId(book.Get(), library.Get()));
+    ComPtr<IMAPITable> table;
+    ASSERT_EQ(S_OK, container->GetContentsTable(0, table.GetAddressOf()));
+    {
+        Database database = OpenStore(m_path);
+        database.Execute("DELETE FROM book_entry");
+    }
+    LPSRowSet rows = nullptr;
+    ASSERT_EQ(S_OK, table->QueryRows(1, 0, &rows));
+    ASSERT_EQ(1u, rows->cRows);
+    for (ULONG i = 0; i < rows->aRow[0].cValues; ++i)
+        EXPECT_EQ(static_cast<ULONG>(PT_ERROR), PROP_TYPE(rows->aRow[0].lpProps[i].ulPropTag));
+    library->FreeBuffer(rows->aRow[0].lpProps);
+    library->FreeBuffer(rows);
+}
+
+TEST_F(PimLocalBookTest, TablesRefuseBadArguments)
+{
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    const ComPtr<IABContainer> container = OpenContainer(book.Get(), {});
+    ComPtr<IMAPITable> table;
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, container->GetContentsTable(0, nullptr));
+    EXPECT_EQ(MAPI_E_UNKNOWN_FLAGS, container->GetContentsTable(0x10000000, table.GetAddressOf()));
+    ASSERT_EQ(S_OK, container->GetContentsTable(0, table.GetAddressOf()));
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, table->SetColumns(nullptr, 0));
+    TagList tags{0xFFFFFFFF, {}};
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, table->SetColumns(tags, 0));
+    tags.cValues = 0;
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, table->SetColumns(tags, 0));
+    EXPECT_EQ(MAPI_E_UNKNOWN_FLAGS, table->SetColumns(tags, 0x100));
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, table->GetRowCount(0, nullptr));
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, table->QueryRows(1, 0, nullptr));
+    LPSRowSet rows = nullptr;
+    EXPECT_EQ(MAPI_E_UNKNOWN_FLAGS, table->QueryRows(1, 0x100, &rows));
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, table->QueryColumns(0, nullptr));
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, table->GetStatus(nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, table->QueryPosition(nullptr, nullptr, nullptr));
+}
+
+TEST_F(PimLocalBookTest, WhatIsNotBuiltSaysSoAndTakesAnyArguments)
+{
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    const ComPtr<IABContainer> container = OpenContainer(book.Get(), {});
+    ComPtr<IMAPITable> table;
+    ASSERT_EQ(S_OK, container->GetContentsTable(0, table.GetAddressOf()));
+
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, library->Backup(nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, library->Import(nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, library->Find(nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, library->VCardDisplay(nullptr, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, library->LDAPUrl(nullptr, nullptr, 0, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, library->VCardCreate(nullptr, 0, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, library->VCardRetrieve(nullptr, 0, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, library->GetMe(nullptr, 0, nullptr, nullptr, 0));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, library->SetMe(nullptr, 0, SBinary{}, 0));
+
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, book->Advise(0, nullptr, 0, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, book->Unadvise(1));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT,
+              book->CreateOneOff(nullptr, nullptr, nullptr, 0, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, book->NewEntry(0, 0, 0, nullptr, 0, nullptr, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, book->ResolveName(0, 0, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, book->Address(nullptr, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT,
+              book->Details(nullptr, nullptr, nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, book->RecipOptions(0, 0, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, book->QueryDefaultRecipOpt(nullptr, 0, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, book->SetPAB(0, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, book->GetDefaultDir(nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, book->SetDefaultDir(0, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, book->GetSearchPath(0, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, book->SetSearchPath(0, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, book->PrepareRecips(0, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, book->SaveChanges(0));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, book->SetProps(1, nullptr, nullptr));
+
+    IMAPIProp* entry = reinterpret_cast<IMAPIProp*>(1);
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, container->CreateEntry(0, nullptr, CREATE_REPLACE, &entry));
+    EXPECT_EQ(nullptr, entry);
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, container->CopyEntries(nullptr, 0, nullptr, 0));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, container->DeleteEntries(nullptr, 0));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, container->ResolveNames(nullptr, 0, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, container->SetSearchCriteria(nullptr, nullptr, 0));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, container->GetSearchCriteria(0, nullptr, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, container->SetProps(1, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, container->DeleteProps(nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT,
+              container->CopyTo(0, nullptr, nullptr, 0, nullptr, nullptr, nullptr, 0, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT,
+              container->CopyProps(nullptr, 0, nullptr, nullptr, nullptr, 0, nullptr));
+    IUnknown* property = reinterpret_cast<IUnknown*>(1);
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, container->OpenProperty(PR_COMMENT_W, nullptr, 0, 0, &property));
+    EXPECT_EQ(nullptr, property);
+    IMAPITable* hierarchy = reinterpret_cast<IMAPITable*>(1);
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, container->GetHierarchyTable(0, &hierarchy));
+    EXPECT_EQ(nullptr, hierarchy);
+
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, table->FindRow(nullptr, 0, 0));
+    EXPECT_EQ(S_OK, table->Restrict(nullptr, 0)) << "no restriction";
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, table->SortTable(nullptr, 0));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, table->QuerySortOrder(nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, table->CreateBookmark(nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, table->ExpandRow(0, nullptr, 0, 0, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, table->CollapseRow(0, nullptr, 0, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, table->GetCollapseState(0, 0, nullptr, nullptr, nullptr));
+    EXPECT_EQ(MAPI_E_NO_SUPPORT, table->SetCollapseState(0, 0, nullptr, nullptr));
+}
+
+TEST_F(PimLocalBookTest, LastErrorTellsTheFailureInWords)
+{
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    MAPIERROR* error = reinterpret_cast<MAPIERROR*>(1);
+    EXPECT_EQ(S_OK, library->GetLastError(MAPI_E_CORRUPT_STORE, MAPI_UNICODE, &error));
+    EXPECT_EQ(nullptr, error) << "nothing failed so far";
+    EXPECT_EQ(MAPI_E_INVALID_PARAMETER, library->GetLastError(S_OK, 0, nullptr));
+    EXPECT_EQ(MAPI_E_UNKNOWN_FLAGS, library->GetLastError(S_OK, 1, &error));
+
+    {
+        Database database = OpenStore(m_path);
+        database.Execute("DELETE FROM book_container");
+    }
+    ULONG size = 0;
+    LPENTRYID id = nullptr;
+    ASSERT_EQ(MAPI_E_CORRUPT_STORE, book->GetPAB(&size, &id));
+    EXPECT_EQ(nullptr, id);
+    ASSERT_EQ(S_OK, library->GetLastError(MAPI_E_CORRUPT_STORE, MAPI_UNICODE, &error));
+    ASSERT_NE(nullptr, error);
+    EXPECT_STREQ(L"a container of the address book is gone", error->lpszError);
+    EXPECT_STREQ(L"PimLocalBook", error->lpszComponent);
+    EXPECT_EQ(S_OK, library->FreeBuffer(error));
+    ASSERT_EQ(S_OK, book->GetLastError(MAPI_E_CORRUPT_STORE, 0, &error));
+    ASSERT_NE(nullptr, error);
+    EXPECT_STREQ("a container of the address book is gone",
+                 reinterpret_cast<const char*>(error->lpszError));
+    EXPECT_EQ(S_OK, library->FreeBuffer(error));
+    EXPECT_EQ(S_OK, library->GetLastError(MAPI_E_NOT_FOUND, 0, &error));
+    EXPECT_EQ(nullptr, error) << "another result than the last";
+}
+
+TEST_F(PimLocalBookTest, AReadOnlyStoreOpensForReading)
+{
+    {
+        Database database = OpenStore(m_path);
+    }
+    ASSERT_TRUE(SetFileAttributesW(m_path.c_str(), FILE_ATTRIBUTE_READONLY));
+    {
+        ComPtr<IAddrBook> book;
+        ComPtr<IWABObject> library;
+        Open(book, library);
+        EXPECT_EQ(24u, PersonalId(book.Get(), library.Get()).size());
+        IUnknown* object = nullptr;
+        EXPECT_EQ(MAPI_E_NO_ACCESS,
+                  book->OpenEntry(0, nullptr, nullptr, MAPI_MODIFY, nullptr, &object));
+    }
+    SetFileAttributesW(m_path.c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+TEST_F(PimLocalBookTest, ServesSeveralThreads)
+{
+    AddEntries(20);
+    ComPtr<IAddrBook> book;
+    ComPtr<IWABObject> library;
+    Open(book, library);
+    const std::vector<BYTE> id = PersonalId(book.Get(), library.Get());
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+    {
+        threads.emplace_back([&] {
+            for (int i = 0; i < 20; ++i)
+            {
+                const ComPtr<IABContainer> container = OpenContainer(book.Get(), id);
+                ComPtr<IMAPITable> table;
+                ASSERT_EQ(S_OK, container->GetContentsTable(0, table.GetAddressOf()));
+                LPSRowSet rows = nullptr;
+                ASSERT_EQ(S_OK, table->QueryRows(100, 0, &rows));
+                ASSERT_EQ(20u, rows->cRows);
+                for (ULONG row = 0; row < rows->cRows; ++row)
+                    EXPECT_EQ(S_OK, library->FreeBuffer(rows->aRow[row].lpProps));
+                EXPECT_EQ(S_OK, library->FreeBuffer(rows));
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
+TEST_F(PimLocalBookTest, LoadsAndUnloadsManyTimes)
+{
+    for (int i = 0; i < 20; ++i)
+    {
+        UniqueModule library(LoadLibraryW((ProgramFolder() + L"PimLocalBook.dll").c_str()));
+        ASSERT_TRUE(library);
+        ComPtr<IAddrBook> book;
+        ComPtr<IWABObject> wab;
+        Open(book, wab);
+    }
+}
