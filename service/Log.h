@@ -3,8 +3,8 @@
 // silently in every case and never changes the caller's course.
 #pragma once
 
-// Formats as the platform's wide printf does and writes one line. HRESULTs go as
-// "%p" with Hr(code).
+// Formats as the platform's wide printf does and writes one line, at level "Debug". HRESULTs go as
+// "%p" with Hr(code). Nothing for a null format.
 void LogPrintf(const wchar_t* format, ...);
 
 // Whether the settings file turns the trace on, read anew.

@@ -8,7 +8,7 @@
 // Splits a path, cut at 260 characters, scanning from its end: the first "." seen gives the
 // extension with the dot; the first backslash ends the scan. The directory keeps that backslash;
 // the file name includes its extension. Without a backslash the whole path is the file name and
-// the directory stays empty. Each output may be null.
+// the directory is empty. Each output may be null.
 void SplitPath(const std::wstring& path,
                std::wstring* directory,
                std::wstring* fileName,

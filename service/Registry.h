@@ -10,8 +10,8 @@
 // failure and for other types. An empty value name is the key's default value.
 std::wstring ReadRegistryString(HKEY root, const std::wstring& key, const std::wstring& value);
 
-// True when the key opened. The output is cleared and set only from a non-empty string value that
-// fits the buffer size in bytes (at most 520).
+// True when the key opened. The output is cleared in every case and set only from a non-empty
+// string value that fits the buffer size in bytes (at most 520).
 bool ReadRegistryBuffer(HKEY root,
                         const std::wstring& key,
                         const std::wstring& value,
