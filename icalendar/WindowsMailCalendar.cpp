@@ -138,7 +138,7 @@ void CWindowsMailCalendar::GetItemIDs()
     m_index.Clear();
     m_handedOut.clear();
     m_currentPosition = ItemIndex::kNotFound;
-    m_position = 0;
+    m_position = ItemIndex::kNotFound;
     std::exchange(m_items, {}).clear();
     std::exchange(m_files, {}).clear();
     // The position is no place in the new list until ResetItem.
