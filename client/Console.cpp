@@ -1,0 +1,103 @@
+#include "client/Console.h"
+
+#include "client/core/Unicode.h"
+
+#include <algorithm>
+#include <atomic>
+#include <string>
+
+namespace pim
+{
+namespace
+{
+// Short walks end before the count would show.
+constexpr ULONGLONG kFirstShowMs = 300;
+constexpr ULONGLONG kShowEveryMs = 100;
+
+std::atomic<bool> cancelled = false;
+
+BOOL WINAPI OnControlEvent(DWORD event)
+{
+    if (event != CTRL_C_EVENT || cancelled)
+        return FALSE;
+    cancelled = true;
+    return TRUE;
+}
+} // namespace
+
+OutputStream::OutputStream(DWORD standardHandle) : m_handle(GetStdHandle(standardHandle))
+{
+    DWORD mode = 0;
+    m_isTerminal = GetConsoleMode(m_handle, &mode) != 0;
+}
+
+bool OutputStream::Write(std::wstring_view text) const
+{
+    if (m_isTerminal)
+        return WriteToTerminal(text);
+    const std::string bytes = Utf8FromWide(text);
+    for (std::size_t done = 0; done < bytes.size();)
+    {
+        constexpr std::size_t kMostAtOnce = 1 << 20;
+        const auto wanted = static_cast<DWORD>(std::min(bytes.size() - done, kMostAtOnce));
+        DWORD written = 0;
+        if (!WriteFile(m_handle, bytes.data() + done, wanted, &written, nullptr) || written == 0)
+            return false;
+        done += written;
+    }
+    return true;
+}
+
+bool OutputStream::WriteToTerminal(std::wstring_view text) const
+{
+    // Consoles refuse a single write of too many characters.
+    constexpr std::size_t kMostAtOnce = 8000;
+    while (!text.empty())
+    {
+        std::size_t count = std::min(text.size(), kMostAtOnce);
+        if (count < text.size() && IS_HIGH_SURROGATE(text[count - 1]))
+            --count;
+        DWORD written = 0;
+        if (!WriteConsoleW(m_handle, text.data(), static_cast<DWORD>(count), &written, nullptr) ||
+            written == 0)
+            return false;
+        text.remove_prefix(written);
+    }
+    return true;
+}
+
+Progress::Progress(const OutputStream& stream, const wchar_t* what)
+    : m_stream(stream), m_what(what), m_nextShowMs(GetTickCount64() + kFirstShowMs)
+{
+}
+
+Progress::~Progress()
+{
+    if (m_shownColumns > 0)
+        m_stream.Write(L"\r" + std::wstring(m_shownColumns, L' ') + L"\r");
+}
+
+void Progress::Step()
+{
+    ++m_count;
+    const ULONGLONG nowMs = GetTickCount64();
+    if (!m_stream.IsTerminal() || nowMs < m_nextShowMs)
+        return;
+    m_nextShowMs = nowMs + kShowEveryMs;
+    constexpr wchar_t kTurns[] = {L'|', L'/', L'-', L'\\'};
+    const std::wstring line = std::wstring(1, kTurns[m_turn++ % std::size(kTurns)]) + L" " +
+                              m_what + L": " + std::to_wstring(m_count);
+    m_stream.Write(L"\r" + line);
+    m_shownColumns = line.size();
+}
+
+void WatchForCancel()
+{
+    SetConsoleCtrlHandler(OnControlEvent, TRUE);
+}
+
+bool IsCancelled()
+{
+    return cancelled;
+}
+} // namespace pim

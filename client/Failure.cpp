@@ -1,0 +1,32 @@
+#include "client/Failure.h"
+
+#include "client/core/CommandLine.h"
+
+namespace pim
+{
+std::wstring ResultText(HRESULT result)
+{
+    constexpr wchar_t kDigits[] = L"0123456789ABCDEF";
+    std::wstring text = L"0x";
+    for (int shift = 28; shift >= 0; shift -= 4)
+        text += kDigits[(static_cast<ULONG>(result) >> shift) & 0xF];
+    return text;
+}
+
+void CheckServerIsThere(HRESULT result)
+{
+    // The runtime's own codes, and the ones of remote calls, which the system numbers 1700 to 1939.
+    constexpr int kFirstCallError = 1700;
+    constexpr int kLastCallError = 1939;
+    const int facility = HRESULT_FACILITY(result);
+    const int code = HRESULT_CODE(result);
+    const bool isGone =
+        FAILED(result) &&
+        (facility == FACILITY_RPC || result == CO_E_OBJNOTCONNECTED ||
+         (facility == FACILITY_WIN32 && code >= kFirstCallError && code <= kLastCallError));
+    if (isGone)
+        throw Failure{kExitNoServer,
+                      L"The server went away in the middle of its work (" + ResultText(result) +
+                          L"). Run the command again."};
+}
+} // namespace pim

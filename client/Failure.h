@@ -1,0 +1,22 @@
+// Why a command of pim ends early: the exit code and a sentence that says what to do. Thrown by the
+// client's own calls and caught by the entry function; it never crosses a COM call.
+#pragma once
+
+#include "platform/WindowsHeaders.h"
+
+#include <string>
+
+namespace pim
+{
+struct Failure
+{
+    int exitCode;
+    std::wstring text;
+};
+
+// "0x80004005"
+std::wstring ResultText(HRESULT result);
+
+// Throws the failure that stands for a server that went away, where the result tells of one.
+void CheckServerIsThere(HRESULT result);
+} // namespace pim

@@ -1,0 +1,81 @@
+#include "client/ServerRegistration.h"
+
+#include "client/Failure.h"
+#include "client/core/CommandLine.h"
+#include "platform/UniqueHandle.h"
+
+#include <string>
+
+namespace pim
+{
+namespace
+{
+constexpr const wchar_t* kServerName = L"PimStoreBridge.exe";
+constexpr DWORD kLongestRunMs = 60'000;
+
+// The path of a file in the folder of this program.
+std::wstring PathBeside(const wchar_t* name)
+{
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;)
+    {
+        const DWORD length =
+            GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size())
+        {
+            path.resize(length);
+            break;
+        }
+        path.resize(path.size() * 2);
+    }
+    return path.substr(0, path.rfind(L'\\') + 1) + name;
+}
+
+// The exit code of the server's program, which is an HRESULT.
+HRESULT RunServer(const std::wstring& path, const wchar_t* change)
+{
+    std::wstring commandLine = L"\"" + path + L"\" " + change;
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION created = {};
+    if (!CreateProcessW(path.c_str(),
+                        commandLine.data(),
+                        nullptr,
+                        nullptr,
+                        FALSE,
+                        0,
+                        nullptr,
+                        nullptr,
+                        &startup,
+                        &created))
+        return HRESULT_FROM_WIN32(GetLastError());
+    const UniqueHandle process(created.hProcess);
+    const UniqueHandle thread(created.hThread);
+    if (WaitForSingleObject(process.Get(), kLongestRunMs) != WAIT_OBJECT_0)
+        return HRESULT_FROM_WIN32(ERROR_TIMEOUT);
+    DWORD exitCode = 0;
+    if (!GetExitCodeProcess(process.Get(), &exitCode))
+        return HRESULT_FROM_WIN32(GetLastError());
+    return static_cast<HRESULT>(exitCode);
+}
+} // namespace
+
+void ChangeRegistration(RegistrationChange change)
+{
+    const bool isRegister = change == RegistrationChange::Register;
+    const std::wstring path = PathBeside(kServerName);
+    if (GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES)
+        throw Failure{kExitNoServer,
+                      L"The server's program is not there: " + path +
+                          L". Put pim.exe and PimStoreBridge.exe into one folder."};
+    const HRESULT result = RunServer(path, isRegister ? L"-RegServer" : L"-UnregServer");
+    if (SUCCEEDED(result))
+        return;
+    std::wstring text = isRegister ? L"The server could not be registered ("
+                                   : L"The server's registration could not be taken back (";
+    text += ResultText(result) + L").";
+    if (result == E_ACCESSDENIED)
+        text += L" Run it again as an administrator.";
+    throw Failure{kExitFailed, text};
+}
+} // namespace pim
