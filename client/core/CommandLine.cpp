@@ -45,6 +45,7 @@ struct TypedOptions
     std::string repeat, interval, days, nth, monthDay, month, count, until;
     std::vector<std::string> ids;
     bool allDay = false;
+    bool isTimed = false;
     bool asJson = false;
     bool isWide = false;
 };
@@ -195,7 +196,7 @@ ItemOptions ReadItemOptions(const CLI::App& app, const TypedOptions& typed)
         item.start = ReadTime(typed.start, "--start");
     if (given("--end"))
         item.end = ReadTime(typed.end, "--end");
-    if (given("--all-day"))
+    if (given("--all-day") || given("--timed"))
         item.allDay = typed.allDay;
     if (given("--reminder"))
         item.reminderMinutes = ReadReminder(typed.reminder);
@@ -211,7 +212,8 @@ void AddItemOptions(CLI::App& app, TypedOptions& typed)
     app.add_option("--start", typed.start, "When it begins: 2024-05-01 10:00")->type_name("TIME");
     app.add_option("--end", typed.end, "When it ends; the last day of an all-day item")
         ->type_name("TIME");
-    app.add_flag("--all-day,!--timed", typed.allDay, "Whole days, or an item with a clock time");
+    app.add_flag("--all-day", typed.allDay, "Whole days, without a time of day");
+    app.add_flag("--timed", typed.isTimed, "Not whole days any longer")->excludes("--all-day");
     app.add_option("--reminder", typed.reminder, "Minutes before the start, or none")
         ->type_name("MIN|none");
     app.add_option("--repeat", typed.repeat, "daily, weekly, monthly or yearly")->type_name("KIND");

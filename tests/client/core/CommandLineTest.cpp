@@ -160,6 +160,7 @@ TEST(CommandLineTest, RefusesWrongCommands)
     UsageError({"calendar", "update"});
     EXPECT_THAT(UsageError({"calendar", "update", "x"}), HasSubstr(L"Nothing to change"));
     UsageError({"calendar", "add", "--start"});
+    UsageError({"calendar", "update", "x", "--all-day", "--timed"});
 }
 
 TEST(CommandLineTest, PrintsHelpAndVersionToStandardOutput)
