@@ -1,13 +1,10 @@
 #include "icalendar/CalendarFile.h"
 
 #include "icalendar/LogicalLines.h"
+#include "platform/FileIo.h"
 #include "service/TextConversions.h"
 
 #include <utility>
-
-// Whole files; see platform/FileIo.h.
-bool ReadWholeFile(const std::wstring& path, std::string& bytes);
-bool SaveWholeFile(const std::wstring& path, std::string_view bytes);
 
 CCalendarFile::CCalendarFile(std::wstring path, int defaultFlag)
     : m_path(std::move(path)), m_defaultFlag(defaultFlag)
