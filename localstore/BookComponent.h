@@ -1,0 +1,23 @@
+// What installing the embedded address book means: the registry values and the folder that the
+// server's discovery of mail clients and of the address book reads.
+#pragma once
+
+#include "localstore/Installer.h"
+
+#include <string>
+
+inline constexpr wchar_t kBookComponent[] = L"book";
+inline constexpr wchar_t kBookLibraryKey[] = L"Software\\Microsoft\\WAB\\DLLPath";
+inline constexpr wchar_t kMailClientsKey[] = L"Software\\Clients\\Mail";
+inline constexpr wchar_t kWindowsMail[] = L"Windows Mail";
+inline constexpr wchar_t kOutlookExpress[] = L"Outlook Express";
+inline constexpr wchar_t kOpenCommand[] = L"\\shell\\open\\command";
+
+// The plan for the product in that folder (with its trailing backslash), for the user with that
+// folder of local application data. False, and the reason in words, where the files are missing or
+// a path does not survive the way that it is read: the library's path is expanded and at most 259
+// characters long, the command's likewise.
+bool PlanBook(const std::wstring& home,
+              const std::wstring& localData,
+              ComponentPlan& plan,
+              std::wstring& reason);

@@ -1,0 +1,421 @@
+#include "localstore/Installer.h"
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <utility>
+
+namespace
+{
+
+constexpr wchar_t kRecordsKey[] = L"Software\\PimStoreBridge\\Installed\\";
+constexpr wchar_t kHome[] = L"Home";
+constexpr wchar_t kCreatedKeys[] = L"CreatedKeys";
+constexpr wchar_t kCreatedFolders[] = L"CreatedFolders";
+constexpr wchar_t kChange[] = L"Change"; // followed by a number: key, name and text, one a line
+
+struct RecordedValue
+{
+    std::wstring key;
+    std::wstring name;
+    std::wstring text;
+};
+
+struct Record
+{
+    std::wstring home;
+    std::vector<std::wstring> createdKeys;
+    std::vector<std::wstring> createdFolders;
+    std::vector<RecordedValue> values;
+};
+
+std::wstring RecordKey(const std::wstring& component)
+{
+    return kRecordsKey + component;
+}
+
+std::wstring ChangeName(size_t index)
+{
+    return kChange + std::to_wstring(index);
+}
+
+std::wstring Display(const std::wstring& key, const std::wstring& name)
+{
+    return L"HKEY_LOCAL_MACHINE\\" + key + L" (" + (name.empty() ? L"default value" : name) + L")";
+}
+
+std::wstring SystemText(LSTATUS status)
+{
+    wchar_t buffer[512] = {};
+    const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                                        nullptr,
+                                        static_cast<DWORD>(status),
+                                        0,
+                                        buffer,
+                                        static_cast<DWORD>(std::size(buffer)),
+                                        nullptr);
+    std::wstring text(buffer, length);
+    while (!text.empty() && (text.back() == L'\n' || text.back() == L'\r' || text.back() == L' '))
+        text.pop_back();
+    return text.empty() ? L"system error " + std::to_wstring(status) : text;
+}
+
+bool IsMissing(LSTATUS status)
+{
+    return status == ERROR_FILE_NOT_FOUND || status == ERROR_PATH_NOT_FOUND;
+}
+
+bool IsDenied(LSTATUS status)
+{
+    return status == ERROR_ACCESS_DENIED || status == ERROR_PRIVILEGE_NOT_HELD;
+}
+
+InstallReport FailureReport(LSTATUS status, const std::wstring& what)
+{
+    InstallReport report;
+    report.lines.push_back(what + L": " + SystemText(status));
+    if (IsDenied(status))
+    {
+        report.outcome = InstallOutcome::AccessDenied;
+        report.lines.push_back(
+            L"This needs the rights of an administrator: start the command prompt "
+            L"with \"Run as administrator\" and run the command again.");
+    }
+    else
+        report.outcome = InstallOutcome::Failed;
+    return report;
+}
+
+// Carries changes out and knows how to take each back.
+class ChangeLog
+{
+  public:
+    explicit ChangeLog(InstallTarget& target) : m_target(target) {}
+
+    bool CreateKey(const std::wstring& key)
+    {
+        return Do(m_target.CreateKey(key), L"HKEY_LOCAL_MACHINE\\" + key, [this, key] {
+            return m_target.DeleteEmptyKey(key);
+        });
+    }
+    bool Write(const std::wstring& key, const std::wstring& name, const RegistryValue& value)
+    {
+        return Do(m_target.WriteValue(key, name, value), Display(key, name), [this, key, name] {
+            return m_target.DeleteValue(key, name);
+        });
+    }
+    // The value is what stands there now.
+    bool Delete(const std::wstring& key, const std::wstring& name, const RegistryValue& value)
+    {
+        return Do(m_target.DeleteValue(key, name), Display(key, name), [this, key, name, value] {
+            return m_target.WriteValue(key, name, value);
+        });
+    }
+    // A key that is in use, or gone, is fine.
+    bool DeleteKeyIfEmpty(const std::wstring& key)
+    {
+        const LSTATUS status = m_target.DeleteEmptyKey(key);
+        if (status == ERROR_DIR_NOT_EMPTY || IsMissing(status))
+            return true;
+        return Do(
+            status, L"HKEY_LOCAL_MACHINE\\" + key, [this, key] { return m_target.CreateKey(key); });
+    }
+    bool CreateFolder(const std::wstring& path)
+    {
+        return Do(m_target.CreateFolder(path), path, [this, path] {
+            return m_target.RemoveEmptyFolder(path);
+        });
+    }
+    // False only where something else is in the way than contents.
+    bool RemoveFolderIfEmpty(const std::wstring& path, bool& inUse)
+    {
+        const LSTATUS status = m_target.RemoveEmptyFolder(path);
+        inUse = status == ERROR_DIR_NOT_EMPTY;
+        if (inUse || IsMissing(status))
+            return true;
+        return Do(status, path, [this, path] { return m_target.CreateFolder(path); });
+    }
+
+    // Takes everything back, the last change first, and tells the failure that led here. Stops at
+    // the first change that resists, so that the record, which was written first, stays.
+    InstallReport RollBack()
+    {
+        InstallReport report = FailureReport(m_failure, m_failedAt);
+        bool whole = true;
+        while (whole && !m_undo.empty())
+        {
+            whole = m_undo.back()() == ERROR_SUCCESS;
+            m_undo.pop_back();
+        }
+        report.lines.push_back(whole ? L"Nothing was changed."
+                                     : L"Not everything could be taken back. Run pimstore remove "
+                                       L"with the rights of an administrator.");
+        return report;
+    }
+
+  private:
+    bool Do(LSTATUS status, const std::wstring& what, std::function<LSTATUS()> undo)
+    {
+        if (status != ERROR_SUCCESS)
+        {
+            m_failure = status;
+            m_failedAt = what;
+            return false;
+        }
+        m_undo.push_back(std::move(undo));
+        return true;
+    }
+
+    InstallTarget& m_target;
+    std::vector<std::function<LSTATUS()>> m_undo;
+    LSTATUS m_failure = ERROR_SUCCESS;
+    std::wstring m_failedAt;
+};
+
+RegistryValue ChangeValue(const RecordedValue& value)
+{
+    return TextValue(value.key + L'\n' + value.name + L'\n' + value.text);
+}
+
+// Nothing where the text is no change of ours.
+std::optional<RecordedValue> ParseChange(const std::wstring& text)
+{
+    const size_t first = text.find(L'\n');
+    const size_t second = first == std::wstring::npos ? first : text.find(L'\n', first + 1);
+    if (second == std::wstring::npos)
+        return std::nullopt;
+    return RecordedValue{
+        text.substr(0, first), text.substr(first + 1, second - first - 1), text.substr(second + 1)};
+}
+
+std::optional<Record> ReadRecord(const InstallTarget& target, const std::wstring& component)
+{
+    const std::wstring key = RecordKey(component);
+    if (!target.KeyExists(key))
+        return std::nullopt;
+    Record record;
+    RegistryValue value;
+    if (target.ReadValue(key, kHome, value) == ERROR_SUCCESS)
+        record.home = TextOfValue(value);
+    if (target.ReadValue(key, kCreatedKeys, value) == ERROR_SUCCESS)
+        record.createdKeys = ListOfValue(value);
+    if (target.ReadValue(key, kCreatedFolders, value) == ERROR_SUCCESS)
+        record.createdFolders = ListOfValue(value);
+    for (size_t i = 0; target.ReadValue(key, ChangeName(i), value) == ERROR_SUCCESS; ++i)
+    {
+        if (auto change = ParseChange(TextOfValue(value)))
+            record.values.push_back(std::move(*change));
+    }
+    return record;
+}
+
+// The value as it stands holds exactly that text.
+bool Holds(const RegistryValue& value, const std::wstring& text)
+{
+    return value == TextValue(text);
+}
+
+std::wstring Describe(const RegistryValue& value)
+{
+    const std::wstring text = TextOfValue(value);
+    return value.type == REG_SZ || value.type == REG_EXPAND_SZ ? L"\"" + text + L"\""
+                                                               : L"a value of another type";
+}
+
+// The path and those of its parents that do not exist, parents first. Counts from behind the root.
+template <typename Exists>
+void AddMissing(const std::wstring& path, std::vector<std::wstring>& missing, Exists exists)
+{
+    std::vector<std::wstring> found;
+    for (std::wstring part = path; !part.empty() && part.back() != L':';)
+    {
+        if (exists(part))
+            break;
+        found.push_back(part);
+        const size_t slash = part.find_last_of(L'\\');
+        part = slash == std::wstring::npos ? std::wstring() : part.substr(0, slash);
+    }
+    for (auto part = found.rbegin(); part != found.rend(); ++part)
+    {
+        if (std::find(missing.begin(), missing.end(), *part) == missing.end())
+            missing.push_back(*part);
+    }
+}
+
+InstallReport CompareWithRecord(const InstallTarget& target,
+                                const ComponentPlan& plan,
+                                const Record& record)
+{
+    InstallReport report;
+    report.outcome = InstallOutcome::NothingToDo;
+    if (record.home != plan.home)
+    {
+        report.outcome = InstallOutcome::OtherInstall;
+        report.lines.push_back(L"The " + plan.component + L" is installed from " +
+                               (record.home.empty() ? L"another place" : record.home) + L".");
+    }
+    for (const RecordedValue& recorded : record.values)
+    {
+        RegistryValue value;
+        const LSTATUS status = target.ReadValue(recorded.key, recorded.name, value);
+        if (status == ERROR_SUCCESS && Holds(value, recorded.text))
+            continue;
+        report.outcome = InstallOutcome::OtherInstall;
+        report.lines.push_back(Display(recorded.key, recorded.name) +
+                               L" is not what was installed any more.");
+    }
+    if (report.outcome == InstallOutcome::NothingToDo)
+        report.lines.push_back(L"The " + plan.component + L" is already installed from " +
+                               record.home + L"; nothing was changed.");
+    else
+        report.lines.push_back(L"Nothing was changed. Run pimstore remove --" + plan.component +
+                               L" first, then install again.");
+    return report;
+}
+
+} // namespace
+
+InstallReport Install(InstallTarget& target, const ComponentPlan& plan)
+{
+    if (const std::optional<Record> record = ReadRecord(target, plan.component))
+        return CompareWithRecord(target, plan, *record);
+
+    InstallReport report;
+    std::vector<RecordedValue> toWrite;
+    for (const PlannedValue& planned : plan.values)
+    {
+        RegistryValue value;
+        const LSTATUS status = target.ReadValue(planned.key, planned.name, value);
+        if (IsMissing(status))
+            toWrite.push_back({planned.key, planned.name, planned.text});
+        else if (status != ERROR_SUCCESS)
+        {
+            InstallReport failure = FailureReport(status, Display(planned.key, planned.name));
+            failure.lines.push_back(L"Nothing was changed.");
+            return failure;
+        }
+        else if (planned.whenTaken == WhenTaken::Refuse && !Holds(value, planned.text))
+        {
+            report.outcome = InstallOutcome::TakenByOther;
+            report.lines.push_back(L"Another product holds " + Display(planned.key, planned.name) +
+                                   L": " + Describe(value) + L".");
+        }
+    }
+    if (report.outcome == InstallOutcome::TakenByOther)
+    {
+        report.lines.push_back(
+            L"Nothing was changed. Remove that product first if you want the embedded " +
+            plan.component + L".");
+        return report;
+    }
+
+    const std::wstring recordKey = RecordKey(plan.component);
+    const auto keyExists = [&](const std::wstring& key) { return target.KeyExists(key); };
+    std::vector<std::wstring> recordKeys;
+    AddMissing(recordKey, recordKeys, keyExists);
+    std::vector<std::wstring> createdKeys = recordKeys;
+    for (const RecordedValue& value : toWrite)
+        AddMissing(value.key, createdKeys, keyExists);
+    std::vector<std::wstring> createdFolders;
+    for (const std::wstring& folder : plan.folders)
+        AddMissing(folder, createdFolders, [&](const std::wstring& path) {
+            return target.FolderExists(path);
+        });
+
+    ChangeLog log(target);
+    bool done = true;
+    for (size_t i = 0; done && i < recordKeys.size(); ++i)
+        done = log.CreateKey(recordKeys[i]);
+    done = done && log.Write(recordKey, kCreatedKeys, ListValue(createdKeys)) &&
+           log.Write(recordKey, kCreatedFolders, ListValue(createdFolders)) &&
+           log.Write(recordKey, kHome, TextValue(plan.home));
+    for (size_t i = 0; done && i < toWrite.size(); ++i)
+        done = log.Write(recordKey, ChangeName(i), ChangeValue(toWrite[i]));
+
+    for (size_t i = recordKeys.size(); done && i < createdKeys.size(); ++i)
+        done = log.CreateKey(createdKeys[i]);
+    for (size_t i = 0; done && i < createdFolders.size(); ++i)
+        done = log.CreateFolder(createdFolders[i]);
+    for (size_t i = 0; done && i < toWrite.size(); ++i)
+        done = log.Write(toWrite[i].key, toWrite[i].name, TextValue(toWrite[i].text));
+    if (!done)
+        return log.RollBack();
+
+    for (const RecordedValue& value : toWrite)
+        report.lines.push_back(L"Set " + Display(value.key, value.name) + L".");
+    for (const std::wstring& folder : createdFolders)
+        report.lines.push_back(L"Made " + folder + L".");
+    report.lines.push_back(L"The " + plan.component + L" is installed from " + plan.home + L".");
+    return report;
+}
+
+InstallReport Remove(InstallTarget& target, const std::wstring& component)
+{
+    InstallReport report;
+    const std::optional<Record> record = ReadRecord(target, component);
+    if (!record)
+    {
+        report.outcome = InstallOutcome::NothingToDo;
+        report.lines.push_back(L"The " + component + L" is not installed; nothing was changed.");
+        return report;
+    }
+
+    ChangeLog log(target);
+    for (auto recorded = record->values.rbegin(); recorded != record->values.rend(); ++recorded)
+    {
+        const std::wstring display = Display(recorded->key, recorded->name);
+        RegistryValue value;
+        const LSTATUS status = target.ReadValue(recorded->key, recorded->name, value);
+        if (IsMissing(status))
+            report.lines.push_back(display + L" was gone already.");
+        else if (status != ERROR_SUCCESS || !Holds(value, recorded->text))
+            report.lines.push_back(display + L" was changed by another program since and stays: " +
+                                   Describe(value) + L".");
+        else if (!log.Delete(recorded->key, recorded->name, value))
+            return log.RollBack();
+    }
+    for (auto folder = record->createdFolders.rbegin(); folder != record->createdFolders.rend();
+         ++folder)
+    {
+        bool inUse = false;
+        if (!log.RemoveFolderIfEmpty(*folder, inUse))
+            return log.RollBack();
+        if (inUse)
+            report.lines.push_back(*folder + L" is not empty and stays.");
+    }
+
+    // Keys go before the record, so that it leads to them until they are gone; those of the record
+    // itself are not empty yet and follow it.
+    const auto deleteCreatedKeys = [&] {
+        return std::all_of(record->createdKeys.rbegin(),
+                           record->createdKeys.rend(),
+                           [&](const std::wstring& key) { return log.DeleteKeyIfEmpty(key); });
+    };
+    if (!deleteCreatedKeys())
+        return log.RollBack();
+
+    const std::wstring recordKey = RecordKey(component);
+    std::vector<std::wstring> names = {kHome, kCreatedFolders, kCreatedKeys};
+    RegistryValue value;
+    for (size_t i = 0; target.ReadValue(recordKey, ChangeName(i), value) == ERROR_SUCCESS; ++i)
+        names.insert(names.begin(), ChangeName(i));
+    for (const std::wstring& name : names)
+    {
+        if (target.ReadValue(recordKey, name, value) == ERROR_SUCCESS &&
+            !log.Delete(recordKey, name, value))
+            return log.RollBack();
+    }
+    // The record's own key goes in any case; its parents where the installation made them.
+    if (!log.DeleteKeyIfEmpty(recordKey) || !deleteCreatedKeys())
+        return log.RollBack();
+    report.lines.push_back(L"The " + component + L" is removed.");
+    return report;
+}
+
+std::wstring InstalledHome(const InstallTarget& target, const std::wstring& component)
+{
+    const std::optional<Record> record = ReadRecord(target, component);
+    if (!record)
+        return {};
+    return record->home.empty() ? L"an unknown place" : record->home;
+}

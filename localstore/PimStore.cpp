@@ -1,0 +1,252 @@
+// pimstore: installs and removes the embedded stores and tells how they stand.
+#include "localstore/BookComponent.h"
+#include "localstore/Database.h"
+#include "localstore/Installer.h"
+#include "localstore/StorePath.h"
+#include "localstore/StoreSchema.h"
+#include "service/TextConversions.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+enum ExitCode
+{
+    kOk = 0,
+    kFailed = 1,
+    kUsage = 2,
+    kTaken = 3,
+    kOtherInstall = 4,
+    kNoRights = 5
+};
+
+constexpr char kExitCodes[] = R"(Exit codes:
+  0  done, or nothing to do
+  1  a failure of the system or of the store
+  2  wrong arguments
+  3  another product holds a registry value that is needed; nothing was changed
+  4  installed from another place, or changed since; nothing was changed
+  5  the rights do not suffice; nothing was changed)";
+
+struct OutcomeRow
+{
+    InstallOutcome outcome;
+    ExitCode code;
+};
+
+constexpr OutcomeRow kOutcomes[] = {
+    {InstallOutcome::Done, kOk},
+    {InstallOutcome::NothingToDo, kOk},
+    {InstallOutcome::TakenByOther, kTaken},
+    {InstallOutcome::OtherInstall, kOtherInstall},
+    {InstallOutcome::AccessDenied, kNoRights},
+    {InstallOutcome::Failed, kFailed},
+};
+
+// Consoles take wide text; files and pipes get UTF-8.
+void PrintLine(DWORD stream, const std::wstring& line)
+{
+    const HANDLE output = GetStdHandle(stream);
+    const std::wstring text = line + L"\n";
+    DWORD mode = 0;
+    DWORD written = 0;
+    if (GetConsoleMode(output, &mode))
+    {
+        WriteConsoleW(output, text.c_str(), static_cast<DWORD>(text.size()), &written, nullptr);
+        return;
+    }
+    const std::string bytes = Utf8FromWide(text);
+    WriteFile(output, bytes.c_str(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+}
+
+void Print(const std::wstring& line)
+{
+    PrintLine(STD_OUTPUT_HANDLE, line);
+}
+
+void PrintError(const std::wstring& line)
+{
+    PrintLine(STD_ERROR_HANDLE, line);
+}
+
+int Tell(const InstallReport& report)
+{
+    const bool good =
+        report.outcome == InstallOutcome::Done || report.outcome == InstallOutcome::NothingToDo;
+    for (const std::wstring& line : report.lines)
+        good ? Print(line) : PrintError(line);
+    for (const OutcomeRow& row : kOutcomes)
+    {
+        if (row.outcome == report.outcome)
+            return row.code;
+    }
+    return kFailed;
+}
+
+// The folder of this program, with its trailing backslash; empty where it cannot be told.
+std::wstring HomeFolder()
+{
+    std::wstring path(32768, L'\0');
+    const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    if (length == 0 || length >= path.size())
+        return {};
+    path.resize(length);
+    return path.substr(0, path.find_last_of(L'\\') + 1);
+}
+
+std::wstring LocalDataFolder()
+{
+    wchar_t folder[MAX_PATH] = {};
+    if (FAILED(SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder)))
+        return {};
+    return folder;
+}
+
+int InstallBook()
+{
+    const std::wstring localData = LocalDataFolder();
+    if (localData.empty())
+    {
+        PrintError(L"The folder of your local application data cannot be told.");
+        return kFailed;
+    }
+    ComponentPlan plan;
+    std::wstring reason;
+    if (!PlanBook(HomeFolder(), localData, plan, reason))
+    {
+        PrintError(reason);
+        PrintError(L"Nothing was changed.");
+        return kFailed;
+    }
+    SystemInstallTarget machine(HKEY_LOCAL_MACHINE);
+    return Tell(Install(machine, plan));
+}
+
+int RemoveBook()
+{
+    SystemInstallTarget machine(HKEY_LOCAL_MACHINE);
+    return Tell(Remove(machine, kBookComponent));
+}
+
+std::wstring ValueText(const InstallTarget& target, const std::wstring& key)
+{
+    RegistryValue value;
+    if (target.ReadValue(key, L"", value) != ERROR_SUCCESS)
+        return L"none";
+    return TextOfValue(value);
+}
+
+int Status()
+{
+    const SystemInstallTarget machine(HKEY_LOCAL_MACHINE);
+    const std::wstring home = InstalledHome(machine, kBookComponent);
+    const std::wstring clients = std::wstring(kMailClientsKey) + L"\\";
+    Print(L"book                  " +
+          (home.empty() ? L"not installed" : L"installed from " + home));
+    Print(L"address book library  " + ValueText(machine, kBookLibraryKey));
+    Print(L"Windows Mail          " + ValueText(machine, clients + kWindowsMail + kOpenCommand));
+    Print(L"Outlook Express       " + ValueText(machine, clients + kOutlookExpress + kOpenCommand));
+    Print(L"default mail client   " + ValueText(machine, kMailClientsKey));
+    try
+    {
+        const std::wstring path = StorePath();
+        Print(L"store                 " + path);
+        if (GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES)
+        {
+            Print(L"                      not made yet; its first use makes it");
+            return kOk;
+        }
+        Database database = OpenStore(path);
+        Print(L"                      schema " +
+              std::to_wstring(database.QueryInteger("PRAGMA user_version")) + L", " +
+              std::to_wstring(database.QueryInteger("SELECT count(*) FROM book_entry")) +
+              L" book entries, " +
+              std::to_wstring(database.QueryInteger("SELECT count(*) FROM message")) +
+              L" messages" + (database.IsReadOnly() ? L", read-only" : L""));
+        return kOk;
+    }
+    catch (const DatabaseError& error)
+    {
+        PrintError(L"The store does not open: " + WideFromUtf8(error.what()));
+        return kFailed;
+    }
+}
+
+// What CLI11 would print, in the encoding of our own output.
+int TellParseResult(const CLI::App& app, const CLI::ParseError& error)
+{
+    std::ostringstream out;
+    std::ostringstream errors;
+    const int code = app.exit(error, out, errors);
+    for (const auto& [stream, text] :
+         {std::pair{STD_OUTPUT_HANDLE, out.str()}, std::pair{STD_ERROR_HANDLE, errors.str()}})
+    {
+        std::wstring wide = WideFromUtf8(text);
+        while (!wide.empty() && wide.back() == L'\n')
+            wide.pop_back();
+        if (!wide.empty())
+            PrintLine(stream, wide);
+    }
+    return code == 0 ? kOk : kUsage;
+}
+
+int Run(int argc, wchar_t** argv)
+{
+    CLI::App app{"Installs and removes the embedded stores of PimStoreBridge.\n"
+                 "The book is the embedded address book: installed, it stands in for the Windows "
+                 "Address Book\nand makes the back ends \"Windows Mail\" and \"Outlook Express\" "
+                 "usable.",
+                 "pimstore"};
+    app.set_version_flag("--version", PIM_VERSION);
+    app.require_subcommand(1);
+    app.footer(kExitCodes);
+
+    bool book = false;
+    CLI::App* install = app.add_subcommand(
+        "install", "Write the registry values and make the folder that the server looks for");
+    install->add_flag("--book", book, "The embedded address book")->required();
+    install->footer(kExitCodes);
+    CLI::App* remove =
+        app.add_subcommand("remove", "Take back exactly what install wrote; data stays");
+    remove->add_flag("--book", book, "The embedded address book")->required();
+    remove->footer(kExitCodes);
+    CLI::App* status =
+        app.add_subcommand("status", "Tell what is installed and whether the store opens");
+
+    std::vector<std::string> arguments;
+    for (int i = argc - 1; i > 0; --i)
+        arguments.push_back(Utf8FromWide(argv[i]));
+    try
+    {
+        app.parse(arguments);
+    }
+    catch (const CLI::ParseError& error)
+    {
+        return TellParseResult(app, error);
+    }
+    if (*install)
+        return InstallBook();
+    if (*remove)
+        return RemoveBook();
+    return *status ? Status() : kUsage;
+}
+
+} // namespace
+
+int wmain(int argc, wchar_t** argv)
+{
+    try
+    {
+        return Run(argc, argv);
+    }
+    catch (const std::exception& error)
+    {
+        PrintError(L"pimstore failed: " + WideFromUtf8(error.what()));
+        return kFailed;
+    }
+}
