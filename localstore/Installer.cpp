@@ -247,7 +247,7 @@ InstallReport CompareWithRecord(const InstallTarget& target,
                                 const Record& record)
 {
     InstallReport report;
-    report.outcome = InstallOutcome::NothingToDo;
+    report.outcome = InstallOutcome::Unchanged;
     if (record.home != plan.home)
     {
         report.outcome = InstallOutcome::OtherInstall;
@@ -264,7 +264,7 @@ InstallReport CompareWithRecord(const InstallTarget& target,
         report.lines.push_back(Display(recorded.key, recorded.name) +
                                L" is not what was installed any more.");
     }
-    if (report.outcome == InstallOutcome::NothingToDo)
+    if (report.outcome == InstallOutcome::Unchanged)
         report.lines.push_back(L"The " + plan.component + L" is already installed from " +
                                record.home + L"; nothing was changed.");
     else
@@ -355,7 +355,7 @@ InstallReport Remove(InstallTarget& target, const std::wstring& component)
     const std::optional<Record> record = ReadRecord(target, component);
     if (!record)
     {
-        report.outcome = InstallOutcome::NothingToDo;
+        report.outcome = InstallOutcome::Unchanged;
         report.lines.push_back(L"The " + component + L" is not installed; nothing was changed.");
         return report;
     }

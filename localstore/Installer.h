@@ -37,7 +37,7 @@ struct ComponentPlan
 enum class InstallOutcome
 {
     Done,
-    NothingToDo,  // installed already, or not installed
+    Unchanged,    // installed already, or not installed
     TakenByOther, // another product holds a value
     OtherInstall, // a record of another place, or one whose values do not stand any more
     AccessDenied, // the rights do not suffice

@@ -1,5 +1,4 @@
-#include "localstore/PimLocalBook.h"
-
+// The exported entry point of the embedded address book.
 #include "localstore/AddressBook.h"
 #include "localstore/BookSession.h"
 #include "localstore/StorePath.h"
@@ -7,19 +6,25 @@
 #include "localstore/WabObject.h"
 
 #include <cstddef>
+#include <memory>
+#include <string>
 
-HRESULT OpenBook(const std::wstring& storePath, LPADRBOOK* book, LPWABOBJECT* library) noexcept
+namespace
 {
-    return Guarded([&] {
-        const auto session = std::make_shared<BookSession>(OpenStore(storePath));
-        auto newBook = MakeObject<AddressBook>(session);
-        *library = MakeObject<WabObject>(session).Detach();
-        *book = newBook.Detach();
-        return S_OK;
-    });
+
+// Both outputs get one reference, or stay null.
+HRESULT OpenBook(const std::wstring& storePath, LPADRBOOK* book, LPWABOBJECT* library)
+{
+    const auto session = std::make_shared<BookSession>(OpenStore(storePath));
+    auto newBook = MakeObject<AddressBook>(session);
+    *library = MakeObject<WabObject>(session).Detach();
+    *book = newBook.Detach();
+    return S_OK;
 }
 
-// The exported entry point.
+} // namespace
+
+// Opens the book on the user's store.
 //   parameter   may be null. A file name in it asks for a book of its own, and there is only the
 //               one of the store.
 // Returns: S_OK; MAPI_E_INVALID_PARAMETER; MAPI_E_NO_SUPPORT for a file name; MAPI_E_VERSION,

@@ -41,7 +41,7 @@ struct OutcomeRow
 
 constexpr OutcomeRow kOutcomes[] = {
     {InstallOutcome::Done, kOk},
-    {InstallOutcome::NothingToDo, kOk},
+    {InstallOutcome::Unchanged, kOk},
     {InstallOutcome::TakenByOther, kTaken},
     {InstallOutcome::OtherInstall, kOtherInstall},
     {InstallOutcome::AccessDenied, kNoRights},
@@ -77,7 +77,7 @@ void PrintError(const std::wstring& line)
 int Tell(const InstallReport& report)
 {
     const bool good =
-        report.outcome == InstallOutcome::Done || report.outcome == InstallOutcome::NothingToDo;
+        report.outcome == InstallOutcome::Done || report.outcome == InstallOutcome::Unchanged;
     for (const std::wstring& line : report.lines)
         good ? Print(line) : PrintError(line);
     for (const OutcomeRow& row : kOutcomes)

@@ -199,14 +199,14 @@ TEST_F(InstallerTest, ASecondInstallAndASecondRemoveChangeNothingAndSaySo)
     SystemInstallTarget target = Target();
     const std::wstring before = Snapshot();
     const InstallReport none = Remove(target, L"book");
-    EXPECT_EQ(InstallOutcome::NothingToDo, none.outcome);
+    EXPECT_EQ(InstallOutcome::Unchanged, none.outcome);
     EXPECT_THAT(AllLines(none), HasSubstr(L"not installed"));
     EXPECT_EQ(before, Snapshot());
 
     ASSERT_EQ(InstallOutcome::Done, Install(target, plan).outcome);
     const std::wstring installed = Snapshot();
     const InstallReport second = Install(target, plan);
-    EXPECT_EQ(InstallOutcome::NothingToDo, second.outcome);
+    EXPECT_EQ(InstallOutcome::Unchanged, second.outcome);
     EXPECT_THAT(AllLines(second), HasSubstr(L"already installed"));
     EXPECT_EQ(installed, Snapshot());
 }

@@ -135,6 +135,34 @@ TEST_F(PimLocalBookTest, ExportsOneName)
         EXPECT_EQ(nullptr, GetProcAddress(m_library.Get(), name)) << name;
 }
 
+TEST_F(PimLocalBookTest, NeedsNoLibraryBesideThoseOfTheSystem)
+{
+    const auto* base = reinterpret_cast<const BYTE*>(m_library.Get());
+    const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+    const auto* nt = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + dos->e_lfanew);
+    const IMAGE_DATA_DIRECTORY& directory =
+        nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+    const auto* import =
+        reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress);
+    int count = 0;
+    for (; import->Name != 0; ++import, ++count)
+    {
+        const std::string name = reinterpret_cast<const char*>(base + import->Name);
+        bool known = false;
+        for (const char* system : {"KERNEL32.dll",
+                                   "ADVAPI32.dll",
+                                   "msvcrt.dll",
+                                   "ole32.dll",
+                                   "SHELL32.dll",
+                                   "USER32.dll",
+                                   "OLEAUT32.dll"})
+            known = known || _stricmp(system, name.c_str()) == 0;
+        EXPECT_TRUE(known) << name;
+    }
+    EXPECT_GT(count, 0);
+    EXPECT_NE(nullptr, FindResourceW(m_library.Get(), MAKEINTRESOURCEW(1), RT_VERSION));
+}
+
 TEST_F(PimLocalBookTest, RefusesBadArgumentsOfOpening)
 {
     IAddrBook* book = reinterpret_cast<IAddrBook*>(1);

@@ -9,6 +9,8 @@
 
 #include <gmock/gmock.h>
 
+#include <sddl.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <thread>
@@ -139,6 +141,48 @@ TEST_F(PimStoreToolTest, ACopyInAFolderWithOddLettersWorks)
     EXPECT_EQ(4, other.code) << other.output;
     EXPECT_EQ(0, RunTool(L"remove --book").code);
     EXPECT_FALSE(IsListed(kWindowsMail));
+}
+
+// A key that this user may only read, as a standard user finds the machine's keys. The
+// record was written before it, so there is something to take back.
+TEST_F(PimStoreToolTest, ExitsWithFiveWithoutTheRightsAndChangesNothing)
+{
+    PSECURITY_DESCRIPTOR readOnly = nullptr;
+    ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(
+        L"D:P(A;OICI;KRRCWD;;;WD)", SDDL_REVISION_1, &readOnly, nullptr));
+    UniqueRegistryKey key;
+    ASSERT_EQ(ERROR_SUCCESS,
+              RegCreateKeyExW(HKEY_LOCAL_MACHINE,
+                              kBookLibraryKey,
+                              0,
+                              nullptr,
+                              0,
+                              KEY_READ | WRITE_DAC,
+                              nullptr,
+                              key.Put(),
+                              nullptr));
+    ASSERT_EQ(ERROR_SUCCESS, RegSetKeySecurity(key.Get(), DACL_SECURITY_INFORMATION, readOnly));
+    LocalFree(readOnly);
+
+    const ToolResult refused = RunTool(L"install --book");
+    EXPECT_EQ(5, refused.code) << refused.output;
+    EXPECT_THAT(refused.output, HasSubstr("administrator"));
+    EXPECT_THAT(refused.output, HasSubstr("Nothing was changed"));
+    EXPECT_EQ(L"", MachineDefault(kBookLibraryKey));
+    EXPECT_FALSE(IsListed(kWindowsMail));
+    UniqueRegistryKey ours;
+    EXPECT_EQ(
+        ERROR_FILE_NOT_FOUND,
+        RegOpenKeyExW(
+            HKEY_LOCAL_MACHINE, L"Software\\PimStoreBridge\\Installed", 0, KEY_READ, ours.Put()));
+
+    PSECURITY_DESCRIPTOR all = nullptr;
+    ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(
+        L"D:P(A;OICI;KA;;;WD)", SDDL_REVISION_1, &all, nullptr));
+    EXPECT_EQ(ERROR_SUCCESS, RegSetKeySecurity(key.Get(), DACL_SECURITY_INFORMATION, all));
+    LocalFree(all);
+    key.Reset();
+    EXPECT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_LOCAL_MACHINE, kBookLibraryKey));
 }
 
 TEST_F(PimStoreToolTest, TellsItsUseAndRefusesWrongArguments)
