@@ -49,7 +49,8 @@ std::wstring ReplaceAll(const wchar_t* text, const wchar_t* search, const wchar_
     const std::wstring_view input = text;
     const std::wstring_view wanted = search;
     const std::wstring_view substitute = replacement;
-    if (wanted.empty())
+    const std::size_t first = wanted.empty() ? std::wstring_view::npos : input.find(wanted);
+    if (first == std::wstring_view::npos)
         return std::wstring(input);
 
     // The output so far holds no match, so a scan from the start after a replacement can find one
@@ -57,11 +58,12 @@ std::wstring ReplaceAll(const wchar_t* text, const wchar_t* search, const wchar_
     // front of the input and is read like it.
     std::wstring output;
     output.reserve(input.size());
+    output = input.substr(0, first);
     std::wstring readAgain; // last character first
     std::size_t matchFloor = 0;
     std::size_t rescansLeft =
         substitute.find(wanted) == std::wstring_view::npos ? input.size() + kExtraReplacements : 0;
-    for (std::size_t next = 0; next < input.size() || !readAgain.empty();)
+    for (std::size_t next = first; next < input.size() || !readAgain.empty();)
     {
         if (readAgain.empty())
         {
@@ -72,7 +74,8 @@ std::wstring ReplaceAll(const wchar_t* text, const wchar_t* search, const wchar_
             output += readAgain.back();
             readAgain.pop_back();
         }
-        if (output.size() - matchFloor < wanted.size() || !output.ends_with(wanted))
+        if (output.back() != wanted.back() || output.size() - matchFloor < wanted.size() ||
+            !output.ends_with(wanted))
             continue;
         output.resize(output.size() - wanted.size());
         if (rescansLeft > 0)

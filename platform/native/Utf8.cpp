@@ -104,21 +104,30 @@ void AppendUtf8(std::string& out, std::uint32_t character)
 
 std::wstring DecodeUtf8(std::string_view text)
 {
-    std::wstring wide;
-    wide.reserve(text.size());
+    // No byte makes more than one code unit.
+    std::wstring wide(text.size(), L'\0');
+    wchar_t* out = wide.data();
     for (std::size_t position = 0; position < text.size();)
     {
+        // Most bytes of most texts are ASCII.
+        if (const auto byte = static_cast<std::uint8_t>(text[position]); byte < 0x80)
+        {
+            *out++ = byte;
+            ++position;
+            continue;
+        }
         const std::uint32_t character = NextCharacter(text, position);
         if (character < 0x10000)
         {
-            wide += static_cast<wchar_t>(character);
+            *out++ = static_cast<wchar_t>(character);
         }
         else
         {
-            wide += static_cast<wchar_t>(0xD800 + ((character - 0x10000) >> 10));
-            wide += static_cast<wchar_t>(0xDC00 + ((character - 0x10000) & 0x3FF));
+            *out++ = static_cast<wchar_t>(0xD800 + ((character - 0x10000) >> 10));
+            *out++ = static_cast<wchar_t>(0xDC00 + ((character - 0x10000) & 0x3FF));
         }
     }
+    wide.resize(static_cast<std::size_t>(out - wide.data()));
     return wide;
 }
 
