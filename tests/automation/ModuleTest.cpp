@@ -149,12 +149,15 @@ struct Outcome
     long long milliseconds;
 };
 
+constexpr unsigned kGiveUpMilliseconds = 20000;
+
 Outcome Serve(ShortModule& module)
 {
     const auto start = steady_clock::now();
     const int exitCode = module.Run(L"server.exe -Embedding");
-    return {exitCode,
-            std::chrono::duration_cast<milliseconds>(steady_clock::now() - start).count()};
+    const auto ran = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
+    EXPECT_LT(ran.count(), kGiveUpMilliseconds) << "The server did not end by itself.";
+    return {exitCode, ran.count()};
 }
 
 // Time beyond the stated one that a busy machine may take.
@@ -169,6 +172,7 @@ class ModuleTest : public testing::Test
         RecordedRegistration::s_steps.clear();
         RecordedRegistration::s_failing.clear();
         RecordedRegistration::s_result = S_OK;
+        m_at.At(kGiveUpMilliseconds, [] { PostQuitMessage(0); });
     }
     Timetable m_at;
 };
