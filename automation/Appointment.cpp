@@ -2,15 +2,33 @@
 
 #include "automation/PropertyForms.h"
 
-#include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace
 {
-bool IsZero(const _tagRecurringInfo& record) noexcept
+// The length of the record without the zeros at its end, in whole blocks.
+std::size_t UsedBytes(const _tagRecurringInfo& record) noexcept
 {
+    constexpr std::size_t kBlockBytes = 64;
+    static_assert(sizeof(record) % kBlockBytes == 0);
     const auto* bytes = reinterpret_cast<const unsigned char*>(&record);
-    return std::all_of(bytes, bytes + sizeof(record), [](unsigned char byte) { return byte == 0; });
+    std::size_t used = sizeof(record);
+    while (used > 0)
+    {
+        // Without a branch per word, since this runs over the whole record for every appointment.
+        std::uint64_t any = 0;
+        for (std::size_t at = used - kBlockBytes; at < used; at += sizeof(any))
+        {
+            std::uint64_t word = 0;
+            std::memcpy(&word, bytes + at, sizeof(word));
+            any |= word;
+        }
+        if (any)
+            break;
+        used -= kBlockBytes;
+    }
+    return used;
 }
 } // namespace
 
@@ -149,10 +167,11 @@ STDMETHODIMP CNAppointment::get_RecurringInfo(_tagRecurringInfo* pVal)
     return Guard(this, [&] {
         if (!pVal)
             return E_POINTER;
-        if (m_recurringInfo)
-            std::memcpy(pVal, m_recurringInfo.get(), sizeof(*pVal));
-        else
-            std::memset(pVal, 0, sizeof(*pVal));
+        const std::size_t used = m_recurringInfo.size();
+        auto* const bytes = reinterpret_cast<unsigned char*>(pVal);
+        if (used > 0)
+            std::memcpy(bytes, m_recurringInfo.data(), used);
+        std::memset(bytes + used, 0, sizeof(*pVal) - used);
         return S_OK;
     });
 }
@@ -162,14 +181,8 @@ STDMETHODIMP CNAppointment::put_RecurringInfo(_tagRecurringInfo* newVal)
     return Guard(this, [&] {
         if (!newVal)
             return E_POINTER;
-        if (IsZero(*newVal))
-        {
-            m_recurringInfo.reset();
-            return S_OK;
-        }
-        if (!m_recurringInfo)
-            m_recurringInfo = std::make_unique_for_overwrite<_tagRecurringInfo>();
-        std::memcpy(m_recurringInfo.get(), newVal, sizeof(*newVal));
+        const auto* const bytes = reinterpret_cast<const unsigned char*>(newVal);
+        m_recurringInfo = std::vector<unsigned char>(bytes, bytes + UsedBytes(*newVal));
         return S_OK;
     });
 }

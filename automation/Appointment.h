@@ -7,7 +7,7 @@
 #include "platform/Bstr.h"
 #include "platform/ContractRecords.h"
 
-#include <memory>
+#include <vector>
 
 class CNAppointment : public IDispatchImpl<INAppointment>,
                       public IDispatchImpl<INEntityItem>,
@@ -67,6 +67,7 @@ class CNAppointment : public IDispatchImpl<INAppointment>,
     Bstr m_persistID;
     VARIANT_BOOL m_allDay = 0;
     VARIANT_BOOL m_isBusy = 0;
-    // Null stands for the record of zeros: most appointments never recur, and the record is large.
-    std::unique_ptr<_tagRecurringInfo> m_recurringInfo;
+    // The record without the zeros at its end: it is large, most appointments never recur, and few
+    // of those that do have exceptions.
+    std::vector<unsigned char> m_recurringInfo;
 };

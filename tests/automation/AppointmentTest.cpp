@@ -250,6 +250,29 @@ TEST_F(AppointmentTest, TheRecordIsZeroAtFirstAndCopiedWhole)
     EXPECT_EQ(0, std::memcmp(filled.get(), record.get(), sizeof(*filled)));
 }
 
+TEST_F(AppointmentTest, TheRecordIsCopiedWholeWhereverItsLastValueStands)
+{
+    constexpr std::size_t kBytes = sizeof(_tagRecurringInfo);
+    const auto given = std::make_unique<_tagRecurringInfo>();
+    const auto read = std::make_unique<_tagRecurringInfo>();
+    for (const std::size_t last : {std::size_t{0},
+                                   std::size_t{1},
+                                   std::size_t{63},
+                                   std::size_t{64},
+                                   std::size_t{127},
+                                   kBytes - 65,
+                                   kBytes - 64,
+                                   kBytes - 1})
+    {
+        std::memset(given.get(), 0, kBytes);
+        reinterpret_cast<unsigned char*>(given.get())[last] = 0x80;
+        FillRecord(*read);
+        EXPECT_EQ(S_OK, m_appointment->put_RecurringInfo(given.get()));
+        EXPECT_EQ(S_OK, m_appointment->get_RecurringInfo(read.get()));
+        EXPECT_EQ(0, std::memcmp(given.get(), read.get(), kBytes)) << last;
+    }
+}
+
 TEST_F(AppointmentTest, LateBoundCallsReachEveryProperty)
 {
     const wchar_t* texts[] = {L"Subject", L"Place", L"TimeZone", L"Description", L"PersistID"};
