@@ -1,0 +1,315 @@
+#include "windowscontacts/WindowsMailProvider.h"
+
+#include "platform/Bstr.h"
+#include "service/ServiceManager.h"
+#include "support/DebugOutputCapture.h"
+#include "support/ScopedRegistryValue.h"
+#include "support/ScratchDirectory.h"
+#include "tests/outlook/FakeAddressBook.h"
+
+#include <gtest/gtest.h>
+
+#include <exception>
+#include <fstream>
+#include <typeinfo>
+
+using Microsoft::WRL::ComPtr;
+using Calls = std::vector<std::string>;
+
+namespace
+{
+// The calls of an opening that succeeds, and those of the end.
+const Calls kOpening = {"WABOpen parameters null, reserved 0",
+                        "GetPAB",
+                        "OpenEntry personal book, interface null, flags 0",
+                        "FreeBuffer"};
+const Calls kEnding = {"release container", "release address book", "release IWABObject", "unload"};
+
+Calls operator+(Calls first, const Calls& second)
+{
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+// The fake library stands where the Windows Address Book would.
+class WindowsMailProviderTest : public testing::Test
+{
+  protected:
+    WindowsMailProviderTest() { libraryPath.Set(FakeAddressBook::Path()); }
+
+    // What the construction throws: the name of the exception's exact type, "" for none.
+    static std::string ThrownBy(bool addressBookOnly)
+    {
+        try
+        {
+            const CWindowsMailProvider provider(addressBookOnly);
+            return {};
+        }
+        catch (const std::exception& error)
+        {
+            return typeid(error) == typeid(std::exception) ? "std::exception"
+                                                           : typeid(error).name();
+        }
+    }
+
+    ScopedRegistryValue libraryPath{HKEY_LOCAL_MACHINE, L"Software\\Microsoft\\WAB\\DLLPath", L""};
+    FakeAddressBook book;
+};
+
+// The user's folder for local application data lies in a scratch folder.
+class WindowsMailProviderCalendarTest : public WindowsMailProviderTest
+{
+  protected:
+    WindowsMailProviderCalendarTest() { localData.Set(scratch.Path().wstring(), REG_EXPAND_SZ); }
+
+    // Writes a calendar of one event with that UID into the folder of Windows Calendar.
+    void WriteCalendar(const char* uid) const
+    {
+        const auto folder = scratch.Path() / L"Microsoft" / L"Windows Calendar" / L"Calendars";
+        std::filesystem::create_directories(folder);
+        std::ofstream file(folder / L"one.ics", std::ios::binary);
+        file << "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\nUID:" << uid
+             << "\r\nDTSTART:20240102T100000Z\r\nDTEND:20240102T110000Z\r\nSUMMARY:One\r\n"
+                "END:VEVENT\r\nEND:VCALENDAR\r\n";
+    }
+    static std::wstring CurrentID(CCalendarHandle& calendar)
+    {
+        ComPtr<INAppointment> appointment;
+        calendar.GetCurrentAppointment(appointment.GetAddressOf());
+        if (!appointment)
+            return L"(none)";
+        ComPtr<INEntityItem> item;
+        appointment.CopyTo(item.GetAddressOf());
+        Bstr id;
+        item->get_EntityID(id.Put());
+        return TextOf(id.Get());
+    }
+
+    ScratchDirectory scratch;
+    ScopedRegistryValue localData{
+        HKEY_CURRENT_USER,
+        L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders",
+        L"Local AppData"};
+};
+
+// One failing step each, and what was called until then, to the unloading.
+struct FailingStep
+{
+    FakeBookFailure failure;
+    Calls calls;
+};
+class WindowsMailProviderFailureTest : public testing::TestWithParam<FailingStep>
+{
+};
+} // namespace
+
+TEST_F(WindowsMailProviderTest, OpensThePersonalAddressBookAndGivesItBackInOrder)
+{
+    {
+        const CWindowsMailProvider provider(true);
+        EXPECT_EQ(kOpening, book.Calls());
+    }
+    EXPECT_EQ(kOpening + kEnding, book.Calls());
+}
+
+TEST_P(WindowsMailProviderFailureTest, ThrowsAndGivesBackWhatWasOpened)
+{
+    ScopedRegistryValue libraryPath(HKEY_LOCAL_MACHINE, L"Software\\Microsoft\\WAB\\DLLPath", L"");
+    libraryPath.Set(FakeAddressBook::Path());
+    for (const bool addressBookOnly : {true, false})
+    {
+        FakeAddressBook book(GetParam().failure);
+        EXPECT_THROW(CWindowsMailProvider provider(addressBookOnly), std::exception);
+        EXPECT_EQ(GetParam().calls, book.Calls());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Steps,
+    WindowsMailProviderFailureTest,
+    testing::Values(FailingStep{FakeBookFailure::OpenFails, Calls{kOpening[0], "unload"}},
+                    FailingStep{FakeBookFailure::OpenGivesNoBook,
+                                Calls{kOpening[0], "release IWABObject", "unload"}},
+                    FailingStep{FakeBookFailure::OpenGivesNoObject,
+                                Calls{kOpening[0], "release address book", "unload"}},
+                    FailingStep{FakeBookFailure::PersonalBookFails,
+                                Calls{kOpening[0], "GetPAB", kEnding[1], kEnding[2], "unload"}},
+                    FailingStep{FakeBookFailure::PersonalBookGivesNull,
+                                Calls{kOpening[0], "GetPAB", kEnding[1], kEnding[2], "unload"}},
+                    FailingStep{FakeBookFailure::EntryFails,
+                                kOpening + Calls{kEnding[1], kEnding[2], "unload"}},
+                    FailingStep{FakeBookFailure::EntryGivesNull,
+                                kOpening + Calls{kEnding[1], kEnding[2], "unload"}}));
+
+TEST_F(WindowsMailProviderTest, ThrowsAPlainExceptionWithoutTheRegistryValue)
+{
+    libraryPath.Remove();
+    EXPECT_EQ("std::exception", ThrownBy(true));
+    EXPECT_EQ("std::exception", ThrownBy(false));
+}
+
+TEST_F(WindowsMailProviderTest, ThrowsForALibraryThatDoesNotLoad)
+{
+    libraryPath.Set(L"C:\\no such folder\\wab32.dll");
+    EXPECT_EQ("std::exception", ThrownBy(true));
+    libraryPath.Set(L"");
+    EXPECT_EQ("std::exception", ThrownBy(true));
+}
+
+TEST_F(WindowsMailProviderTest, ThrowsForALibraryWithoutWabOpen)
+{
+    libraryPath.Set(FakeAddressBook::BarePath());
+    EXPECT_EQ("std::exception", ThrownBy(true));
+    EXPECT_EQ((Calls{"unload"}), book.Calls());
+}
+
+TEST_F(WindowsMailProviderTest, FillsInTheVariablesOfThePath)
+{
+    const std::wstring path = FakeAddressBook::Path();
+    const std::size_t cut = path.rfind(L'\\');
+    SetEnvironmentVariableW(L"PIM_TEST_BOOK", path.substr(0, cut).c_str());
+    libraryPath.Set(L"%PIM_TEST_BOOK%" + path.substr(cut), REG_EXPAND_SZ);
+    EXPECT_EQ("", ThrownBy(true));
+    libraryPath.Set(L"%PIM_TEST_BOOK%" + path.substr(cut), REG_SZ);
+    EXPECT_EQ("", ThrownBy(true));
+    SetEnvironmentVariableW(L"PIM_TEST_BOOK", nullptr);
+    EXPECT_EQ("std::exception", ThrownBy(true));
+}
+
+TEST_F(WindowsMailProviderTest, ThrowsForAPathThatIsTooLongWhenFilledIn)
+{
+    // 200 characters twice pass the 260 that a path may have.
+    SetEnvironmentVariableW(L"PIM_TEST_LONG", std::wstring(200, L'x').c_str());
+    libraryPath.Set(L"%PIM_TEST_LONG%%PIM_TEST_LONG%", REG_EXPAND_SZ);
+    EXPECT_EQ("std::exception", ThrownBy(true));
+    SetEnvironmentVariableW(L"PIM_TEST_LONG", nullptr);
+}
+
+TEST_F(WindowsMailProviderTest, HasNoIdentityAndNoRootFolders)
+{
+    CWindowsMailProvider provider(true);
+    EXPECT_EQ(nullptr, provider.GetUserProperties());
+    std::vector<OutlookFolderInfo> folders(2);
+    EXPECT_FALSE(provider.GetContactFolders(folders));
+    EXPECT_FALSE(provider.GetCalendarFolders(folders));
+    EXPECT_EQ(2u, folders.size());
+}
+
+TEST_F(WindowsMailProviderTest, HasNoEnumeratorOfOtherTypes)
+{
+    CWindowsMailProvider provider(true);
+    for (const int type : {Default + 0, ContactCategory + 0, ContactGroup + 0, 5, -1, 0x7FFFFFFF})
+        EXPECT_EQ(nullptr, provider.GetEnumerator(type)) << type;
+}
+
+TEST_F(WindowsMailProviderTest, OutlookExpressHasAnEmptyCalendar)
+{
+    CWindowsMailProvider provider(true);
+    const auto table = provider.GetEnumerator(Calendar);
+    ASSERT_NE(nullptr, table);
+    table->GetItemIDs();
+    table->ResetItem();
+    table->GetNextItem();
+    ComPtr<INEntityItem> item;
+    table->GetCurrentItem(item.GetAddressOf());
+    EXPECT_EQ(nullptr, item.Get());
+
+    const auto calendar = provider.GetCalendar();
+    ASSERT_NE(nullptr, calendar);
+    calendar->NextItem();
+    ComPtr<INAppointment> appointment;
+    calendar->GetCurrentAppointment(appointment.GetAddressOf());
+    EXPECT_EQ(nullptr, appointment.Get());
+}
+
+TEST_F(WindowsMailProviderCalendarTest, WindowsMailHandsOutALoadedCalendar)
+{
+    WriteCalendar("first-uid");
+    CWindowsMailProvider provider(false);
+    const auto calendar = provider.GetCalendar();
+    ASSERT_NE(nullptr, calendar);
+    calendar->NextItem();
+    EXPECT_EQ(L"first-uid", CurrentID(*calendar));
+    calendar->NextItem();
+    EXPECT_EQ(L"(none)", CurrentID(*calendar));
+}
+
+TEST_F(WindowsMailProviderCalendarTest, AnEnumeratorOverTheCalendarIsNotLoadedYet)
+{
+    WriteCalendar("first-uid");
+    CWindowsMailProvider provider(false);
+    const auto table = provider.GetEnumerator(Calendar);
+    ASSERT_NE(nullptr, table);
+    table->ResetItem();
+    table->GetNextItem();
+    ComPtr<INEntityItem> item;
+    table->GetCurrentItem(item.GetAddressOf());
+    EXPECT_EQ(nullptr, item.Get());
+    table->GetItemIDs();
+    table->ResetItem();
+    table->GetNextItem();
+    table->GetCurrentItem(item.GetAddressOf());
+    EXPECT_NE(nullptr, item.Get());
+}
+
+TEST_F(WindowsMailProviderCalendarTest, TwoTablesWalkIndependently)
+{
+    WriteCalendar("first-uid");
+    CWindowsMailProvider provider(false);
+    const auto first = provider.GetCalendar();
+    const auto second = provider.GetCalendar();
+    first->NextItem();
+    first->NextItem();
+    second->NextItem();
+    EXPECT_EQ(L"(none)", CurrentID(*first));
+    EXPECT_EQ(L"first-uid", CurrentID(*second));
+}
+
+TEST_F(WindowsMailProviderCalendarTest, OutlookExpressDoesNotReadTheCalendarFolder)
+{
+    WriteCalendar("first-uid");
+    CWindowsMailProvider provider(true);
+    const auto calendar = provider.GetCalendar();
+    calendar->NextItem();
+    EXPECT_EQ(L"(none)", CurrentID(*calendar));
+}
+
+TEST_F(WindowsMailProviderCalendarTest, OnlyWindowsMailNeedsTheFolderForLocalData)
+{
+    localData.Set((scratch.Path() / L"gone").wstring(), REG_EXPAND_SZ);
+    EXPECT_EQ("", ThrownBy(true));
+    book.Calls().clear();
+    EXPECT_EQ("std::exception", ThrownBy(false));
+    EXPECT_EQ(kOpening + kEnding, book.Calls());
+}
+
+// --- Through the service manager -----------------------------------------------------------------
+
+TEST_F(WindowsMailProviderTest, BothNamesStartIt)
+{
+    CServiceManager manager;
+    for (const wchar_t* name : {L"Windows Mail", L"outlook express"})
+    {
+        EXPECT_EQ(S_OK, manager.StartService(name));
+        EXPECT_NE(nullptr, manager.GetCalendar());
+        EXPECT_EQ(nullptr, manager.GetUserProperties());
+        book.Calls().clear();
+        manager.StopService();
+        EXPECT_EQ(kEnding, book.Calls());
+    }
+}
+
+TEST_F(WindowsMailProviderTest, TheManagerReportsAFailedConstruction)
+{
+    libraryPath.Remove();
+    CServiceManager manager;
+    const ScopedLogSettings logOn;
+    DebugOutputCapture output;
+    EXPECT_EQ(E_FAIL, manager.StartService(L"Windows Mail"));
+    EXPECT_EQ(
+        (std::vector<std::string>{"=========CServiceManager::StartService:: Windows Mail!\r\n",
+                                  "=========CServiceManager::StartService::caught!\r\n",
+                                  "=========CServiceManager::StartService::failed!\r\n"}),
+        output.TakeLogMessages());
+    EXPECT_EQ(nullptr, manager.GetCalendar());
+}
