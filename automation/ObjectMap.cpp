@@ -1,6 +1,10 @@
 #include "automation/ObjectMap.h"
 
+#include "automation/AddressBook.h"
 #include "automation/Appointment.h"
+#include "automation/Calendar.h"
+#include "automation/Enumerator.h"
+#include "automation/PersonalInformationService.h"
 
 namespace
 {
@@ -22,15 +26,15 @@ constexpr ObjectMapEntry Row(const CLSID& clsid, WORD script, CreatorFunction* c
 
 // clang-format off
 constexpr ObjectMapEntry kObjectMap[] = {
-    Row(CLSID_NAddressBook,                103, &CreateNothing),
+    Row(CLSID_NAddressBook,                103, &CNAddressBook::CreateInstance),
     Row(CLSID_NAppointment,                107, &CNAppointment::CreateInstance),
-    Row(CLSID_NCalendar,                   104, &CreateNothing),
+    Row(CLSID_NCalendar,                   104, &CNCalendar::CreateInstance),
     Row(CLSID_NContactCategory,            109, &CreateNothing),
     Row(CLSID_NContactGroup,               106, &CreateNothing),
     Row(CLSID_NContactItem,                105, &CreateNothing),
-    Row(CLSID_NEnumerator,                 110, &CreateNothing),
+    Row(CLSID_NEnumerator,                 110, &CNEnumerator::CreateInstance),
     Row(CLSID_NObjectFactory64,            112, &CreateNothing),
-    Row(CLSID_NPersonalInformationService, 102, &CreateNothing),
+    Row(CLSID_NPersonalInformationService, 102, &CNPersonalInformationService::CreateInstance),
     Row(CLSID_NUserProperties,             108, &CreateNothing),
 };
 // clang-format on

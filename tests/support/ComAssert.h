@@ -75,6 +75,8 @@ class TestOuter final : public IPersist
 
     STDMETHODIMP QueryInterface(REFIID iid, void** result) override
     {
+        if (!result)
+            return E_POINTER;
         if (IsEqualGUID(iid, IID_IUnknown) || IsEqualGUID(iid, IID_IPersist))
         {
             AddRef();
