@@ -95,15 +95,18 @@ void CServiceManager::StopService()
     if (!Running())
         return;
     // From here on the provider hands nothing out, also to calls that its own end lets in.
-    m_isStopPending = true;
     if (CallScope::Depth() > 1)
+    {
         CallScope::Defer([this] { EndProvider(); });
+        m_isStopPending = true;
+    }
     else
         EndProvider();
 }
 
 void CServiceManager::EndProvider()
 {
+    m_isStopPending = true;
     m_pProvider.reset();
     m_isStopPending = false;
 }

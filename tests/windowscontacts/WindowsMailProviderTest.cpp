@@ -2,6 +2,7 @@
 
 #include "platform/Bstr.h"
 #include "service/ServiceManager.h"
+#include "support/ComAssert.h"
 #include "support/DebugOutputCapture.h"
 #include "support/ScopedRegistryValue.h"
 #include "support/ScratchDirectory.h"
@@ -312,4 +313,71 @@ TEST_F(WindowsMailProviderTest, TheManagerReportsAFailedConstruction)
                                   "=========CServiceManager::StartService::failed!\r\n"}),
         output.TakeLogMessages());
     EXPECT_EQ(nullptr, manager.GetCalendar());
+}
+
+// --- Through the automation objects --------------------------------------------------------------
+
+TEST_F(WindowsMailProviderCalendarTest, ServesAClientOfTheAutomationObjects)
+{
+    WriteCalendar("first-uid");
+    CServiceManager manager;
+    const ScopedServiceManager current(manager);
+    const auto create = [](REFCLSID clsid, REFIID iid, void** object) {
+        return CoCreateInstance(clsid, nullptr, kServerContext, iid, object);
+    };
+    ComPtr<INPersonalInformationService> service;
+    ASSERT_EQ(S_OK,
+              create(CLSID_NPersonalInformationService,
+                     IID_INPersonalInformationService,
+                     reinterpret_cast<void**>(service.GetAddressOf())));
+    ASSERT_EQ(S_OK, service->StartService(Bstr(L"Windows Mail").Get()));
+
+    {
+        ComPtr<INCalendar> calendar;
+        EXPECT_EQ(S_OK, service->GetCalendar(calendar.GetAddressOf()));
+        ASSERT_TRUE(calendar);
+        ComPtr<INAppointment> appointment;
+        EXPECT_EQ(S_OK, calendar->GetNextAppointment(appointment.GetAddressOf()));
+        ASSERT_TRUE(appointment);
+        Bstr subject;
+        EXPECT_EQ(S_OK, appointment->get_Subject(subject.Put()));
+        EXPECT_EQ(L"One", subject.View());
+        INAppointment* none = appointment.Get();
+        EXPECT_EQ(E_FAIL, calendar->GetNextAppointment(&none));
+        EXPECT_EQ(nullptr, none);
+    }
+    {
+        ComPtr<INEnumerator> enumerator;
+        EXPECT_EQ(S_OK, service->GetEnumerator(Calendar, enumerator.GetAddressOf()));
+        ASSERT_TRUE(enumerator);
+        ComPtr<INEntityItem> item;
+        EXPECT_EQ(S_OK, enumerator->GetNextItem(item.GetAddressOf()));
+    }
+    // There are no categories and no groups.
+    INEnumerator* const mine = reinterpret_cast<INEnumerator*>(1);
+    for (const auto type : {ContactCategory, ContactGroup})
+    {
+        INEnumerator* untouched = mine;
+        EXPECT_EQ(S_OK, service->GetEnumerator(type, &untouched));
+        EXPECT_EQ(mine, untouched);
+    }
+    INUserProperties* identity = reinterpret_cast<INUserProperties*>(1);
+    EXPECT_EQ(S_OK, service->GetUserProperties(&identity));
+    EXPECT_EQ(nullptr, identity);
+
+    // A collection that outlives the service keeps its table.
+    ComPtr<INCalendar> late;
+    EXPECT_EQ(S_OK, service->GetCalendar(late.GetAddressOf()));
+    ASSERT_TRUE(late);
+    book.Calls().clear();
+    EXPECT_EQ(S_OK, service->StopService());
+    EXPECT_EQ(kEnding, book.Calls());
+    ComPtr<INAppointment> appointment;
+    EXPECT_EQ(S_OK, late->Refresh());
+    VARIANT_BOOL reset = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, late->Reset(&reset));
+    EXPECT_EQ(S_OK, late->GetNextAppointment(appointment.GetAddressOf()));
+    void* none = this;
+    EXPECT_EQ(E_FAIL, create(CLSID_NCalendar, IID_INCalendar, &none));
+    EXPECT_EQ(nullptr, none);
 }
