@@ -233,9 +233,12 @@ TEST(CompressedRtfTest, PacksRepetitionTightlyAndNothingMuchLarger)
     EXPECT_LT(Packed(random).size(), 10000u + 1250u + 32u);
 }
 
-TEST(CompressedRtfTest, AgreesWithRealBodies)
+TEST(CompressedRtfTest, AgreesWithOurOwnSamplesAndRealBodies)
 {
-    for (const auto& path : Samples("rtf", ".lzfu"))
+    auto samples = FilesIn(std::filesystem::path(PIM_TEST_DATA) / "compressed_rtf", ".lzfu");
+    EXPECT_EQ(3u, samples.size());
+    std::ranges::move(SharedSamples("rtf", ".lzfu"), std::back_inserter(samples));
+    for (const auto& path : samples)
     {
         auto plain = path;
         plain.replace_extension(".rtf");

@@ -1,4 +1,5 @@
-// Real RTF bodies beside the plain body of the same item, as other programs wrote it.
+// Whole documents: our own with their exact text, and real RTF bodies beside the plain body of the
+// same item, as other programs wrote it.
 #include "rtfconverter/RtfText.h"
 
 #include "platform/CodePages.h"
@@ -82,9 +83,21 @@ std::string TextOf(const std::string& rtf)
 }
 } // namespace
 
+TEST(RtfSamplesTest, GiveTheExactTextOfOurOwnDocuments)
+{
+    const auto documents = FilesIn(std::filesystem::path(PIM_TEST_DATA) / "rtf", ".rtf");
+    EXPECT_EQ(5u, documents.size());
+    for (const auto& path : documents)
+    {
+        auto expected = path;
+        expected.replace_extension(".expected.txt");
+        EXPECT_EQ(ReadSample(expected), TextOf(ReadSample(path))) << path;
+    }
+}
+
 TEST(RtfSamplesTest, ShowWhatThePlainBodySays)
 {
-    for (const auto& path : Samples("rtf", ".rtf"))
+    for (const auto& path : SharedSamples("rtf", ".rtf"))
     {
         const std::string name = path.stem().string();
         auto bodyPath = path;
@@ -122,7 +135,7 @@ TEST(RtfSamplesTest, ShowWhatThePlainBodySays)
 
 TEST(RtfSamplesTest, GiveAReadableTextWithoutMarkup)
 {
-    for (const auto& path : Samples("rtf", ".rtf"))
+    for (const auto& path : SharedSamples("rtf", ".rtf"))
     {
         const std::string rtf = ReadSample(path);
         const std::string text = TextOf(rtf);
