@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
+
 namespace
 {
 std::wstring Text(std::string_view rtf)
@@ -397,6 +399,14 @@ TEST(RtfTextTest, CopesWithDepthAndMissingBraces)
 TEST(RtfTextTest, DropsZeroBytes)
 {
     EXPECT_EQ(L"ab", Text(std::string_view("{\\rtf1 a\0b}", 12)));
+}
+
+TEST(RtfTextTest, PassesOnThatMemoryIsOut)
+{
+    const auto outOfMemory = [](unsigned, std::string_view, std::wstring&) {
+        throw std::bad_alloc();
+    };
+    EXPECT_THROW(TextFromRtf("{\\rtf1 a{b \\'e4 c}}", 1252, outOfMemory), std::bad_alloc);
 }
 
 // --- RTF made from HTML -----------------------------------------------------------------------
