@@ -17,6 +17,7 @@ namespace
 using Microsoft::WRL::ComPtr;
 
 constexpr const wchar_t* kOutlook = L"Microsoft Outlook";
+// The one with the most to give first: "Outlook Express" has no calendar.
 constexpr const wchar_t* kKnownProviders[] = {kOutlook, L"Windows Mail", L"Outlook Express"};
 
 bool IsSameName(const std::wstring& left, const std::wstring& right)
@@ -76,9 +77,11 @@ std::vector<std::wstring> UsableProviders(const Server& server)
     const std::wstring preferred = server.DefaultProvider();
     if (IsKnownProvider(preferred) && Contains(listed, preferred))
         names.push_back(preferred);
-    std::copy_if(listed.begin(), listed.end(), std::back_inserter(names), [&](const auto& name) {
-        return IsKnownProvider(name) && !Contains(names, name);
-    });
+    std::copy_if(
+        std::begin(kKnownProviders),
+        std::end(kKnownProviders),
+        std::back_inserter(names),
+        [&](const auto& name) { return Contains(listed, name) && !Contains(names, name); });
     return names;
 }
 } // namespace
