@@ -112,9 +112,13 @@ int RunList(const Context& context)
     }
     else
     {
+        const std::wstring where =
+            session.ProviderName() ? L" in " + OneLine(*session.ProviderName()) : L"";
         context.Print(items.empty()
-                          ? L"No appointments.\n"
-                          : AppointmentTable(items, context.zone, context.command.isWide));
+                          ? L"No appointments" + where + L".\n"
+                          : AppointmentTable(items,
+                                             context.zone,
+                                             {context.command.isWide, context.output.Columns()}));
     }
     return kExitOk;
 }

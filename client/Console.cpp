@@ -31,6 +31,15 @@ OutputStream::OutputStream(DWORD standardHandle) : m_handle(GetStdHandle(standar
     m_isTerminal = GetConsoleMode(m_handle, &mode) != 0;
 }
 
+int OutputStream::Columns() const
+{
+    CONSOLE_SCREEN_BUFFER_INFO info = {};
+    if (!m_isTerminal || !GetConsoleScreenBufferInfo(m_handle, &info))
+        return 0;
+    // A full last column would break the line.
+    return std::max(info.srWindow.Right - info.srWindow.Left, 1);
+}
+
 bool OutputStream::Write(std::wstring_view text) const
 {
     if (m_isTerminal)

@@ -14,6 +14,8 @@ class OutputStream
     explicit OutputStream(DWORD standardHandle);
 
     bool IsTerminal() const noexcept { return m_isTerminal; }
+    // The width of a terminal's window; 0 where the stream is none.
+    int Columns() const;
 
     // False where not all of the text could be written, as on a full disk or a closed pipe.
     bool Write(std::wstring_view text) const;

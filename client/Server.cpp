@@ -17,7 +17,7 @@ namespace
 using Microsoft::WRL::ComPtr;
 
 constexpr const wchar_t* kOutlook = L"Microsoft Outlook";
-// The one with the most to give first: "Outlook Express" has no calendar.
+// Best first: the last one has no calendar.
 constexpr const wchar_t* kKnownProviders[] = {kOutlook, L"Windows Mail", L"Outlook Express"};
 
 bool IsSameName(const std::wstring& left, const std::wstring& right)
@@ -81,7 +81,7 @@ std::vector<std::wstring> UsableProviders(const Server& server)
         std::begin(kKnownProviders),
         std::end(kKnownProviders),
         std::back_inserter(names),
-        [&](const auto& name) { return Contains(listed, name) && !Contains(names, name); });
+        [&](const wchar_t* known) { return Contains(listed, known) && !Contains(names, known); });
     return names;
 }
 } // namespace

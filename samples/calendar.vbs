@@ -12,15 +12,25 @@ Option Explicit
 ' The reminder value that means none.
 Const kNoReminder = 4294967295
 
+Dim service, calendar, started
+
 ' An argument, or another text where there is none.
 Function ArgumentOr(index, otherwise)
     ArgumentOr = otherwise
     If WScript.Arguments.Count > index Then ArgumentOr = WScript.Arguments(index)
 End Function
 
+' A service that was started is stopped on every way out: it would stay with this provider for as
+' long as the server runs. The calendar points into what the service holds, so it goes first.
+Sub Leave(code)
+    Set calendar = Nothing
+    If started Then service.StopService
+    WScript.Quit code
+End Sub
+
 Sub Fail(text, code)
     WScript.Echo text
-    WScript.Quit code
+    Leave code
 End Sub
 
 Function TwoDigits(number)
@@ -40,7 +50,7 @@ Function TimeOf(text)
 End Function
 
 ' The end of the list is told by a failed call alone.
-Sub List(calendar)
+Sub List
     Dim item, line, more
     calendar.Reset
     more = True
@@ -58,7 +68,7 @@ Sub List(calendar)
     Loop
 End Sub
 
-Sub Add(calendar, subject, startTime, endTime)
+Sub Add(subject, startTime, endTime)
     Dim item
     Set item = CreateObject("PimStoreBridge.NAppointment")
     item.Subject = subject
@@ -69,7 +79,7 @@ Sub Add(calendar, subject, startTime, endTime)
 End Sub
 
 ' The item of that ID. The search starts where the last one ended, so the list is reset first.
-Function Find(calendar, id)
+Function Find(id)
     Set Find = Nothing
     calendar.Reset
     On Error Resume Next
@@ -78,46 +88,46 @@ Function Find(calendar, id)
     If Find Is Nothing Then Fail "There is no such item: " & id, 1
 End Function
 
-Sub Update(calendar, id, subject)
+Sub Update(id, subject)
     Dim item
-    Set item = Find(calendar, id)
+    Set item = Find(id)
     item.Subject = subject
     calendar.UpdateAppointment item
     WScript.Echo "Updated " & id
 End Sub
 
-Sub Remove(calendar, id)
-    Find calendar, id
+Sub Remove(id)
+    Find id
     calendar.DeleteAppointment id
     WScript.Echo "Deleted " & id
 End Sub
 
-Sub Main
-    Dim service, calendar, provider
-    provider = ArgumentOr(0, "Windows Mail")
+Sub Start(provider)
     Set service = CreateObject("PimStoreBridge.NPersonalInformationServ")
     On Error Resume Next
     service.StartService provider
-    If Err.Number <> 0 Then Fail "This mail client could not be started: " & provider, 1
+    started = (Err.Number = 0)
     On Error GoTo 0
-
+    If Not started Then Fail "This mail client could not be started: " & provider, 1
     Set calendar = service.GetCalendar
+End Sub
+
+Sub Main
+    started = False
+    Start ArgumentOr(0, "Windows Mail")
     Select Case ArgumentOr(1, "list")
         Case "list"
-            List calendar
+            List
         Case "add"
-            Add calendar, ArgumentOr(2, ""), TimeOf(ArgumentOr(3, "")), TimeOf(ArgumentOr(4, ""))
+            Add ArgumentOr(2, ""), TimeOf(ArgumentOr(3, "")), TimeOf(ArgumentOr(4, ""))
         Case "update"
-            Update calendar, ArgumentOr(2, ""), ArgumentOr(3, "")
+            Update ArgumentOr(2, ""), ArgumentOr(3, "")
         Case "delete"
-            Remove calendar, ArgumentOr(2, "")
+            Remove ArgumentOr(2, "")
         Case Else
             Fail "Say list, add, update or delete, not " & ArgumentOr(1, ""), 2
     End Select
-
-    ' The calendar points into what the service holds, so it goes first.
-    Set calendar = Nothing
-    service.StopService
+    Leave 0
 End Sub
 
 Main

@@ -1,17 +1,27 @@
 #include "client/core/AppointmentText.h"
 
+#include "client/core/ItemIds.h"
 #include "client/core/TextTable.h"
 #include "client/core/Unicode.h"
 
 #include <algorithm>
+#include <array>
+#include <iterator>
+#include <vector>
 
 namespace pim
 {
 namespace
 {
-constexpr int kSubjectColumns = 36;
-constexpr int kPlaceColumns = 20;
-constexpr int kRepeatsColumns = 48;
+// The columns of the table, in order, with their titles and, for texts, the widths beyond which
+// they are cut.
+constexpr const wchar_t* kTitles[] = {L"START", L"END", L"SUBJECT", L"PLACE", L"REPEATS", L"ID"};
+constexpr std::size_t kColumnCount = std::size(kTitles);
+constexpr int kMaxWidths[kColumnCount] = {0, 0, 36, 20, 48, 0};
+constexpr int kLeastTextWidth = 8;
+constexpr std::size_t kLeastIdLength = 6;
+
+using Row = std::vector<std::wstring>;
 
 std::optional<CivilTime> CivilOf(const std::optional<DATE>& date)
 {
@@ -75,6 +85,52 @@ std::wstring RepeatsOf(const Appointment& item)
 std::wstring LocalAndUtc(const CivilTime& utc, const ILocalZone& zone)
 {
     return FormatDayAndClock(zone.LocalFromUtc(utc)) + L" (" + FormatDayAndClock(utc) + L" UTC)";
+}
+
+// The widths that the rows take up, cut to the readable maximum.
+std::array<int, kColumnCount> NaturalWidths(const std::vector<Row>& rows)
+{
+    std::array<int, kColumnCount> widths{};
+    for (std::size_t i = 0; i < kColumnCount; ++i)
+    {
+        widths[i] = DisplayWidth(kTitles[i]);
+        for (const Row& row : rows)
+            widths[i] = std::max(widths[i], DisplayWidth(OneLine(row[i])));
+        if (kMaxWidths[i] > 0)
+            widths[i] = std::min(widths[i], kMaxWidths[i]);
+    }
+    return widths;
+}
+
+// Takes columns off the widest texts until the table fits, as far as a text stays readable.
+void FitWidths(std::array<int, kColumnCount>& widths, int columns)
+{
+    int total = TextTable::kGap * int(kColumnCount - 1);
+    for (const int width : widths)
+        total += width;
+    for (; total > columns; --total)
+    {
+        std::size_t widest = kColumnCount;
+        for (std::size_t i = 0; i < kColumnCount; ++i)
+        {
+            const bool canShrink = kMaxWidths[i] > 0 && widths[i] > kLeastTextWidth;
+            if (canShrink && (widest == kColumnCount || widths[i] > widths[widest]))
+                widest = i;
+        }
+        if (widest == kColumnCount)
+            return;
+        --widths[widest];
+    }
+}
+
+void ShortenIds(std::vector<Row>& rows)
+{
+    std::vector<std::wstring> ids;
+    for (const Row& row : rows)
+        ids.push_back(row.back());
+    const std::vector<std::wstring> shortIds = ShortItemIds(ids, kLeastIdLength);
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        rows[i].back() = shortIds[i];
 }
 
 class FieldLines
@@ -162,25 +218,33 @@ bool ComesBefore(const Appointment& left, const Appointment& right, const ILocal
 
 std::wstring AppointmentTable(std::span<const Appointment> items,
                               const ILocalZone& zone,
-                              bool isWide)
+                              const TableRoom& room)
 {
-    TextTable table({{L"START"},
-                     {L"END"},
-                     {L"SUBJECT", isWide ? 0 : kSubjectColumns},
-                     {L"PLACE", isWide ? 0 : kPlaceColumns},
-                     {L"REPEATS", isWide ? 0 : kRepeatsColumns},
-                     {L"ID"}});
+    std::vector<Row> rows;
     for (const Appointment& item : items)
     {
         const auto start = LocalOf(item.start, item.IsAllDay(), zone);
         const auto end = LocalOf(item.end, item.IsAllDay(), zone);
-        table.AddRow({StartCell(item, start),
-                      EndCell(item, start, end),
-                      item.subject.value_or(L""),
-                      item.place.value_or(L""),
-                      RepeatsOf(item),
-                      item.id.value_or(L"")});
+        rows.push_back({StartCell(item, start),
+                        EndCell(item, start, end),
+                        item.subject.value_or(L""),
+                        item.place.value_or(L""),
+                        RepeatsOf(item),
+                        item.id.value_or(L"")});
     }
+    const bool isFitted = room.terminalColumns > 0 && !room.isWide;
+    if (isFitted)
+        ShortenIds(rows);
+    std::array<int, kColumnCount> widths = NaturalWidths(rows);
+    if (isFitted)
+        FitWidths(widths, room.terminalColumns);
+
+    std::vector<TextTable::Column> columns;
+    for (std::size_t i = 0; i < kColumnCount; ++i)
+        columns.push_back({kTitles[i], room.isWide ? 0 : widths[i]});
+    TextTable table(std::move(columns));
+    for (const Row& row : rows)
+        table.AddRow(row);
     return table.Format();
 }
 

@@ -8,11 +8,18 @@
 
 namespace pim
 {
-// A table with one line per item, in the given order. Cells are cut to a readable width unless
-// isWide.
+// How much room a table has.
+struct TableRoom
+{
+    bool isWide = false;     // nothing is cut
+    int terminalColumns = 0; // fit into that many columns, with shortened IDs; 0: any width
+};
+
+// A table with one line per item, in the given order. Long cells are cut to a readable width, and
+// further where a terminal is narrow.
 std::wstring AppointmentTable(std::span<const Appointment> items,
                               const ILocalZone& zone,
-                              bool isWide);
+                              const TableRoom& room);
 
 // All that is known of one item, one line per field, the description at the end.
 std::wstring AppointmentDetails(const Appointment& item, const ILocalZone& zone);

@@ -265,7 +265,7 @@ CommandLineResult ParseCommandLine(std::vector<std::string> arguments, const std
     CLI::App* calendar = app.add_subcommand("calendar", "Show and change appointments");
     calendar->require_subcommand(1);
     CLI::App* list = calendar->add_subcommand("list", "List all appointments by their start");
-    list->add_flag("--wide", typed.isWide, "Do not cut long texts");
+    list->add_flag("--wide", typed.isWide, "Cut no texts and no IDs");
     CLI::App* show = calendar->add_subcommand("show", "Show one appointment");
     show->add_option("ID", typed.ids, "The item's ID, or its beginning")->required()->expected(1);
     CLI::App* add = calendar->add_subcommand("add", "Add an appointment; its new ID is printed");

@@ -1,6 +1,7 @@
 #include "client/core/ItemIds.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace pim
 {
@@ -9,6 +10,19 @@ namespace
 wchar_t FoldCase(wchar_t c)
 {
     return c >= L'a' && c <= L'z' ? wchar_t(c - L'a' + L'A') : c;
+}
+
+std::wstring Folded(const std::wstring& text)
+{
+    std::wstring folded;
+    std::transform(text.begin(), text.end(), std::back_inserter(folded), FoldCase);
+    return folded;
+}
+
+std::size_t SharedLength(const std::wstring& left, const std::wstring& right)
+{
+    const auto ends = std::mismatch(left.begin(), left.end(), right.begin(), right.end());
+    return std::size_t(ends.first - left.begin());
 }
 
 bool BeginsWith(std::wstring_view text, std::wstring_view beginning)
@@ -37,5 +51,31 @@ std::vector<std::wstring> MatchItemIds(std::span<const std::wstring> ids, std::w
             matches.push_back(id);
     }
     return matches;
+}
+
+std::vector<std::wstring> ShortItemIds(std::span<const std::wstring> ids, std::size_t atLeast)
+{
+    std::vector<std::wstring> sorted;
+    std::transform(ids.begin(), ids.end(), std::back_inserter(sorted), Folded);
+    std::sort(sorted.begin(), sorted.end());
+    sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
+
+    std::vector<std::wstring> shortIds;
+    for (const std::wstring& id : ids)
+    {
+        // The IDs that share the most with this one stand beside it.
+        const auto place = std::lower_bound(sorted.begin(), sorted.end(), Folded(id));
+        std::size_t shared = 0;
+        if (place != sorted.begin())
+            shared = SharedLength(*place, *std::prev(place));
+        if (std::next(place) != sorted.end())
+            shared = std::max(shared, SharedLength(*place, *std::next(place)));
+        std::size_t length = std::max(shared + 1, atLeast);
+        // Not between the halves of a surrogate pair.
+        if (length < id.size() && id[length] >= 0xDC00 && id[length] <= 0xDFFF)
+            ++length;
+        shortIds.push_back(id.substr(0, length));
+    }
+    return shortIds;
 }
 } // namespace pim

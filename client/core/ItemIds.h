@@ -12,4 +12,9 @@ namespace pim
 // The beginning is compared without regard to the case of the letters A to Z, and an opening brace
 // may be left out. A text of no characters means none.
 std::vector<std::wstring> MatchItemIds(std::span<const std::wstring> ids, std::wstring_view typed);
+
+// For each ID, in the given order, the shortest beginning that means it alone, of at least that
+// many characters; the whole ID where no beginning does. Costs a sort, not a comparison of all with
+// all.
+std::vector<std::wstring> ShortItemIds(std::span<const std::wstring> ids, std::size_t atLeast);
 } // namespace pim

@@ -6,11 +6,6 @@
 
 namespace pim
 {
-namespace
-{
-constexpr int kGap = 2;
-}
-
 TextTable::TextTable(std::vector<Column> columns) : m_columns(std::move(columns))
 {
     for (const Column& column : m_columns)

@@ -9,6 +9,9 @@ namespace pim
 class TextTable
 {
   public:
+    // Blanks between two columns.
+    static constexpr int kGap = 2;
+
     // A maximum of 0 columns lets the cells be as wide as they are.
     struct Column
     {

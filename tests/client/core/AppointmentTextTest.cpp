@@ -50,7 +50,7 @@ TEST(AppointmentTextTest, ShowsLocalTimesAndDaysInATable)
     night.recurrence->type = Daily;
     night.recurrence->interval = 2;
     const Appointment items[] = {Holiday(1), Holiday(3), Meeting(), night, Appointment()};
-    EXPECT_EQ(AppointmentTable(items, kZone, false),
+    EXPECT_EQ(AppointmentTable(items, kZone, TableRoom()),
               L"START             END               SUBJECT      PLACE   REPEATS       ID\n"
               L"2024-05-01        all day           Holiday                            {ID-2}\n"
               L"2024-05-01        2024-05-03        Holiday                            {ID-2}\n"
@@ -63,10 +63,45 @@ TEST(AppointmentTextTest, CutsLongCellsUnlessToldNotTo)
 {
     Appointment item = Meeting();
     item.subject = std::wstring(100, L's');
-    const std::wstring cut = AppointmentTable({&item, 1}, kZone, false);
+    const std::wstring cut = AppointmentTable({&item, 1}, kZone, TableRoom());
     EXPECT_NE(cut.find(std::wstring(35, L's') + wchar_t(0x2026)), std::wstring::npos);
     EXPECT_EQ(cut.find(std::wstring(36, L's')), std::wstring::npos);
-    EXPECT_NE(AppointmentTable({&item, 1}, kZone, true).find(*item.subject), std::wstring::npos);
+    EXPECT_NE(AppointmentTable({&item, 1}, kZone, TableRoom{true, 0}).find(*item.subject),
+              std::wstring::npos);
+}
+
+TEST(AppointmentTextTest, FitsATerminalWithShortIdsAndCutTexts)
+{
+    Appointment item = Meeting();
+    item.subject = L"A subject of some length";
+    item.place = L"A place somewhere";
+    item.recurrence = Recurrence();
+    item.recurrence->type = Daily;
+    item.recurrence->interval = 1;
+    item.id = L"{0B7F4A10-AAAA}";
+    Appointment other = item;
+    other.id = L"{0B7F4A1F-AAAA}";
+    const Appointment items[] = {item, other};
+    // As wide as they are, the columns take 16, 5, 24, 17, 9 and 9, and the gaps 10: 90 in all.
+    const std::wstring dots(1, wchar_t(0x2026));
+    EXPECT_EQ(AppointmentTable(items, kZone, {false, 65}),
+              L"START             END    SUBJECT   PLACE     REPEATS    ID\n"
+              L"2024-05-01 10:00  11:00  A subje" +
+                  dots + L"  A place" + dots +
+                  L"  every day  {0B7F4A10\n"
+                  L"2024-05-01 10:00  11:00  A subje" +
+                  dots + L"  A place" + dots + L"  every day  {0B7F4A1F\n");
+    EXPECT_EQ(AppointmentTable({items, 1}, kZone, {false, 72}),
+              L"START             END    SUBJECT        PLACE          REPEATS    ID\n"
+              L"2024-05-01 10:00  11:00  A subject of" +
+                  dots + L"  A place some" + dots + L"  every day  {0B7F4\n");
+    // Where even the least widths do not fit, lines are longer than the terminal.
+    EXPECT_EQ(AppointmentTable({items, 1}, kZone, {false, 20}),
+              L"START             END    SUBJECT   PLACE     REPEATS   ID\n"
+              L"2024-05-01 10:00  11:00  A subje" +
+                  dots + L"  A place" + dots + L"  every d" + dots + L"  {0B7F4\n");
+    EXPECT_NE(AppointmentTable(items, kZone, {true, 65}).find(L"A subject of some length  "),
+              std::wstring::npos);
 }
 
 TEST(AppointmentTextTest, ShowsEveryFieldOfAnItem)

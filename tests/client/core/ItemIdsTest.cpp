@@ -40,3 +40,24 @@ TEST(ItemIdsTest, FindsNothingForStrangersAndForNoText)
     EXPECT_THAT(MatchItemIds(kIds, L"meeting-77"), IsEmpty());
     EXPECT_THAT(MatchItemIds(kIds, L""), IsEmpty());
 }
+
+TEST(ItemIdsTest, ShortensIdsAsFarAsTheyStayDistinct)
+{
+    const std::vector<std::wstring> ids = {
+        L"{0B7F4A10}", L"{0b7FFFFF}", L"{99999999}", L"abcd", L"ab", L"{99999999}"};
+    EXPECT_THAT(ShortItemIds(ids, 3),
+                ElementsAre(L"{0B7F4", L"{0b7FF", L"{99", L"abc", L"ab", L"{99"));
+    EXPECT_THAT(
+        ShortItemIds(ids, 100),
+        ElementsAre(L"{0B7F4A10}", L"{0b7FFFFF}", L"{99999999}", L"abcd", L"ab", L"{99999999}"));
+    EXPECT_THAT(ShortItemIds({}, 3), IsEmpty());
+}
+
+TEST(ItemIdsTest, UnderstandsEveryShortId)
+{
+    const std::vector<std::wstring> ids = {
+        L"{0B7F4A10}", L"{0B7FFFFF}", L"{99999999}", L"abcd", L"ab", L"ABX"};
+    const std::vector<std::wstring> shortIds = ShortItemIds(ids, 2);
+    for (std::size_t i = 0; i < ids.size(); ++i)
+        EXPECT_THAT(MatchItemIds(ids, shortIds[i]), ElementsAre(ids[i]));
+}
