@@ -1,12 +1,15 @@
-// What the provider, its tables and the identity share: the library proxy, and the conversions of
-// entry IDs and times. The provider owns the one helper; the others keep a plain pointer.
+// What the provider, its tables and the identity share: the library proxy, the walkers over rows
+// and properties, and the conversions of entry IDs and times. The provider owns the one helper; the
+// others keep a plain pointer.
 #pragma once
 
 #include "outlook/store/Proxcy.h"
 #include "platform/WindowsHeaders.h"
+#include "service/Callback.h"
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -39,6 +42,30 @@ class CMAPIHelper
     CMAPIHelper& operator=(const CMAPIHelper&) = delete;
 
     CNProxcy& Proxy() const noexcept { return *m_pProxy; }
+
+    // Walks a table: sets the tags as its columns and hands every row in order to the callback,
+    // until that clears *pContinue. All rows come in one query; they are freed after the walk, also
+    // where the callback throws.
+    //   flags: of the query (QueryRows); 0 in all uses.
+    // Returns: what the callback returned last; 0 where none ran, for a null table or callback and
+    //          without tags.
+    BOOL EnumerateRows(IMAPITable* table,
+                       std::span<const ULONG> tags,
+                       int callType,
+                       ICallback* callback,
+                       ULONG flags);
+
+    // Reads the tags of one object and hands their values to the callback, once, in the order of
+    // the tags; one that cannot be had has the type PT_ERROR. The values are freed after the call,
+    // also where the callback throws.
+    //   flags: of the reading (GetProps): MAPI_UNICODE for wide texts.
+    // Returns: 1 where the callback returned non-zero; else 0, also where the reading failed, for a
+    //          null object or callback and without tags.
+    BOOL EnumerateProperties(IMAPIProp* object,
+                             std::span<const ULONG> tags,
+                             int callType,
+                             ICallback* callback,
+                             ULONG flags);
 
     // Upper-case hexadecimal text; empty for an empty value.
     static std::wstring BinaryToHex(const SBinary& value);
