@@ -4,6 +4,7 @@
 #include "platform/Bstr.h"
 #include "support/ComAssert.h"
 #include "support/Dispatch.h"
+#include "tests/automation/CollectionFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -177,6 +178,22 @@ TEST_F(AppointmentTest, ANullTextPutIsRefusedAndTheOldValueStands)
     EXPECT_EQ(S_OK, m_entity->put_EntityID(old.Get()));
     EXPECT_EQ(E_POINTER, m_entity->put_EntityID(nullptr));
     EXPECT_EQ(L"old", Get(kEntityID, m_entity.Get()).View());
+}
+
+TEST_F(AppointmentTest, ATextThatFindsNoMemoryIsOutOfMemory)
+{
+    const Bstr text(LongTextsFail::Text());
+    const Bstr held(LongTextsFail::Text() + L"y");
+    EXPECT_EQ(S_OK, m_appointment->put_Subject(held.Get()));
+    BSTR untouched = text.Get();
+    {
+        const LongTextsFail fail;
+        EXPECT_EQ(E_OUTOFMEMORY, m_appointment->put_Place(text.Get()));
+        EXPECT_EQ(E_OUTOFMEMORY, m_entity->put_FolderID(text.Get()));
+        EXPECT_EQ(E_OUTOFMEMORY, m_appointment->get_Subject(&untouched));
+    }
+    EXPECT_EQ(nullptr, untouched);
+    EXPECT_EQ(held.View(), Get(kTexts[0], m_appointment.Get()).View());
 }
 
 TEST_F(AppointmentTest, ANullFolderIdClearsIt)
@@ -374,6 +391,51 @@ TEST_F(AppointmentTest, LateBoundCallsGiveWhatTheTypeInformationGives)
             << call.id;
         EXPECT_EQ(direct.Type(), ours.Type());
     }
+}
+
+// A record handed over in a variant. Some platforms' late binding does not know records: then the
+// call fails and the value stands, but it is never half taken.
+TEST_F(AppointmentTest, ALateBoundRecordIsTakenWholeOrNotAtAll)
+{
+    ComPtr<ITypeInfo> interfaceInfo;
+    ASSERT_EQ(S_OK, m_appointment->GetTypeInfo(0, 0, interfaceInfo.GetAddressOf()));
+    ComPtr<ITypeLib> library;
+    UINT index = 0;
+    ASSERT_EQ(S_OK, interfaceInfo->GetContainingTypeLib(library.GetAddressOf(), &index));
+    ComPtr<ITypeInfo> recordInfo;
+    // {4584E786-F5EB-4DAB-B09E-DB8618FE3EFE}, the record's GUID in the published contract.
+    constexpr GUID kRecord = {
+        0x4584E786, 0xF5EB, 0x4DAB, {0xB0, 0x9E, 0xDB, 0x86, 0x18, 0xFE, 0x3E, 0xFE}};
+    ASSERT_EQ(S_OK, library->GetTypeInfoOfGuid(kRecord, recordInfo.GetAddressOf()));
+    ComPtr<IRecordInfo> description;
+    ASSERT_EQ(S_OK, GetRecordInfoFromTypeInfo(recordInfo.Get(), description.GetAddressOf()));
+
+    const auto before = std::make_unique<_tagRecurringInfo>();
+    FillRecord(*before);
+    ASSERT_EQ(S_OK, m_appointment->put_RecurringInfo(before.get()));
+
+    const auto given = std::make_unique<_tagRecurringInfo>();
+    given->eRecurType = Yearly;
+    given->arrModifiedInstance[31].szLocation[259] = 0xABCD;
+    VARIANTARG argument; // borrows the record and its description
+    VariantInit(&argument);
+    argument.vt = VT_RECORD;
+    argument.pvRecord = given.get();
+    argument.pRecInfo = description.Get();
+    DISPID put = DISPID_PROPERTYPUT;
+    DISPPARAMS parameters{&argument, &put, 1, 1};
+    const HRESULT result = m_appointment->Invoke(11,
+                                                 IID_NULL,
+                                                 LOCALE_USER_DEFAULT,
+                                                 DISPATCH_PROPERTYPUT,
+                                                 &parameters,
+                                                 nullptr,
+                                                 nullptr,
+                                                 nullptr);
+    const auto read = std::make_unique<_tagRecurringInfo>();
+    EXPECT_EQ(S_OK, m_appointment->get_RecurringInfo(read.get()));
+    const auto& expected = SUCCEEDED(result) ? given : before;
+    EXPECT_EQ(0, std::memcmp(expected.get(), read.get(), sizeof(*read))) << std::hex << result;
 }
 
 TEST_F(AppointmentTest, ALateBoundFailureArrivesAsAnException)

@@ -52,22 +52,27 @@ class CollectionFixture : public testing::Test
 };
 
 // Lets every text of more than so many bytes fail for want of memory, as long as it lives. Short
-// texts may come from the system's cache of freed ones, so that only those of more than 4 KiB are
+// texts may come from the system's cache of freed ones, so that only those of more than 64 KiB are
 // certain to tell.
 class LongTextsFail
 {
   public:
-    explicit LongTextsFail(SIZE_T limitBytes = 16 * 1024)
+    explicit LongTextsFail(SIZE_T limitBytes = 64 * 1024)
     {
         s_limitBytes = limitBytes;
         CoRegisterMallocSpy(&s_spy);
     }
-    ~LongTextsFail() { CoRevokeMallocSpy(); }
+    ~LongTextsFail()
+    {
+        CoRevokeMallocSpy();
+        // The system may keep the spy beyond that; it must then let everything pass.
+        s_limitBytes = kNoLimit;
+    }
     LongTextsFail(const LongTextsFail&) = delete;
     LongTextsFail& operator=(const LongTextsFail&) = delete;
 
     // A text that is long enough.
-    static std::wstring Text() { return std::wstring(10'000, L'x'); }
+    static std::wstring Text() { return std::wstring(40'000, L'x'); }
 
   private:
     class Spy final : public IMallocSpy
@@ -105,5 +110,6 @@ class LongTextsFail
     };
     // Outlives the tests: the system may keep it until every block of its time is freed.
     inline static Spy s_spy;
-    inline static SIZE_T s_limitBytes = 0;
+    static constexpr SIZE_T kNoLimit = ~SIZE_T{0};
+    inline static SIZE_T s_limitBytes = kNoLimit;
 };
