@@ -3,6 +3,7 @@
 
 #include "automation/Registrar.h"
 #include "support/ComAssert.h"
+#include "tests/service/FakeBackEnds.h"
 
 #include <gtest/gtest.h>
 
@@ -396,6 +397,22 @@ TEST_F(ModuleTest, EndsAfterItsLastObjectWasGoneForTheTimeOut)
                                kServerContext,
                                IID_IUnknown,
                                reinterpret_cast<void**>(item.GetAddressOf())));
+}
+
+// A client that stops nothing leaves its provider to the end of the process, without a logoff.
+TEST_F(ModuleTest, TheEndOfTheServerAbandonsARunningProvider)
+{
+    FakeBackEnds backEnds;
+    {
+        ShortModule module;
+        m_at.At(50, [&] {
+            EXPECT_EQ(S_OK, backEnds.manager.StartService(L"Windows Mail"));
+            MakeItem();
+        });
+        EXPECT_EQ(S_OK, Serve(module).exitCode);
+    }
+    EXPECT_EQ((CallLog{L"start Windows Mail"}), backEnds.log);
+    EXPECT_NE(nullptr, backEnds.manager.GetCalendar());
 }
 
 TEST_F(ModuleTest, AServerThatNeverHadAnObjectDoesNotEndByItself)

@@ -183,6 +183,27 @@ TEST_F(LifetimeTest, AnObjectInTheCountdownKeepsTheProcess)
     EXPECT_EQ(servers, RunningServers());
 }
 
+// 5000 ms after the last object the class objects are gone, and the process lives on for its pause
+// of 1000 ms: a client that comes then gets a process of its own.
+TEST_F(LifetimeTest, AnObjectMadeInThePauseComesFromANewProcess)
+{
+    EndServers();
+    auto appointment = MakeAppointment();
+    const auto servers = RunningServers();
+    ASSERT_EQ(1u, servers.size());
+    appointment.Reset();
+    const auto released = steady_clock::now();
+    // Somewhat into the pause; a busy machine may miss it, and then the process is gone.
+    Sleep(5400);
+    appointment = MakeAppointment();
+    ASSERT_TRUE(appointment);
+    const auto made = duration_cast<milliseconds>(steady_clock::now() - released).count();
+    EXPECT_TRUE(WaitForEnd(servers[0], 30000)) << made;
+    ExpectWorks(appointment.Get());
+    ASSERT_EQ(1u, RunningServers().size());
+    EXPECT_NE(servers[0], RunningServers()[0]);
+}
+
 TEST_F(LifetimeTest, AProcessThatNeverHadAnObjectStays)
 {
     EndServers();
