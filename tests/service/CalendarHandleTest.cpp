@@ -59,6 +59,13 @@ TEST_F(CalendarHandleTest, GetCurrentAppointmentStoresNullWithoutAnAppointment)
     EXPECT_EQ(nullptr, appointment);
 }
 
+TEST_F(CalendarHandleTest, GetCurrentAppointmentDoesNothingForANullOutput)
+{
+    items->current = FakeItem::Make(IID_INAppointment, L"AB").Get();
+    handle->GetCurrentAppointment(nullptr);
+    EXPECT_EQ(CallLog{}, log);
+}
+
 TEST_F(CalendarHandleTest, UpdateAppointmentGivesTheTablesResult)
 {
     const auto item = FakeItem::Make(IID_INAppointment, L"AB");

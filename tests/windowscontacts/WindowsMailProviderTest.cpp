@@ -93,6 +93,18 @@ class WindowsMailProviderCalendarTest : public WindowsMailProviderTest
         L"Local AppData"};
 };
 
+// A new object of the class; null where the creation failed.
+template <typename Interface> ComPtr<Interface> Create(REFCLSID clsid)
+{
+    ComPtr<Interface> object;
+    CoCreateInstance(clsid,
+                     nullptr,
+                     kServerContext,
+                     __uuidof(Interface),
+                     reinterpret_cast<void**>(object.GetAddressOf()));
+    return object;
+}
+
 // One failing step each, and what was called until then, to the unloading.
 struct FailingStep
 {
@@ -194,6 +206,13 @@ TEST_F(WindowsMailProviderTest, HasNoIdentityAndNoRootFolders)
     EXPECT_FALSE(provider.GetContactFolders(folders));
     EXPECT_FALSE(provider.GetCalendarFolders(folders));
     EXPECT_EQ(2u, folders.size());
+}
+
+TEST_F(WindowsMailProviderTest, HasNoTableOverTheAddressBook)
+{
+    CWindowsMailProvider provider(true);
+    EXPECT_EQ(nullptr, provider.GetAddressBook());
+    EXPECT_EQ(nullptr, provider.GetEnumerator(AddressBook));
 }
 
 TEST_F(WindowsMailProviderTest, HasNoEnumeratorOfOtherTypes)
@@ -380,4 +399,98 @@ TEST_F(WindowsMailProviderCalendarTest, ServesAClientOfTheAutomationObjects)
     void* none = this;
     EXPECT_EQ(E_FAIL, create(CLSID_NCalendar, IID_INCalendar, &none));
     EXPECT_EQ(nullptr, none);
+}
+
+TEST_F(WindowsMailProviderTest, AnEmptyCalendarEndsEveryWalkAtOnce)
+{
+    CServiceManager manager;
+    const ScopedServiceManager current(manager);
+    ASSERT_EQ(S_OK, manager.StartService(L"Outlook Express"));
+    const auto calendar = Create<INCalendar>(CLSID_NCalendar);
+    manager.GetEnumerator(Calendar);
+    const auto enumerator = Create<INEnumerator>(CLSID_NEnumerator);
+    ASSERT_TRUE(calendar && enumerator);
+    INAppointment* appointment = reinterpret_cast<INAppointment*>(1);
+    EXPECT_EQ(E_FAIL, calendar->GetNextAppointment(&appointment));
+    EXPECT_EQ(nullptr, appointment);
+    INEntityItem* item = reinterpret_cast<INEntityItem*>(1);
+    EXPECT_EQ(E_FAIL, enumerator->GetNextItem(&item));
+    EXPECT_EQ(nullptr, item);
+}
+
+// After its creation a collection stands before the first item, after a reload at the end.
+TEST_F(WindowsMailProviderCalendarTest, ARefreshEndsTheWalkUntilTheReset)
+{
+    WriteCalendar("first-uid");
+    CServiceManager manager;
+    const ScopedServiceManager current(manager);
+    ASSERT_EQ(S_OK, manager.StartService(L"Windows Mail"));
+    const auto calendar = Create<INCalendar>(CLSID_NCalendar);
+    manager.GetEnumerator(Calendar);
+    const auto enumerator = Create<INEnumerator>(CLSID_NEnumerator);
+    ASSERT_TRUE(calendar && enumerator);
+    VARIANT_BOOL done = VARIANT_FALSE;
+    ComPtr<INAppointment> appointment;
+    EXPECT_EQ(S_OK, calendar->Refresh());
+    EXPECT_EQ(E_FAIL, calendar->GetNextAppointment(appointment.ReleaseAndGetAddressOf()));
+    EXPECT_EQ(S_OK, calendar->Reset(&done));
+    EXPECT_EQ(S_OK, calendar->GetNextAppointment(appointment.ReleaseAndGetAddressOf()));
+    ComPtr<INEntityItem> item;
+    EXPECT_EQ(S_OK, enumerator->Refresh());
+    EXPECT_EQ(E_FAIL, enumerator->GetNextItem(item.ReleaseAndGetAddressOf()));
+    EXPECT_EQ(S_OK, enumerator->ResetItem(&done));
+    EXPECT_EQ(S_OK, enumerator->GetNextItem(item.ReleaseAndGetAddressOf()));
+}
+
+// A client that lets go too late: everything it holds works or fails, and the book stays closed.
+TEST_F(WindowsMailProviderCalendarTest, WhatAClientHoldsOverAStopBringsNothingDown)
+{
+    WriteCalendar("first-uid");
+    CServiceManager manager;
+    const ScopedServiceManager current(manager);
+    const auto service = Create<INPersonalInformationService>(CLSID_NPersonalInformationService);
+    ASSERT_TRUE(service);
+    ASSERT_EQ(S_OK, service->StartService(Bstr(L"Windows Mail").Get()));
+    ComPtr<INCalendar> calendar;
+    ComPtr<INEnumerator> enumerator;
+    ComPtr<INAppointment> held;
+    EXPECT_EQ(S_OK, service->GetCalendar(calendar.GetAddressOf()));
+    EXPECT_EQ(S_OK, service->GetEnumerator(Calendar, enumerator.GetAddressOf()));
+    ASSERT_TRUE(calendar && enumerator);
+    EXPECT_EQ(S_OK, calendar->GetNextAppointment(held.GetAddressOf()));
+    ASSERT_TRUE(held);
+    ComPtr<INEntityItem> entity;
+    ASSERT_EQ(S_OK, held.As(&entity));
+
+    EXPECT_EQ(S_OK, service->StopService());
+    book.Calls().clear();
+
+    const Bstr id(L"first-uid");
+    VARIANT_BOOL done = VARIANT_FALSE;
+    ComPtr<INAppointment> appointment;
+    ComPtr<INEntityItem> item;
+    Bstr newID;
+    EXPECT_EQ(S_OK, held->put_Subject(Bstr(L"Changed").Get()));
+    EXPECT_EQ(S_OK, calendar->UpdateAppointment(held.Get(), &done));
+    EXPECT_EQ(S_OK, calendar->AddAppointment(held.Get(), newID.Put()));
+    EXPECT_EQ(S_OK, calendar->Refresh());
+    EXPECT_EQ(S_OK, calendar->Reset(&done));
+    EXPECT_EQ(S_OK, calendar->GetAppointmentByID(id.Get(), appointment.GetAddressOf()));
+    EXPECT_EQ(S_OK, calendar->DeleteAppointment(newID.Get(), &done));
+    EXPECT_EQ(S_OK, enumerator->Refresh());
+    EXPECT_EQ(S_OK, enumerator->ResetItem(&done));
+    EXPECT_EQ(S_OK, enumerator->GetNextItem(item.GetAddressOf()));
+    EXPECT_EQ(S_OK, enumerator->UpdateItem(item.Get(), &done));
+    EXPECT_EQ(S_OK, enumerator->AddItem(entity.Get(), newID.Put()));
+    EXPECT_EQ(S_OK, enumerator->DeleteItem(newID.Get(), &done));
+    EXPECT_EQ(S_OK, enumerator->ResetItem(&done));
+    item.Reset();
+    EXPECT_EQ(S_OK, enumerator->GetItemByID(id.Get(), item.GetAddressOf()));
+    calendar.Reset();
+    enumerator.Reset();
+    Bstr subject;
+    EXPECT_EQ(S_OK, held->get_Subject(subject.Put()));
+    EXPECT_EQ(L"Changed", subject.View());
+    // Nothing of all that reached the address book, whose library is gone.
+    EXPECT_EQ(Calls{}, book.Calls());
 }
