@@ -41,7 +41,7 @@ double DaysToUtc(const CVStandard& standard)
 }
 
 // Sets timeZone and returns the days to add for UTC.
-double ReadZone(const CCalendarFile& file, const CVEvent& event, AppointmentValues& values)
+double ReadZone(const CCalendarFile& file, const CVEvent& event, AppointmentView& values)
 {
     const CVTimeZone* zone = event.tzid.empty() ? nullptr : file.TimeZones().Find(event.tzid);
     if (!zone)
@@ -139,9 +139,9 @@ void SetTime(SYSTEMTIME& field, const std::optional<DATE>& value, double addDays
 
 } // namespace
 
-AppointmentValues AppointmentFromEvent(const CCalendarFile& file, const CVEvent& event)
+AppointmentView AppointmentFromEvent(const CCalendarFile& file, const CVEvent& event)
 {
-    AppointmentValues values;
+    AppointmentView values;
     values.entityId = event.uid;
     values.utcLastModified = SystemTimeToDate(event.stamp);
     values.subject = event.summary;

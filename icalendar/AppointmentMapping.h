@@ -11,23 +11,29 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 // The properties of one appointment. Reading an event, an absent value means that the property is
 // not put at all; writing one, that the item's property could not be read or was null.
-struct AppointmentValues
+template <typename Text> struct AppointmentProperties
 {
-    std::optional<std::wstring> entityId; // EntityID and PersistID
+    std::optional<Text> entityId; // EntityID and PersistID
     std::optional<DATE> utcLastModified;
-    std::optional<std::wstring> subject;
-    std::optional<std::wstring> place;
-    std::optional<std::wstring> description;
-    std::optional<std::wstring> timeZone;
+    std::optional<Text> subject;
+    std::optional<Text> place;
+    std::optional<Text> description;
+    std::optional<Text> timeZone;
     std::optional<RecurrenceHead> recurrence;
     std::optional<bool> allDay;
     std::optional<DATE> startTime;                // UTC; local for an all-day appointment
     std::optional<DATE> endTime;                  // as startTime
     std::optional<std::uint32_t> reminderMinutes; // before the start
 };
+
+// With texts of its own.
+using AppointmentValues = AppointmentProperties<std::wstring>;
+// With texts that belong to an event and its file, good until those change.
+using AppointmentView = AppointmentProperties<std::wstring_view>;
 
 // The reminder value that says there is none.
 inline constexpr std::uint32_t kNoReminderMinutes = 0xFFFFFFFF;
@@ -46,7 +52,7 @@ struct MachineZone
 // Kept as it is: only an event of exactly one day between 1971 and 2070, by the seconds of
 // DateToUnixSeconds, is all-day; any other date-only event counts as timed. Pinned by
 // AppointmentMappingTest.
-AppointmentValues AppointmentFromEvent(const CCalendarFile& file, const CVEvent& event);
+AppointmentView AppointmentFromEvent(const CCalendarFile& file, const CVEvent& event);
 
 // Writes the values into an event of that file, or one that will be attached to it. Absent values
 // leave their fields. utcNow becomes the event's stamp, whatever utcLastModified says, and the

@@ -40,10 +40,10 @@ void CCalendarFile::LoadFromText(std::string_view bytes)
 std::string CCalendarFile::SaveToText() const
 {
     // The root's own lines are not written.
-    std::wstring text;
+    std::string text;
     for (const CVObject* child = FirstChild(); child; child = child->NextSibling())
-        child->Serialize(text);
-    return Utf8FromWide(text);
+        child->SerializePieces([&text](std::wstring_view piece) { text += Utf8FromWide(piece); });
+    return text;
 }
 
 void CCalendarFile::RebuildIndexes()

@@ -7,10 +7,19 @@ namespace
 
 constexpr unsigned kFirstYearInFull = 101;
 
-// The number in a few characters of the text, as a record's field takes it.
+// The number in a few characters of the text, as a record's field takes it. Digits alone, as nearly
+// always, are read without a call.
 std::uint16_t FieldAt(std::wstring_view text, std::size_t position, std::size_t length)
 {
-    return static_cast<std::uint16_t>(ParseInt(text.substr(position, length)));
+    const std::wstring_view field = text.substr(position, length);
+    unsigned number = 0;
+    for (const wchar_t character : field)
+    {
+        if (character < L'0' || character > L'9')
+            return static_cast<std::uint16_t>(ParseInt(field));
+        number = number * 10 + static_cast<unsigned>(character - L'0');
+    }
+    return static_cast<std::uint16_t>(number);
 }
 
 // Decimal digits with leading zeros up to the width.

@@ -15,20 +15,25 @@ bool SplitLine(std::wstring_view line, std::wstring_view& name, std::wstring_vie
         return false;
     if (line.back() == L'\n')
         line.remove_suffix(1);
-    bool inQuotes = false;
-    for (std::size_t i = 0; i < line.size(); ++i)
+    // Between two quotes no colon counts; a quote without a second one hides all behind it.
+    std::size_t searchFrom = 0;
+    for (;;)
     {
-        const wchar_t character = line[i];
-        if (character == L'"')
-            inQuotes = !inQuotes;
-        if (character == L':' && !inQuotes)
+        const std::size_t colon = line.find(L':', searchFrom);
+        if (colon == std::wstring_view::npos)
+            return false;
+        const std::size_t opening = line.substr(0, colon).find(L'"', searchFrom);
+        if (opening == std::wstring_view::npos)
         {
-            name = line.substr(0, i);
-            value = line.substr(i + 1);
+            name = line.substr(0, colon);
+            value = line.substr(colon + 1);
             return true;
         }
+        const std::size_t closing = line.find(L'"', opening + 1);
+        if (closing == std::wstring_view::npos)
+            return false;
+        searchFrom = closing + 1;
     }
-    return false;
 }
 
 std::wstring FormatLine(std::wstring_view name, std::wstring_view value)

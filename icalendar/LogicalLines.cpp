@@ -2,6 +2,8 @@
 
 #include "service/TextConversions.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string>
 #include <utility>
@@ -39,17 +41,31 @@ class PhysicalLines
     }
 
   private:
+    // Most lines are ASCII and short: eight bytes at a time, then the rest.
     static void Convert(std::string_view line, std::wstring& text)
     {
-        text.resize(line.size());
-        unsigned char all = 0;
-        for (std::size_t i = 0; i < line.size(); ++i)
+        constexpr std::size_t kBlock = 8;
+        const std::size_t size = line.size();
+        text.resize(size);
+        const char* from = line.data();
+        const char* const end = from + size;
+        wchar_t* to = text.data();
+        std::uint64_t all = 0;
+        for (; end - from >= static_cast<std::ptrdiff_t>(kBlock); from += kBlock, to += kBlock)
         {
-            const auto byte = static_cast<unsigned char>(line[i]);
-            all |= byte;
-            text[i] = byte;
+            std::uint64_t block;
+            std::memcpy(&block, from, kBlock);
+            all |= block;
+            for (std::size_t i = 0; i < kBlock; ++i)
+                to[i] = static_cast<unsigned char>(from[i]);
         }
-        if (all >= 0x80)
+        for (; from != end; ++from, ++to)
+        {
+            const auto byte = static_cast<unsigned char>(*from);
+            all |= byte;
+            *to = byte;
+        }
+        if (all & 0x8080808080808080)
             text = WideFromUtf8(line);
     }
 
@@ -84,8 +100,8 @@ void ForEachLogicalLine(std::string_view bytes,
             }
             else
             {
-                if (nextIsPending)
-                    next = pending;
+                // The line held back is not needed again: another one replaces it, or the end
+                // comes.
                 nextIsPending = false;
                 pending.append(line, 1);
                 repeated = false;

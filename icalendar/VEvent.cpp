@@ -294,7 +294,9 @@ int CVEvent::SetProperty(std::wstring_view name, std::wstring_view value)
 
 std::wstring CVEvent::GetProperties() const
 {
+    constexpr std::size_t kUsualLength = 400;
     std::wstring lines;
+    lines.reserve(kUsualLength + description.size());
     const auto addText = [&lines](std::wstring_view name, std::wstring_view value) {
         if (!value.empty())
             AppendLine(lines, name, value);

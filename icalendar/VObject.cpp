@@ -115,12 +115,19 @@ int CVObject::RouteLine(std::wstring_view name, std::wstring_view value)
 
 void CVObject::Serialize(std::wstring& out) const
 {
-    const auto begin = [&out](const CVObject& node) {
+    SerializePieces([&out](std::wstring_view piece) { out += piece; });
+}
+
+void CVObject::SerializePieces(const std::function<void(std::wstring_view piece)>& take) const
+{
+    constexpr std::size_t kPieceLength = 32 * 1024;
+    std::wstring piece;
+    const auto begin = [&piece](const CVObject& node) {
         const std::wstring properties = node.GetProperties();
         if (properties.empty())
             return false;
-        AppendLine(out, L"BEGIN", node.m_name);
-        out += properties;
+        AppendLine(piece, L"BEGIN", node.m_name);
+        piece += properties;
         return true;
     };
 
@@ -130,11 +137,16 @@ void CVObject::Serialize(std::wstring& out) const
     const CVObject* next = FirstChild();
     while (!open.empty())
     {
+        if (piece.size() >= kPieceLength)
+        {
+            take(piece);
+            piece.clear();
+        }
         if (!next)
         {
             const CVObject* done = open.back();
             open.pop_back();
-            AppendLine(out, L"END", done->m_name);
+            AppendLine(piece, L"END", done->m_name);
             next = done->NextSibling();
         }
         else if (begin(*next))
@@ -147,6 +159,7 @@ void CVObject::Serialize(std::wstring& out) const
             next = next->NextSibling();
         }
     }
+    take(piece);
 }
 
 void CVObject::AddChild(std::unique_ptr<CVObject> child) noexcept

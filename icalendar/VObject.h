@@ -9,6 +9,7 @@
 // Thread: one tree is used by one thread at a time.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -44,6 +45,8 @@ class CVObject
     // Appends this node and its subtree. A node without property lines is left out with everything
     // below it.
     void Serialize(std::wstring& out) const;
+    // The same in pieces of whole lines, so that a large tree needs no text of its whole size.
+    void SerializePieces(const std::function<void(std::wstring_view piece)>& take) const;
 
     // Takes the child to the end of the children; null is ignored.
     void AddChild(std::unique_ptr<CVObject> child) noexcept;

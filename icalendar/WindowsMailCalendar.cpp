@@ -74,7 +74,7 @@ std::optional<RecurrenceHead> ReadRecurrence(INAppointment& item)
 
 void PutText(INAppointment& item,
              HRESULT (INAppointment::*put)(BSTR),
-             const std::optional<std::wstring>& text)
+             const std::optional<std::wstring_view>& text)
 {
     if (text)
         (item.*put)(Bstr(*text).Get());
@@ -345,9 +345,9 @@ void CWindowsMailCalendar::FillAppointment(const CCalendarFile& file,
     ComPtr<INAppointment> appointment;
     if (FAILED(item->QueryInterface(IID_INAppointment, &appointment)) || !appointment)
         return;
-    const AppointmentValues values = AppointmentFromEvent(file, event);
+    const AppointmentView values = AppointmentFromEvent(file, event);
     // Each put stands for itself: a failed one leaves that property as the object has it.
-    const Bstr id(values.entityId.value_or(std::wstring()));
+    const Bstr id(values.entityId.value_or(std::wstring_view()));
     item->put_EntityID(id.Get());
     appointment->put_PersistID(id.Get());
     item->put_LastModificationTime(values.utcLastModified.value_or(0.0));

@@ -138,6 +138,11 @@ std::string EncodeUtf8(std::wstring_view text)
     for (std::size_t position = 0; position < text.size(); ++position)
     {
         auto unit = static_cast<std::uint32_t>(text[position]);
+        if (unit < 0x80)
+        {
+            utf8 += static_cast<char>(unit);
+            continue;
+        }
         if (IsHighSurrogate(unit) && position + 1 < text.size() &&
             IsLowSurrogate(static_cast<std::uint32_t>(text[position + 1])))
         {

@@ -40,6 +40,25 @@ std::string FileText(const std::string& offset, const std::string& eventLines)
            "END:VEVENT\nEND:VCALENDAR\n";
 }
 
+// The same with texts that outlive the file.
+AppointmentValues Owned(const AppointmentView& view)
+{
+    const auto text = [](const std::optional<std::wstring_view>& value) {
+        return value ? std::optional(std::wstring(*value)) : std::nullopt;
+    };
+    return {text(view.entityId),
+            view.utcLastModified,
+            text(view.subject),
+            text(view.place),
+            text(view.description),
+            text(view.timeZone),
+            view.recurrence,
+            view.allDay,
+            view.startTime,
+            view.endTime,
+            view.reminderMinutes};
+}
+
 AppointmentValues ValuesOf(const std::string& fileText)
 {
     CCalendarFile file(L"", 0);
@@ -47,7 +66,8 @@ AppointmentValues ValuesOf(const std::string& fileText)
     std::vector<CVEvent*> events;
     file.Events().Snapshot(events);
     EXPECT_EQ(events.size(), 1u);
-    return events.empty() ? AppointmentValues{} : AppointmentFromEvent(file, *events.front());
+    return events.empty() ? AppointmentValues{}
+                          : Owned(AppointmentFromEvent(file, *events.front()));
 }
 
 std::wstring Text(const SYSTEMTIME& time)
@@ -505,7 +525,7 @@ TEST(AppointmentMappingTest, WritesUtcAsLocalDigitsAndReadsItBack)
     EXPECT_EQ(Text(written.event->start), L"2006-5-8 12:0:0");
     EXPECT_EQ(Text(written.event->end), L"2006-5-8 13:0:0");
 
-    const AppointmentValues back = AppointmentFromEvent(written.file, *written.event);
+    const AppointmentView back = AppointmentFromEvent(written.file, *written.event);
     EXPECT_EQ(back.timeZone, L"Machine Time");
     EXPECT_NEAR(*back.startTime, kDay20060508 + 10.0 / 24.0, 1e-9);
     EXPECT_NEAR(*back.endTime, kDay20060508 + 11.0 / 24.0, 1e-9);

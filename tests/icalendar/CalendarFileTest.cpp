@@ -138,7 +138,7 @@ TEST(CalendarFileTest, RealCalendarsKeepInASecondSaveWhatTheFirstKept)
         eventCount += events.size();
         for (const CVEvent* event : events)
         {
-            const AppointmentValues values = AppointmentFromEvent(file, *event);
+            const AppointmentView values = AppointmentFromEvent(file, *event);
             EXPECT_EQ(values.entityId, event->uid);
         }
         EXPECT_TRUE(SurvivesASave(file)) << path;
