@@ -62,7 +62,7 @@ inline bool FitsItsQuotes(const std::wstring& tzid)
 }
 
 // Whether a save of the tree can be read back as it stands. Dates that are no dates may not, nor a
-// TZID with quotes inside.
+// TZID with quotes inside, nor an interval of 0, which is not written and comes back as 1.
 inline bool SurvivesASave(const CVObject& root)
 {
     std::vector<const CVObject*> nodes{&root};
@@ -72,7 +72,7 @@ inline bool SurvivesASave(const CVObject& root)
         nodes.pop_back();
         if (const auto* event = dynamic_cast<const CVEvent*>(node))
         {
-            if (!FitsItsQuotes(event->tzid))
+            if (!FitsItsQuotes(event->tzid) || (event->frequency != 0 && event->interval == 0))
                 return false;
             for (const SYSTEMTIME& time : {event->stamp, event->start, event->end, event->until})
             {

@@ -506,6 +506,28 @@ TEST(VEventTest, AWeeklyRuleWithoutWeekdaysKeepsFrequencyAndIntervalOnly)
     EXPECT_EQ(RuleRewritten(L"FREQ=WEEKLY;BYDAY=mo"), L"RRULE:FREQ=WEEKLY;INTERVAL=1\r\n");
 }
 
+TEST(VEventTest, AnIntervalOfZeroIsNotWrittenAndComesBackAsOne)
+{
+    EXPECT_EQ(RuleRewritten(L"FREQ=DAILY;INTERVAL=0"), L"RRULE:FREQ=DAILY\r\n");
+    EXPECT_EQ(RuleRewritten(L"FREQ=DAILY;INTERVAL=x"), L"RRULE:FREQ=DAILY\r\n");
+    EXPECT_EQ(RuleRewritten(L"FREQ=DAILY"), L"RRULE:FREQ=DAILY;INTERVAL=1\r\n");
+}
+
+TEST(VEventTest, AQuoteInsideATzidHidesTheDateFromTheNextLoad)
+{
+    CVEvent event;
+    Read(event, {{L"DTSTART;TZID=\"a\"b", L"20060508T101500"}});
+    EXPECT_EQ(event.tzid, L"a\"b");
+    const std::wstring line = L"DTSTART;TZID=\"a\"b\":20060508T101500\r\n";
+    EXPECT_NE(event.GetProperties().find(line), std::wstring::npos);
+    // Three quotes: the colon counts as quoted, so the line is refused.
+    CVObject root;
+    root.AddLine(L"BEGIN:VEVENT");
+    root.AddLine(line.substr(0, line.size() - 2));
+    root.AddLine(L"END:VEVENT");
+    EXPECT_EQ(dynamic_cast<CVEvent&>(*root.FirstChild()).start.wYear, 0);
+}
+
 TEST(VEventTest, WritesAnUntilOfADateAloneWithAZeroClock)
 {
     EXPECT_EQ(RuleRewritten(L"FREQ=DAILY;UNTIL=20061231"),
