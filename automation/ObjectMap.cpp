@@ -4,7 +4,9 @@
 #include "automation/Appointment.h"
 #include "automation/Calendar.h"
 #include "automation/Enumerator.h"
+#include "automation/ObjectFactory.h"
 #include "automation/PersonalInformationService.h"
+#include "automation/UserProperties.h"
 
 namespace
 {
@@ -33,9 +35,9 @@ constexpr ObjectMapEntry kObjectMap[] = {
     Row(CLSID_NContactGroup,               106, &CreateNothing),
     Row(CLSID_NContactItem,                105, &CreateNothing),
     Row(CLSID_NEnumerator,                 110, &CNEnumerator::CreateInstance),
-    Row(CLSID_NObjectFactory64,            112, &CreateNothing),
+    Row(CLSID_NObjectFactory64,            112, &CNObjectFactory::CreateInstance),
     Row(CLSID_NPersonalInformationService, 102, &CNPersonalInformationService::CreateInstance),
-    Row(CLSID_NUserProperties,             108, &CreateNothing),
+    Row(CLSID_NUserProperties,             108, &CNUserProperties::CreateInstance),
 };
 // clang-format on
 } // namespace

@@ -5,7 +5,7 @@
 #include "service/CalendarHandle.h"
 #include "service/Enumerator.h"
 #include "service/OutlookFolderInfo.h"
-#include "service/UserProperties.h"
+#include "service/UserIdentity.h"
 
 #include <memory>
 #include <vector>
@@ -16,7 +16,7 @@ class IProvider
     virtual ~IProvider() = default;
 
     // The identity of the logged-on user; null if the back end has none.
-    virtual std::unique_ptr<CUserProperties> GetUserProperties() = 0;
+    virtual std::unique_ptr<UserIdentity> GetUserProperties() = 0;
 
     // Loaded tables in a handle of the caller's own; null where the back end has none.
     virtual std::unique_ptr<CAddressBookHandle> GetAddressBook() = 0;

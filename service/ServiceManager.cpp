@@ -126,7 +126,7 @@ void CServiceManager::GetProviders(std::vector<std::wstring>& names)
     DiscoverProviders(names);
 }
 
-std::unique_ptr<CUserProperties> CServiceManager::GetUserProperties()
+std::unique_ptr<UserIdentity> CServiceManager::GetUserProperties()
 {
     IProvider* const provider = Running();
     return provider ? provider->GetUserProperties() : nullptr;

@@ -42,7 +42,7 @@ class CServiceManager
     void GetProviders(std::vector<std::wstring>& names);
 
     // Null or false while no provider runs.
-    std::unique_ptr<CUserProperties> GetUserProperties();
+    std::unique_ptr<UserIdentity> GetUserProperties();
     std::unique_ptr<CAddressBookHandle> GetAddressBook();
     std::unique_ptr<CCalendarHandle> GetCalendar();
     bool GetContactFolders(std::vector<OutlookFolderInfo>& folders);

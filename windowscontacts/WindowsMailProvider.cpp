@@ -83,7 +83,7 @@ bool CWindowsMailProvider::SetCalendarPath()
     return true;
 }
 
-std::unique_ptr<CUserProperties> CWindowsMailProvider::GetUserProperties()
+std::unique_ptr<UserIdentity> CWindowsMailProvider::GetUserProperties()
 {
     return nullptr;
 }

@@ -19,7 +19,7 @@ class CWindowsMailProvider : public IProvider
     explicit CWindowsMailProvider(bool addressBookOnly);
 
     // Null: this back end knows no identity.
-    std::unique_ptr<CUserProperties> GetUserProperties() override;
+    std::unique_ptr<UserIdentity> GetUserProperties() override;
     // Null: this build has no table over the address book.
     std::unique_ptr<CAddressBookHandle> GetAddressBook() override;
     // A loaded calendar, empty under "Outlook Express".

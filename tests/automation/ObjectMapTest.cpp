@@ -60,11 +60,8 @@ TEST(ObjectMapTest, TheFactoryOfTheOtherProcessorWidthIsNotServed)
 // no objects.
 TEST(ObjectMapTest, ClassesWithoutObjectsAreNotAvailable)
 {
-    const CLSID* const classes[] = {&CLSID_NContactCategory,
-                                    &CLSID_NContactGroup,
-                                    &CLSID_NContactItem,
-                                    &CLSID_NObjectFactory64,
-                                    &CLSID_NUserProperties};
+    const CLSID* const classes[] = {
+        &CLSID_NContactCategory, &CLSID_NContactGroup, &CLSID_NContactItem};
     for (const CLSID* clsid : classes)
     {
         void* result = &result;

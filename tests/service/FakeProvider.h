@@ -7,6 +7,17 @@
 #include <functional>
 #include <string>
 
+// Writes down its end.
+class FakeIdentity final : public UserIdentity
+{
+  public:
+    explicit FakeIdentity(CallLog& log) : m_log(log) {}
+    ~FakeIdentity() override { m_log.push_back(L"identity delete"); }
+
+  private:
+    CallLog& m_log;
+};
+
 class FakeProvider : public IProvider
 {
   public:
@@ -27,13 +38,20 @@ class FakeProvider : public IProvider
     // Prepares each table before it is handed out; told its name: "contacts", "groups",
     // "calendar", or the number of the enumerator's type.
     std::function<void(RecordingEnumerator&, const std::wstring&)> prepare;
+    // Fills the identity before it is handed out.
+    std::function<void(UserIdentity&)> prepareIdentity;
     // Runs at the end of the destructor.
     std::function<void()> duringDelete;
 
-    std::unique_ptr<CUserProperties> GetUserProperties() override
+    std::unique_ptr<UserIdentity> GetUserProperties() override
     {
         Record(L"GetUserProperties");
-        return hasUserProperties ? std::make_unique<CUserProperties>() : nullptr;
+        if (!hasUserProperties)
+            return nullptr;
+        auto identity = std::make_unique<FakeIdentity>(m_log);
+        if (prepareIdentity)
+            prepareIdentity(*identity);
+        return identity;
     }
     std::unique_ptr<CAddressBookHandle> GetAddressBook() override
     {
