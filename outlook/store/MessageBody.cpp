@@ -1,0 +1,151 @@
+#include "outlook/store/MessageBody.h"
+
+#include "outlook/store/MapiMemory.h"
+#include "outlook/store/TagArray.h"
+#include "service/Log.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string_view>
+
+using Microsoft::WRL::ComPtr;
+
+namespace
+{
+constexpr ULONG kBody = 0x1000001F;          // PR_BODY_W
+constexpr ULONG kRtfCompressed = 0x10090102; // PR_RTF_COMPRESSED
+constexpr ULONG kPieceBytes = 0x400;
+
+// The text that goes out for a body: a lone line break counts as none.
+std::wstring TextOfBody(const wchar_t* body)
+{
+    return lstrcmpiW(body, L"\r\n") == 0 ? std::wstring() : std::wstring(body);
+}
+
+// PR_BODY_W; nothing where the message has none.
+std::optional<std::wstring> ReadPlainBody(IMAPIProp* message, CNProxcy& proxy)
+{
+    TagArray wanted({&kBody, 1});
+    ULONG count = 0;
+    SPropValue* delivered = nullptr;
+    const HRESULT result = message->GetProps(wanted.Get(), MAPI_UNICODE, &count, &delivered);
+    const MapiBuffer<SPropValue> value =
+        AdoptMapiBuffer(SUCCEEDED(result) ? delivered : nullptr, proxy);
+    // A warning counts as a failure here.
+    if (result != S_OK || count == 0 || !value)
+        return std::nullopt;
+    if (PROP_TYPE(value->ulPropTag) != PT_UNICODE || !value->Value.lpszW)
+        return std::nullopt;
+    return TextOfBody(value->Value.lpszW);
+}
+
+// Takes an object over from a call that gave it with a reference.
+template <typename T> ComPtr<T> Adopt(T* object)
+{
+    ComPtr<T> owner;
+    *owner.GetAddressOf() = object;
+    return owner;
+}
+
+// The streams of the message's RTF; the plain one is null where a step fails.
+struct RtfStreams
+{
+    ComPtr<IStream> compressed;
+    ComPtr<IStream> plain;
+};
+
+// What a failed call left in its output is nobody's.
+RtfStreams OpenRtf(IMAPIProp* message, CNProxcy& proxy)
+{
+    RtfStreams streams;
+    IUnknown* opened = nullptr;
+    if (FAILED(message->OpenProperty(kRtfCompressed, &IID_IStream, 0, 0, &opened)) || !opened)
+        return streams;
+    // It is the interface that was asked for.
+    streams.compressed = Adopt(static_cast<IStream*>(opened));
+    IStream* plain = nullptr;
+    if (SUCCEEDED(proxy.WrapCompressedRTFStream(streams.compressed.Get(), 0, &plain)))
+        streams.plain = Adopt(plain);
+    return streams;
+}
+
+// The bytes of one read, capped by what was asked for; 0 where it failed.
+ULONG Read(IStream* stream, char* buffer, ULONG size)
+{
+    ULONG read = 0;
+    return FAILED(stream->Read(buffer, size, &read)) ? 0 : std::min(read, size);
+}
+
+// The stream tells no size, so that a first pass counts.
+ULONG CountBytes(IStream* stream)
+{
+    std::array<char, kPieceBytes> piece;
+    ULONG total = 0;
+    while (total <= kLongestRtfBytes)
+    {
+        const ULONG read = Read(stream, piece.data(), kPieceBytes);
+        if (read == 0)
+            break;
+        total += read;
+    }
+    return total;
+}
+
+// The bytes up to their first zero, as text of the system's ANSI code page.
+std::wstring WideText(const char* bytes)
+{
+    const std::string_view text(bytes);
+    if (text.empty())
+        return {};
+    const int length = static_cast<int>(text.size());
+    const int size = MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(std::max(size, 0)), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), size);
+    return wide;
+}
+
+std::wstring ReadRtf(IMAPIProp* message, CNProxcy& proxy)
+{
+    const RtfStreams streams = OpenRtf(message, proxy);
+    IStream* const stream = streams.plain.Get();
+    if (!stream)
+        return {};
+    const ULONG size = CountBytes(stream);
+    if (size == 0)
+        return {};
+    std::string bytes(size, '\0');
+    if (FAILED(stream->Seek({}, STREAM_SEEK_SET, nullptr)))
+        return {};
+    bytes.resize(Read(stream, bytes.data(), size));
+    return WideText(bytes.c_str());
+}
+} // namespace
+
+std::wstring ReadMessageBody(IMAPIProp* message,
+                             bool isPresent,
+                             CNProxcy& proxy,
+                             std::unique_ptr<CRichEditHelper>& converter)
+{
+    if (isPresent)
+        if (std::optional<std::wstring> body = ReadPlainBody(message, proxy))
+            return *std::move(body);
+    LogPrintf(L"Get note Failed, Get from PR_RTF_COMPRESSED agian");
+    return ReadRtfBody(message, proxy, converter);
+}
+
+std::wstring ReadRtfBody(IMAPIProp* message,
+                         CNProxcy& proxy,
+                         std::unique_ptr<CRichEditHelper>& converter)
+{
+    if (!converter)
+    {
+        converter = std::make_unique<CRichEditHelper>();
+        converter->Init();
+    }
+    const std::wstring rtf = ReadRtf(message, proxy);
+    std::wstring text;
+    if (!rtf.empty() && !converter->Convert(rtf, text))
+        text.clear();
+    return text;
+}
