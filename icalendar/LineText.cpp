@@ -15,14 +15,13 @@ bool SplitLine(std::wstring_view line, std::wstring_view& name, std::wstring_vie
         return false;
     if (line.back() == L'\n')
         line.remove_suffix(1);
-    // Between two quotes no colon counts; a quote without a second one hides all behind it.
-    std::size_t searchFrom = 0;
-    for (;;)
+    // Between two quotes no colon counts; a quote without a second one hides all behind it. Each
+    // search goes on where the one before it ended, so that many quotes cost no more than few.
+    std::size_t colon = line.find(L':');
+    std::size_t unquoted = 0;
+    while (colon != std::wstring_view::npos)
     {
-        const std::size_t colon = line.find(L':', searchFrom);
-        if (colon == std::wstring_view::npos)
-            return false;
-        const std::size_t opening = line.substr(0, colon).find(L'"', searchFrom);
+        const std::size_t opening = line.substr(0, colon).find(L'"', unquoted);
         if (opening == std::wstring_view::npos)
         {
             name = line.substr(0, colon);
@@ -32,8 +31,11 @@ bool SplitLine(std::wstring_view line, std::wstring_view& name, std::wstring_vie
         const std::size_t closing = line.find(L'"', opening + 1);
         if (closing == std::wstring_view::npos)
             return false;
-        searchFrom = closing + 1;
+        unquoted = closing + 1;
+        if (colon < unquoted)
+            colon = line.find(L':', unquoted);
     }
+    return false;
 }
 
 std::wstring FormatLine(std::wstring_view name, std::wstring_view value)

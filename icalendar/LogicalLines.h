@@ -5,7 +5,7 @@
 // mark.
 //
 // Kept as it is, consequences included:
-// - The first line delivered is an empty one.
+// - The first line delivered is an empty one, unless the file begins with a continuation.
 // - A last line without a line feed is not delivered, unless it continues another.
 // - An empty line has its predecessor delivered a second time, unless that was a continuation: then
 //   it is skipped.

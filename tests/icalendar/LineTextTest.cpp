@@ -36,6 +36,22 @@ TEST(LineTextTest, DividesAtTheFirstColonOutsideQuotes)
     EXPECT_EQ(quoted.value, L"20060508T100000");
 }
 
+TEST(LineTextTest, ManyQuotesCostNoMoreThanTheirLength)
+{
+    const std::wstring name(2'000'000, L'"');
+    const Split split = SplitOf(name + L":v");
+    EXPECT_TRUE(split.divided);
+    EXPECT_EQ(split.name, name);
+    EXPECT_EQ(split.value, L"v");
+
+    // Pairs around colons: none of those counts.
+    std::wstring pairs;
+    for (int i = 0; i < 500'000; ++i)
+        pairs += L"\":\"";
+    EXPECT_EQ(SplitOf(pairs + L":v").name, pairs);
+    EXPECT_FALSE(SplitOf(pairs + L"\":v").divided);
+}
+
 TEST(LineTextTest, NeitherTrimsNorUnescapes)
 {
     const Split split = SplitOf(L" UID : a\\, b\\n\\; ");
