@@ -13,7 +13,8 @@
 
 #else
 
-enum _tagNAppointmentRecurringType
+// Clients may write any number where an enumeration stands, so these hold all of them.
+enum _tagNAppointmentRecurringType : std::int32_t
 {
     None = 0,
     Daily = 1,
@@ -22,7 +23,7 @@ enum _tagNAppointmentRecurringType
     Yearly = 4
 };
 
-enum _tagNAppointmentEndType
+enum _tagNAppointmentEndType : std::int32_t
 {
     NoEnd = 0,
     EndByCount = 1,
