@@ -220,6 +220,16 @@ TEST(AppointmentMappingTest, ADateOnlyEventOfAnotherLengthIsTimedAndShifted)
     EXPECT_EQ(ValuesOf(FileText("+0600", DateLines("20060508", "20060508"))).allDay, false);
 }
 
+TEST(AppointmentMappingTest, ADateOnlyEventOfTwoDaysWithoutATzidIsTimedAndUnshifted)
+{
+    const AppointmentValues values =
+        ValuesOf(FileText("+0600", "DTSTART;VALUE=DATE:20060508\nDTEND;VALUE=DATE:20060510\n"));
+    EXPECT_EQ(values.allDay, false);
+    EXPECT_EQ(values.timeZone, L"UTC");
+    EXPECT_EQ(values.startTime, kDay20060508);
+    EXPECT_EQ(values.endTime, kDay20060508 + 2.0);
+}
+
 TEST(AppointmentMappingTest, AOneDayEventOutside1971To2070IsTimed)
 {
     EXPECT_EQ(ValuesOf(FileText("+0600", DateLines("19710101", "19710102"))).allDay, true);
@@ -343,6 +353,24 @@ TEST(AppointmentMappingTest, WritesIdTextsAndStamp)
     EXPECT_EQ(written.file.Events().Find(L"{u}"), written.event);
 }
 
+TEST(AppointmentMappingTest, AnEventIsFoundByTheIdThatItWasGiven)
+{
+    Written written;
+    auto made = std::make_unique<CVEvent>();
+    made->uid = L"b";
+    const CVEvent* other = made.get();
+    written.file.Events().Attach(std::move(made));
+    AppointmentValues values;
+    values.entityId = L"a";
+    written.Write(values);
+    ASSERT_EQ(written.file.Events().Find(L"a"), written.event);
+    values.entityId = L"c";
+    written.Write(values);
+    EXPECT_EQ(written.file.Events().Find(L"c"), written.event);
+    EXPECT_EQ(written.file.Events().Find(L"b"), other);
+    EXPECT_FALSE(written.file.Events().Find(L"a"));
+}
+
 TEST(AppointmentMappingTest, AbsentValuesLeaveTheirFields)
 {
     Written written;
@@ -367,6 +395,21 @@ TEST(AppointmentMappingTest, AbsentValuesLeaveTheirFields)
     // Stamp and zone are set in any case.
     EXPECT_EQ(Text(written.event->stamp), L"2006-5-8 18:1:2");
     EXPECT_EQ(written.event->tzid, L"Machine Time");
+}
+
+TEST(AppointmentMappingTest, AnEmptyTextClearsItsField)
+{
+    Written written;
+    AppointmentValues values;
+    values.entityId = L"u";
+    values.subject = values.place = values.description = L"old";
+    written.Write(values);
+    values.entityId = values.subject = values.place = values.description = L"";
+    written.Write(values);
+    EXPECT_EQ(written.event->uid, L"");
+    EXPECT_EQ(written.event->summary, L"");
+    EXPECT_EQ(written.event->location, L"");
+    EXPECT_EQ(written.event->description, L"");
 }
 
 TEST(AppointmentMappingTest, TextsEndAtTheirFirstNul)

@@ -223,6 +223,47 @@ TEST(CalendarFileTest, WithoutALastLineBreakTheCalendarIsNeverClosed)
     EXPECT_EQ(file.SaveToText(), "");
 }
 
+TEST(CalendarFileTest, AFileThatWasNeverClosedIsSavedEmpty)
+{
+    const TemporaryFolder folder;
+    const fs::path path = folder.Path() / "cut.ics";
+    ASSERT_TRUE(SaveWholeFile(path.wstring(), "BEGIN:VCALENDAR\r\nEND:VCALENDAR"));
+    CCalendarFile file(path.wstring(), 0);
+    EXPECT_EQ(file.Load(), 1);
+    EXPECT_EQ(file.Save(), 1);
+    EXPECT_EQ(BytesOf(path), "");
+}
+
+TEST(CalendarFileTest, AnEmptyLineBehindAnEndClosesOneMore)
+{
+    CCalendarFile file(L"", 0);
+    file.LoadFromText("BEGIN:VCALENDAR\nBEGIN:VEVENT\nUID:1\nEND:VEVENT\n\n"
+                      "BEGIN:VEVENT\nUID:2\nEND:VEVENT\nEND:VCALENDAR\n");
+    // The second delivery of the first END closed the calendar.
+    EXPECT_EQ(IdsOf(file.Events()), (std::vector<std::wstring>{L"1", L"2"}));
+    ASSERT_TRUE(file.FirstChild());
+    EXPECT_EQ(file.FirstChild()->GetName(), L"VCALENDAR");
+    ASSERT_TRUE(file.FirstChild()->NextSibling());
+    EXPECT_EQ(file.FirstChild()->NextSibling()->GetName(), L"VEVENT");
+    EXPECT_FALSE(file.FirstChild()->NextSibling()->NextSibling());
+}
+
+TEST(CalendarFileTest, EachEmptyLineBehindABeginOpensOneMore)
+{
+    CCalendarFile file(L"", 0);
+    file.LoadFromText("BEGIN:VEVENT\n\n\nUID:1\nEND:\nEND:\nEND:\n");
+    const CVObject* node = file.FirstChild();
+    for (int depth = 0; depth < 3; ++depth)
+    {
+        ASSERT_TRUE(node) << depth;
+        EXPECT_EQ(static_cast<const CVEvent*>(node)->uid, depth == 2 ? L"1" : L"");
+        EXPECT_FALSE(node->NextSibling());
+        node = node->FirstChild();
+    }
+    EXPECT_FALSE(node);
+    EXPECT_EQ(file.Events().Size(), 1u);
+}
+
 TEST(CalendarFileTest, EventsBehindAByteOrderMarkAreListed)
 {
     CCalendarFile file(L"", 0);

@@ -195,6 +195,18 @@ TEST(ComponentIndexTest, FindsAndRemovesTheFirstOfEqualIds)
     EXPECT_TRUE(events.Find(L"B"));
 }
 
+TEST(ComponentIndexTest, FindsTheFirstOfManyEqualIds)
+{
+    // More than a sort keeps in order by chance.
+    CVObject root;
+    for (int i = 0; i < 200; ++i)
+        root.AddChild(Event(i % 3 ? L"a" : L"b"));
+    CVComponentIndex<CVEvent> events;
+    events.Rebuild(L"VEVENT", &root);
+    EXPECT_EQ(events.Find(L"b"), root.FirstChild());
+    EXPECT_EQ(events.Find(L"a"), root.FirstChild()->NextSibling());
+}
+
 TEST(ComponentIndexTest, FindsAnEmptyId)
 {
     CVObject root;

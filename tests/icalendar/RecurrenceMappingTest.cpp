@@ -326,6 +326,59 @@ TEST(RecurrenceMappingTest, EndOfTheSeriesToRule)
     EXPECT_EQ(byDate.until.wYear, 2006);
 }
 
+TEST(RecurrenceMappingTest, ARecordTakesNothingBackThatTheRuleHad)
+{
+    constexpr const wchar_t* kRule =
+        L"FREQ=MONTHLY;INTERVAL=2;BYDAY=2MO;BYMONTHDAY=15;BYMONTH=5;COUNT=7;UNTIL=20061231";
+    RecurrenceHead head = Zero();
+    head.eRecurType = Monthly;
+    head.tMonthly.bIsByMonthDayMode = -1;
+    head.tMonthly.lMonthDay = 20;
+    EventWithRule byMonthDay(kRule);
+    RecurrenceToEvent(head, byMonthDay);
+    EXPECT_EQ(byMonthDay.monthDay, 20);
+    EXPECT_EQ(byMonthDay.nth, 2);
+    EXPECT_EQ(WeekdayFlags(byMonthDay), L"0100000");
+    EXPECT_TRUE(byMonthDay.hasWeekdays);
+    EXPECT_EQ(byMonthDay.count, 7);
+    EXPECT_EQ(byMonthDay.until.wYear, 2006);
+
+    // A new end stands beside the old one.
+    head = Zero();
+    head.eRecurType = Daily;
+    head.tEndInfo.eEndType = EndByCount;
+    head.tEndInfo.ulTimesAfter = 3;
+    EventWithRule daily(kRule);
+    RecurrenceToEvent(head, daily);
+    EXPECT_EQ(daily.frequency, 1);
+    EXPECT_EQ(daily.month, 5);
+    EXPECT_EQ(daily.monthDay, 15);
+    EXPECT_TRUE(daily.hasWeekdays);
+    EXPECT_EQ(daily.count, 3);
+    EXPECT_EQ(daily.until.wYear, 2006);
+}
+
+TEST(RecurrenceMappingTest, AKindThatIsNoneGoesBothWaysWithItsEnd)
+{
+    RecurrenceHead head = Zero();
+    const std::int32_t kind = 9; // as a client writes it
+    static_assert(sizeof(kind) == sizeof(head.eRecurType));
+    std::memcpy(&head.eRecurType, &kind, sizeof(kind));
+    head.tDaily.ulIntervalDay = 4;
+    head.tEndInfo.eEndType = EndByCount;
+    head.tEndInfo.ulTimesAfter = 3;
+    CVEvent event;
+    RecurrenceToEvent(head, event);
+    EXPECT_EQ(event.frequency, 9);
+    EXPECT_EQ(event.interval, 1);
+    EXPECT_EQ(event.count, 3);
+
+    RecurrenceHead expected = Zero();
+    expected.eRecurType = head.eRecurType;
+    expected.tEndInfo = head.tEndInfo;
+    EXPECT_TRUE(Same(RecurrenceFromEvent(event), expected));
+}
+
 TEST(RecurrenceMappingTest, TheHeadGoesIntoARecordAndComesBackWithoutTouchingTheArrays)
 {
     const auto record = std::make_unique<_tagRecurringInfo>();

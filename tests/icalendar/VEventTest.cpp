@@ -209,6 +209,22 @@ TEST(VEventTest, OnlyTheFirstOfTzidAndDateTakesEffect)
     EXPECT_TRUE(dated.allDay);
 }
 
+TEST(VEventTest, ALaterStartWithoutParametersTakesNeitherTzidNorDateFlagBack)
+{
+    CVEvent zoned;
+    Read(zoned, {{L"DTSTART;TZID=Zone", L"20060508T101500"}, {L"DTSTART", L"20060509T101500"}});
+    EXPECT_EQ(zoned.tzid, L"Zone");
+    EXPECT_EQ(Text(zoned.start), L"2006-5-9 10:15:0");
+
+    CVEvent dated;
+    Read(dated,
+         {{L"DTSTART;VALUE=DATE", L"20060508"},
+          {L"DTSTART;VALUE=DATE-TIME", L"20060508T101500"},
+          {L"DTSTART;TZID=Zone", L"20060509T101500"}});
+    EXPECT_TRUE(dated.allDay);
+    EXPECT_EQ(dated.tzid, L"Zone");
+}
+
 TEST(VEventTest, ADateAloneLeavesTheClock)
 {
     CVEvent event;
@@ -303,6 +319,20 @@ TEST(VEventTest, ADurationInFebruaryOfALeapYearIsOneDayLate)
     EXPECT_EQ(Text(event.end), L"2008-2-11 11:0:0");
 }
 
+TEST(VEventTest, ADurationFromMarchOfALeapYearOnIsOneSecondLate)
+{
+    const auto endOf = [](const wchar_t* start, const wchar_t* duration) {
+        CVEvent event;
+        Read(event, {{L"DTSTART", start}, {L"DURATION", duration}});
+        return Text(event.end);
+    };
+    EXPECT_EQ(endOf(L"20240115T100000", L"PT30M"), L"2024-1-16 10:30:0");
+    EXPECT_EQ(endOf(L"20240229T100000", L"PT30M"), L"2024-3-1 10:30:0");
+    EXPECT_EQ(endOf(L"20240301T100000", L"PT30M"), L"2024-3-1 10:30:1");
+    EXPECT_EQ(endOf(L"20241231T100000", L"PT30M"), L"2024-12-31 10:30:1");
+    EXPECT_EQ(endOf(L"20250115T100000", L"PT30M"), L"2025-1-15 10:30:0");
+}
+
 // --- RRULE, reading ----------------------------------------------------------------------------
 
 TEST(VEventTest, ReadsTheFrequency)
@@ -353,6 +383,17 @@ TEST(VEventTest, DropsUnknownPartsOfARule)
          {{L"RRULE", L";;BYSETPOS=1;BYYEARDAY=2;BYWEEKNO=3;WKST=MO;byday=mo;NONSENSE;=;A=B=C;"}});
     EXPECT_FALSE(event.hasWeekdays);
     EXPECT_EQ(RuleLineOf(event), L"");
+}
+
+TEST(VEventTest, ARepeatedRuleKeepsWhatItDoesNotName)
+{
+    CVEvent event;
+    Read(event,
+         {{L"RRULE", L"FREQ=MONTHLY;INTERVAL=2;BYDAY=2MO;BYMONTHDAY=15;COUNT=7;UNTIL=20061231"},
+          {L"RRULE", L"FREQ=YEARLY;BYDAY=TU;BYMONTH=5"}});
+    EXPECT_EQ(RuleLineOf(event),
+              L"RRULE:FREQ=YEARLY;BYMONTHDAY=15;BYMONTH=5;BYDAY=2MO,TU;INTERVAL=2;UNTIL=200\r\n"
+              L" 61231T000000Z;COUNT=7\r\n");
 }
 
 struct WeekdayRow

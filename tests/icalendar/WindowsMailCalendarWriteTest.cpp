@@ -3,6 +3,7 @@
 #include "icalendar/CalendarFolder.h"
 #include "icalendar/RecordingAppointment.h"
 #include "platform/FileIo.h"
+#include "support/DebugOutputCapture.h"
 
 #include <gmock/gmock.h>
 
@@ -145,6 +146,21 @@ TEST_F(WindowsMailCalendarWriteTest, GivesNewItemsARealGuidInBraces)
     ASSERT_EQ(38u, id.size());
     EXPECT_EQ(L'{', id.front());
     EXPECT_EQ(L'}', id.back());
+}
+
+TEST_F(WindowsMailCalendarWriteTest, ReplacesTheIdThatAClientGaveToANewItem)
+{
+    const auto calendar = LoadedCalendar();
+    const Item item = AnyItem();
+    item->put_EntityID(Bstr(L"own").Get());
+    EXPECT_EQ(L"{GUID-1}", Add(*calendar, item.Get()));
+    EXPECT_EQ(L"{GUID-1}", IdOf(item.Get()));
+    EXPECT_THAT(Read(L"default.ics"), HasSubstr("UID:{GUID-1}\r\n"));
+    // Also where the save fails.
+    const ScopedSaveHook noFile([](SaveStep) { return false; });
+    item->put_EntityID(Bstr(L"own").Get());
+    EXPECT_EQ(L"", Add(*calendar, item.Get()));
+    EXPECT_EQ(L"{GUID-3}", IdOf(item.Get())); // the second went into an alarm
 }
 
 TEST_F(WindowsMailCalendarWriteTest, AddsNothingWithoutAGuid)
@@ -736,6 +752,27 @@ TEST_F(WindowsMailCalendarDeathTest, LeavesTheOldFileWholeWhereAnUpdateIsKilled)
         EXPECT_EQ(1, UpdateSubject(*calendar));
         EXPECT_THAT(Read(L"a.ics"), HasSubstr("SUMMARY:new"));
     }
+}
+
+TEST_F(WindowsMailCalendarWriteTest, WritesNothingToTheLog)
+{
+    const ScopedLogSettings settings;
+    DebugOutputCapture capture;
+    Write(L"a.ics", FileWith("UID:a\r\n"));
+    WriteSettings("damaged</");
+    const auto calendar = LoadedCalendar();
+    EXPECT_EQ(1, UpdateSubject(*calendar));
+    EXPECT_NE(L"", Add(*calendar, AnyItem().Get()));
+    {
+        const ScopedSaveHook noFile([](SaveStep) { return false; });
+        EXPECT_EQ(0, UpdateSubject(*calendar));
+        EXPECT_EQ(L"", Add(*calendar, AnyItem().Get()));
+        EXPECT_EQ(1, calendar->DeleteItem(L"a"));
+    }
+    std::filesystem::remove_all(m_folder.Path());
+    calendar->GetItemIDs();
+    EXPECT_TRUE(Walk(*calendar).empty());
+    EXPECT_THAT(capture.TakeTexts(), testing::IsEmpty());
 }
 
 // --- Items that call back ----------------------------------------------------------------------

@@ -161,6 +161,20 @@ TEST(LogTest, DecidesOnceWhetherItIsOn)
     }
 }
 
+TEST(LogTest, StaysOffWhereASettingsFileAppearsLater)
+{
+    DebugOutputCapture capture;
+    ScopedLogSettings::Remove();
+    ResetLogForTests();
+    LogPrintf(L"first\r\n");
+    ScopedLogSettings::Write("[Global]\r\nState=on\r\n");
+    EXPECT_TRUE(LogEnabled());
+    LogPrintf(L"second\r\n");
+    EXPECT_THAT(capture.TakeTexts(), IsEmpty());
+    ScopedLogSettings::Remove();
+    ResetLogForTests();
+}
+
 TEST(LogTest, DecidesBeforeItLooksAtTheFormat)
 {
     DebugOutputCapture capture;

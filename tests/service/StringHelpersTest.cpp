@@ -80,6 +80,8 @@ TEST(StringHelpersTest, ReplacesEveryOccurrence)
 
 TEST(StringHelpersTest, ReplacesWhatAReplacementForms)
 {
+    // aab becomes ab, which the b that was put in forms with the first a
+    EXPECT_EQ(L"b", ReplaceAll(L"aab", L"ab", L"b"));
     // aabb, ab, nothing left
     EXPECT_EQ(L"", ReplaceAll(L"aabb", L"ab", L""));
     // \\; becomes \; and that becomes ;

@@ -190,6 +190,33 @@ TEST(TimeConversionsTest, CountsUnixSecondsFrom1971To2070Only)
     EXPECT_EQ(0, DateToUnixSeconds(kNotANumber));
 }
 
+TEST(TimeConversionsTest, CountsADayFromEveryMidnightToTheNextButAtTheSeamsOfALeapYear)
+{
+    // 1971-01-01 is day 25,934 and 2070-12-31 day 62,458.
+    EXPECT_EQ(0, DateToUnixSeconds(25933.0));
+    EXPECT_EQ(0, DateToUnixSeconds(62459.0));
+    int seams = 0;
+    for (int day = 25934; day < 62458; ++day)
+    {
+        SYSTEMTIME time{};
+        ASSERT_TRUE(DateToSystemTime(day, time));
+        // None of these years is a century but 2000, which is a leap year.
+        const bool isLeap = time.wYear % 4 == 0;
+        const bool isLastOfYear = time.wMonth == 12 && time.wDay == 31;
+        std::int64_t expected = 86400;
+        if (isLastOfYear && time.wYear % 4 == 3)
+            expected = 172800; // into a leap year, whose first day is one late
+        else if (isLastOfYear && isLeap)
+            expected = 86399; // the extra second goes
+        else if (time.wMonth == 2 && time.wDay == 29)
+            expected = 1; // a second in place of the day
+        seams += expected != 86400;
+        ASSERT_EQ(expected, DateToUnixSeconds(day + 1) - DateToUnixSeconds(day)) << day;
+    }
+    // The leap years 1972 to 2068 are 25, with three seams each.
+    EXPECT_EQ(75, seams);
+}
+
 TEST(TimeConversionsTest, AddsMinutesWithinACommonYear)
 {
     const DATE start = SystemTimeToDate(Time(2001, 6, 15, 10));
