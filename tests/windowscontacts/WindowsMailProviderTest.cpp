@@ -198,6 +198,28 @@ TEST_F(WindowsMailProviderTest, ThrowsForAPathThatIsTooLongWhenFilledIn)
     SetEnvironmentVariableW(L"PIM_TEST_LONG", nullptr);
 }
 
+// The buffer holds 0x104 characters, the terminator among them. "\.\" steps stretch the path
+// without leading elsewhere.
+TEST_F(WindowsMailProviderTest, TakesAPathOfTheWholeBufferAndNoLongerOne)
+{
+    const std::wstring path = FakeAddressBook::Path();
+    const std::size_t cut = path.rfind(L'\\');
+    const auto stretched = [&](std::size_t length) {
+        std::wstring middle;
+        while (path.size() + middle.size() + 2 <= length)
+            middle += L"\\.";
+        if (path.size() + middle.size() < length)
+            middle += L'\\';
+        return path.substr(0, cut) + middle + path.substr(cut);
+    };
+    ASSERT_EQ(259u, stretched(259).size());
+    libraryPath.Set(stretched(259));
+    EXPECT_EQ("", ThrownBy(true));
+    ASSERT_EQ(260u, stretched(260).size());
+    libraryPath.Set(stretched(260));
+    EXPECT_EQ("std::exception", ThrownBy(true));
+}
+
 TEST_F(WindowsMailProviderTest, HasNoIdentityAndNoRootFolders)
 {
     CWindowsMailProvider provider(true);
@@ -316,6 +338,26 @@ TEST_F(WindowsMailProviderTest, BothNamesStartIt)
         book.Calls().clear();
         manager.StopService();
         EXPECT_EQ(kEnding, book.Calls());
+    }
+}
+
+TEST_F(WindowsMailProviderCalendarTest, TheNameDecidesAboutTheCalendarFolder)
+{
+    WriteCalendar("first-uid");
+    CServiceManager manager;
+    const struct
+    {
+        const wchar_t* name;
+        const wchar_t* firstID;
+    } cases[] = {{L"Outlook Express", L"(none)"}, {L"Windows Mail", L"first-uid"}};
+    for (const auto& one : cases)
+    {
+        ASSERT_EQ(S_OK, manager.StartService(one.name));
+        const auto calendar = manager.GetCalendar();
+        ASSERT_NE(nullptr, calendar);
+        calendar->NextItem();
+        EXPECT_EQ(one.firstID, CurrentID(*calendar));
+        manager.StopService();
     }
 }
 
