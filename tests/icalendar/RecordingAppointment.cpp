@@ -25,7 +25,8 @@ STDMETHODIMP RecordingAppointment::QueryInterface(REFIID iid, void** result)
     *result = nullptr;
     if (IsEqualGUID(iid, IID_IUnknown) || IsEqualGUID(iid, IID_INEntityItem))
         *result = static_cast<INEntityItem*>(this);
-    else if (isAppointment && IsEqualGUID(iid, IID_INAppointment))
+    else if (isAppointment &&
+             (IsEqualGUID(iid, IID_INAppointment) || IsEqualGUID(iid, IID_IDispatch)))
         *result = static_cast<INAppointment*>(this);
     if (!*result)
         return E_NOINTERFACE;

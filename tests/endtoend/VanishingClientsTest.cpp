@@ -1,0 +1,199 @@
+// Clients whose own item objects never answer: they end inside a call that the server makes to
+// them, or hang in it. The server goes on serving the others.
+#include "endtoend/CalendarClient.h"
+#include "endtoend/CalendarFolder.h"
+#include "endtoend/ProcessUsage.h"
+#include "icalendar/RecordingAppointment.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <memory>
+
+using Microsoft::WRL::ComPtr;
+
+namespace
+{
+constexpr DWORD kRoleTimeoutMilliseconds = 60000;
+constexpr UINT kEndedInside = 42;
+
+// Writes an own item to the calendar. Arguments: "add" or "update", the call inside which the
+// client stays, such as "get Subject", and "end" or the name of the signal that it hangs now.
+int WriteOwnItem(const std::vector<std::wstring>& arguments)
+{
+    const std::wstring& inside = arguments.at(1);
+    const std::wstring& fate = arguments.at(2);
+    const auto service = StartBackEnd();
+    const auto calendar = service ? CalendarOf(service.Get()) : nullptr;
+    if (!calendar)
+        return 1;
+    const auto item = RecordingAppointment::Make();
+    item->texts["EntityID"] = L"N1";
+    item->texts["Subject"] = L"not said to the end";
+    item->keepsEntityId = true;
+    item->onCall = [&](const std::string& call) {
+        if (call != std::string(inside.begin(), inside.end()))
+            return;
+        if (fate == L"end")
+            TerminateProcess(GetCurrentProcess(), kEndedInside);
+        Signal(fate).Set();
+        Sleep(INFINITE);
+    };
+    VARIANT_BOOL updated = VARIANT_FALSE;
+    Bstr id;
+    const HRESULT result = arguments.at(0) == L"add"
+                               ? calendar->AddAppointment(item.Get(), id.Put())
+                               : calendar->UpdateAppointment(item.Get(), &updated);
+    return SUCCEEDED(result) ? 0 : 2;
+}
+const RegisterRole writeOwnItem(L"write-own-item", &WriteOwnItem);
+
+std::wstring WriterCommandLine(const wchar_t* method, const wchar_t* inside, const wchar_t* fate)
+{
+    return RoleCommandLine(L"write-own-item",
+                           std::wstring(method) + L" \"" + inside + L"\" " + fate);
+}
+
+class VanishingClientsTest : public testing::Test
+{
+  protected:
+    static void SetUpTestSuite() { s_folder = std::make_unique<CalendarFolder>(); }
+    static void TearDownTestSuite() { s_folder.reset(); }
+    void SetUp() override
+    {
+        s_folder->Clear();
+        s_folder->Write(L"Work.ics", NumberedCalendar("Task", 3));
+    }
+    // Some runtimes never take a dead client's references back: do not leave that server behind.
+    void TearDown() override { EndServers(); }
+
+    // The server has lost nothing of its own, and writes.
+    static void ExpectServes(INPersonalInformationService* service)
+    {
+        const auto calendar = CalendarOf(service);
+        ASSERT_TRUE(calendar);
+        const auto item = Find(calendar.Get(), L"N2");
+        ASSERT_TRUE(item);
+        EXPECT_EQ(S_OK, item->put_Place(Bstr(L"Room 5").Get()));
+        VARIANT_BOOL updated = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, calendar->UpdateAppointment(item.Get(), &updated));
+        EXPECT_EQ(VARIANT_TRUE, updated);
+        EXPECT_THAT(s_folder->Read(L"Work.ics"), testing::HasSubstr("LOCATION:Room 5\r\n"));
+    }
+
+    static inline std::unique_ptr<CalendarFolder> s_folder;
+};
+} // namespace
+
+TEST_F(VanishingClientsTest, AnOwnItemIsWrittenAcrossProcesses)
+{
+    const auto service = StartBackEnd();
+    ASSERT_TRUE(service);
+    EXPECT_EQ(0u,
+              RunProgram(WriterCommandLine(L"update", L"none", L"end"), kRoleTimeoutMilliseconds));
+    EXPECT_EQ(0u, RunProgram(WriterCommandLine(L"add", L"none", L"end"), kRoleTimeoutMilliseconds));
+    const auto calendar = CalendarOf(service.Get());
+    EXPECT_EQ((std::vector<std::wstring>{
+                  L"not said to the end", L"Task 2", L"Task 3", L"not said to the end"}),
+              Subjects(calendar.Get()));
+}
+
+TEST_F(VanishingClientsTest, ServesOthersAfterAClientEndedInsideACall)
+{
+    const auto service = StartBackEnd();
+    ASSERT_TRUE(service);
+    const auto keeper = CalendarOf(service.Get());
+    const auto servers = RunningServers();
+    ASSERT_EQ(1u, servers.size());
+    // Every call that a write makes to the client's object, but QueryInterface, which the runtime
+    // answers.
+    for (const wchar_t* inside : {L"get EntityID",
+                                  L"put LastModificationTime",
+                                  L"get Subject",
+                                  L"get Place",
+                                  L"get Description",
+                                  L"get Reminder",
+                                  L"get RecurringInfo",
+                                  L"get StartTime",
+                                  L"get EndTime",
+                                  L"get AllDay"})
+    {
+        EXPECT_EQ(
+            kEndedInside,
+            RunProgram(WriterCommandLine(L"update", inside, L"end"), kRoleTimeoutMilliseconds));
+        ASSERT_EQ(servers, RunningServers());
+    }
+    for (const wchar_t* inside : {L"put EntityID", L"get Subject", L"get AllDay"})
+    {
+        EXPECT_EQ(kEndedInside,
+                  RunProgram(WriterCommandLine(L"add", inside, L"end"), kRoleTimeoutMilliseconds));
+        ASSERT_EQ(servers, RunningServers());
+    }
+    ExpectServes(service.Get());
+    // A read that fails leaves the event's field as it is: the updates took nothing away.
+    const auto subjects = Subjects(CalendarOf(service.Get()).Get());
+    for (const wchar_t* task : {L"Task 2", L"Task 3"})
+        EXPECT_EQ(1, std::count(subjects.begin(), subjects.end(), task));
+    EXPECT_EQ(3u, Subjects(keeper.Get()).size());
+    EXPECT_EQ(servers, RunningServers());
+}
+
+TEST_F(VanishingClientsTest, WhatALostClientLeavesBehindIsBounded)
+{
+    const auto service = StartBackEnd();
+    ASSERT_TRUE(service);
+    const auto servers = RunningServers();
+    ASSERT_EQ(1u, servers.size());
+    const std::wstring lost = WriterCommandLine(L"update", L"get Subject", L"end");
+    // The first ones let the runtime's own tables and threads grow.
+    for (int i = 0; i < 5; ++i)
+        ASSERT_EQ(kEndedInside, RunProgram(lost, kRoleTimeoutMilliseconds));
+    constexpr int kLostClients = 15;
+    const ProcessUsage before = UsageOf(servers[0]);
+    for (int i = 0; i < kLostClients; ++i)
+        ASSERT_EQ(kEndedInside, RunProgram(lost, kRoleTimeoutMilliseconds));
+    const ProcessUsage after = UsageOf(servers[0]);
+    // A lost client of this kind held a service object and a calendar of three items, and the
+    // server held its item: all of it may stay where the runtime never reclaims it.
+    constexpr DWORD kHandlesPerClient = 12;
+    constexpr SIZE_T kBytesPerClient = 256 * 1024;
+    EXPECT_LE(after.handles, before.handles + kLostClients * kHandlesPerClient);
+    EXPECT_LE(after.privateBytes, before.privateBytes + kLostClients * kBytesPerClient);
+    ExpectServes(service.Get());
+}
+
+TEST_F(VanishingClientsTest, ServesOthersWhileAClientHangsInsideACall)
+{
+    const auto service = StartBackEnd();
+    ASSERT_TRUE(service);
+    const auto servers = RunningServers();
+    const Signal hangs(L"hangs");
+    const StartedProgram first =
+        StartProgram(WriterCommandLine(L"update", L"get Subject", L"hangs"));
+    ASSERT_TRUE(hangs.Wait());
+    ExpectServes(service.Get());
+    const StartedProgram second = StartProgram(WriterCommandLine(L"add", L"get EndTime", L"hangs"));
+    ASSERT_TRUE(hangs.Wait());
+    ExpectServes(service.Get());
+
+    // A stop waits for the calls that are under way; until then nothing is handed out.
+    EXPECT_EQ(S_OK, service->StopService());
+    EXPECT_FALSE(CalendarOf(service.Get()));
+    EXPECT_EQ(E_FAIL, service->StartService(Bstr(kWindowsMail).Get()));
+
+    // In the order of their calls, so that the later one ends inside the earlier one's wait.
+    for (const StartedProgram* client : {&first, &second})
+    {
+        TerminateProcess(client->process.Get(), 1);
+        WaitForSingleObject(client->process.Get(), 10000);
+    }
+    HRESULT started = E_FAIL;
+    for (int i = 0; i < 100 && started != S_OK; ++i)
+    {
+        Sleep(50);
+        started = service->StartService(Bstr(kWindowsMail).Get());
+    }
+    EXPECT_EQ(S_OK, started);
+    ExpectServes(service.Get());
+    EXPECT_EQ(servers, RunningServers());
+}
