@@ -70,7 +70,9 @@ TEST(LogTest, TellsTheLocalTime)
 {
     DebugOutputCapture capture;
     SYSTEMTIME before{}, after{};
-    GetLocalTime(&before);
+    // At the beginning of a second, where the milliseconds have leading zeros.
+    for (GetLocalTime(&before); before.wMilliseconds > 50; GetLocalTime(&before))
+        Sleep(10);
     WriteLogLine(L"x", L"Debug");
     GetLocalTime(&after);
     const std::vector<std::string> texts = capture.TakeTexts();
