@@ -47,6 +47,7 @@ bool RawFile::Open(const std::wstring& path, Mode mode)
 {
     Close();
     m_missing = false;
+    m_isLink = false;
     const OpenMode& how = kOpenModes[static_cast<std::size_t>(mode)];
     UniqueFile file(CreateFileW(path.c_str(),
                                 how.access,
@@ -60,15 +61,20 @@ bool RawFile::Open(const std::wstring& path, Mode mode)
         m_missing = GetLastError() == ERROR_FILE_NOT_FOUND;
         return false;
     }
-    BY_HANDLE_FILE_INFORMATION information{};
-    if (GetFileType(file.Get()) != FILE_TYPE_DISK ||
-        !GetFileInformationByHandle(file.Get(), &information) ||
-        (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) ||
-        (mode != Mode::Read && (information.dwFileAttributes & kProtected)))
+    if (GetFileType(file.Get()) != FILE_TYPE_DISK)
         return false;
-    // The handle shows what a link leads to; the name shows the link.
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    m_isLink = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT);
+    // A folder does not open this way at all, so a reader need not ask, of each of many files.
+    if (mode != Mode::Read)
+    {
+        BY_HANDLE_FILE_INFORMATION information{};
+        if (!GetFileInformationByHandle(file.Get(), &information) ||
+            (information.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | kProtected)))
+            return false;
+        // The handle shows what a link leads to; the name shows the link.
+        const DWORD attributes = GetFileAttributesW(path.c_str());
+        m_isLink =
+            attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT);
+    }
     m_file = reinterpret_cast<std::intptr_t>(file.Detach());
     return true;
 }
@@ -113,6 +119,9 @@ bool RawFile::ReadAll(std::string& bytes)
             return false;
         bytes.append(block.data(), count);
         offset += count;
+        // A file gives less than was asked for at its end alone.
+        if (count < block.size())
+            return true;
     }
 }
 
