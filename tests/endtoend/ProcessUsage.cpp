@@ -3,6 +3,7 @@
 #include "icalendar/RecordingAppointment.h"
 #include "platform/UniqueHandle.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -117,8 +118,16 @@ SIZE_T RuntimeKeepsOf(int appointments)
             OfferAndTakeBack();
     };
     offerMany(50); // until the runtime's own tables have grown
-    const SIZE_T before = UsageOf(GetCurrentProcessId()).privateBytes;
-    offerMany(appointments);
-    const SIZE_T after = UsageOf(GetCurrentProcessId()).privateBytes;
-    return after > before ? after - before : 0;
+    // What earlier tests freed takes up the first rounds, so the largest of several counts.
+    constexpr int kRounds = 4;
+    SIZE_T most = 0;
+    for (int i = 0; i < kRounds; ++i)
+    {
+        const SIZE_T before = UsageOf(GetCurrentProcessId()).privateBytes;
+        offerMany(appointments);
+        const SIZE_T after = UsageOf(GetCurrentProcessId()).privateBytes;
+        if (after > before)
+            most = std::max(most, after - before);
+    }
+    return most;
 }
