@@ -389,7 +389,7 @@ TEST_F(CalendarStoreTest, AWarmServerIsBackWhereItWasAfterAThousandItems)
     round(20);
     const ProcessUsage after = UsageOf(servers[0]);
     EXPECT_LE(after.handles, before.handles + 10);
-    // The runtime keeps memory of each exported object and its heap grows in large steps: a bound of
-    // 8 KiB for each item.
+    // The runtime keeps memory of each exported object and its heap grows in large steps: a bound
+    // of 8 KiB for each item.
     EXPECT_LE(after.privateBytes, before.privateBytes + RuntimeKeepsOf(1000) + 8 * 1024 * 1024);
 }

@@ -235,8 +235,8 @@ TEST_F(LifetimeTest, AThousandObjectsLeaveNothingBehind)
     makeMany(1000);
     const ProcessUsage after = UsageOf(servers[0]);
     EXPECT_LE(after.handles, before.handles + 10);
-    // The runtime keeps memory of each exported object and its heap grows in large steps: a bound of
-    // 8 KiB for each object.
+    // The runtime keeps memory of each exported object and its heap grows in large steps: a bound
+    // of 8 KiB for each object.
     EXPECT_LE(after.privateBytes, before.privateBytes + RuntimeKeepsOf(1000) + 8 * 1024 * 1024);
     EXPECT_EQ(servers, RunningServers());
     ExpectWorks(keeper.Get());
