@@ -3,6 +3,7 @@
 // others keep a plain pointer.
 #pragma once
 
+#include "outlook/store/LiveObjects.h"
 #include "outlook/store/Proxcy.h"
 #include "platform/WindowsHeaders.h"
 #include "service/Callback.h"
@@ -43,6 +44,10 @@ class CMAPIHelper
 
     CNProxcy& Proxy() const noexcept { return *m_pProxy; }
 
+    // Who works with this helper and outlives the provider where a client keeps it. The provider
+    // detaches them before it releases anything.
+    LiveObjects& Live() noexcept { return m_live; }
+
     // Walks a table: sets the tags as its columns and hands every row in order to the callback,
     // until that clears *pContinue. All rows come in one query; they are freed after the walk, also
     // where the callback throws.
@@ -81,4 +86,5 @@ class CMAPIHelper
 
   private:
     std::unique_ptr<CNProxcy> m_pProxy;
+    LiveObjects m_live;
 };

@@ -31,7 +31,7 @@ static_assert(std::size(kTexts) == 10);
 } // namespace
 
 CUserProperties::CUserProperties(IMAPIProp* identity, CMAPIHelper* helper)
-    : m_pIdentity(identity), m_pHelper(helper)
+    : LiveObject(helper ? &helper->Live() : nullptr), m_pIdentity(identity), m_pHelper(helper)
 {
     if (!m_pIdentity || !m_pHelper)
         return;

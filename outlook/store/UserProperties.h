@@ -6,17 +6,17 @@
 #include "service/Callback.h"
 #include "service/UserIdentity.h"
 
-class CUserProperties : public UserIdentity, public ICallback
+class CUserProperties : public UserIdentity, public ICallback, public LiveObject
 {
   public:
     // Without an identity object or a helper all texts stay empty, as they do where the reading
     // fails.
     //   identity: held by one reference until the end or Detach.
-    //   helper:   not owned; must outlive this object, or Detach comes first.
+    //   helper:   not owned; detaches this object where it ends first.
     CUserProperties(IMAPIProp* identity, CMAPIHelper* helper);
 
     // Gives the identity object and the helper up; the texts stay. For the provider's end.
-    void Detach() noexcept;
+    void Detach() noexcept override;
 
     BOOL OnPropertyRow(ULONG cValues, LPSPropValue lpProps, int callType, BOOL* pContinue) override;
 
