@@ -1,0 +1,52 @@
+// The values that a walker delivered, read by position. What a store may leave out or deliver in
+// another form than asked for is absent: a position at or past the delivered count, a value of the
+// type PT_ERROR or of another type than the reader's, a null pointer.
+#pragma once
+
+#include "platform/WindowsHeaders.h"
+
+class PropertyView
+{
+  public:
+    // A view: the values belong to the walker and are valid during its call.
+    PropertyView(ULONG count, const SPropValue* values) noexcept
+        : m_count(values ? count : 0), m_values(values)
+    {
+    }
+
+    ULONG Count() const noexcept { return m_count; }
+
+    // Null where the value is absent.
+    const SPropValue* Find(ULONG position) const noexcept
+    {
+        if (position >= m_count || PROP_TYPE(m_values[position].ulPropTag) == PT_ERROR)
+            return nullptr;
+        return &m_values[position];
+    }
+    const SBinary* Binary(ULONG position) const noexcept
+    {
+        const SPropValue* const value = FindTyped(position, PT_BINARY);
+        return value ? &value->Value.bin : nullptr;
+    }
+    const wchar_t* Text(ULONG position) const noexcept
+    {
+        const SPropValue* const value = FindTyped(position, PT_UNICODE);
+        return value ? value->Value.lpszW : nullptr;
+    }
+    // UTC.
+    const FILETIME* Time(ULONG position) const noexcept
+    {
+        const SPropValue* const value = FindTyped(position, PT_SYSTIME);
+        return value ? &value->Value.ft : nullptr;
+    }
+
+  private:
+    const SPropValue* FindTyped(ULONG position, ULONG type) const noexcept
+    {
+        const SPropValue* const value = Find(position);
+        return value && PROP_TYPE(value->ulPropTag) == type ? value : nullptr;
+    }
+
+    ULONG m_count;
+    const SPropValue* m_values;
+};

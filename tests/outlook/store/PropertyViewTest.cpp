@@ -1,0 +1,83 @@
+#include "outlook/store/PropertyView.h"
+
+#include "outlook/FakeStore.h"
+
+namespace
+{
+constexpr ULONG kText = 0x0037001F;
+constexpr ULONG kNumber = 0x00170003;
+constexpr ULONG kBytes = 0x0FFF0102;
+constexpr ULONG kTime = 0x30080040;
+
+BYTE g_bytes[] = {1, 2, 3};
+
+// One value of each type, in the order of the constants above.
+std::vector<SPropValue> Values()
+{
+    SPropValue bytes = {};
+    bytes.ulPropTag = kBytes;
+    bytes.Value.bin = {3, g_bytes};
+    SPropValue time = {};
+    time.ulPropTag = kTime;
+    time.Value.ft = {5, 6};
+    return {TextValue(kText, L"one"), NumberValue(kNumber, 7), bytes, time};
+}
+} // namespace
+
+TEST(PropertyViewTest, ReadsValuesByPosition)
+{
+    const std::vector<SPropValue> values = Values();
+    const PropertyView view(4, values.data());
+    EXPECT_EQ(4u, view.Count());
+    EXPECT_STREQ(L"one", view.Text(0));
+    EXPECT_EQ(&values[1], view.Find(1));
+    ASSERT_TRUE(view.Binary(2));
+    EXPECT_EQ(g_bytes, view.Binary(2)->lpb);
+    EXPECT_EQ(3u, view.Binary(2)->cb);
+    ASSERT_TRUE(view.Time(3));
+    EXPECT_EQ(5u, view.Time(3)->dwLowDateTime);
+    EXPECT_EQ(6u, view.Time(3)->dwHighDateTime);
+}
+
+// More values lie in memory than were delivered.
+TEST(PropertyViewTest, AValueAtOrPastTheDeliveredCountIsAbsent)
+{
+    const std::vector<SPropValue> values = Values();
+    const PropertyView view(2, values.data());
+    EXPECT_TRUE(view.Find(1));
+    EXPECT_FALSE(view.Find(2));
+    EXPECT_FALSE(view.Binary(2));
+    EXPECT_FALSE(view.Time(3));
+    EXPECT_FALSE(PropertyView(0, values.data()).Text(0));
+}
+
+TEST(PropertyViewTest, AValueInErrorIsAbsent)
+{
+    const SPropValue values[] = {MissingValue(kText), MissingValue(kBytes), MissingValue(kTime)};
+    const PropertyView view(3, values);
+    EXPECT_FALSE(view.Find(0));
+    EXPECT_FALSE(view.Text(0));
+    EXPECT_FALSE(view.Binary(1));
+    EXPECT_FALSE(view.Time(2));
+}
+
+TEST(PropertyViewTest, AValueOfAnotherTypeIsAbsentForATypedReader)
+{
+    const std::vector<SPropValue> values = Values();
+    const PropertyView view(4, values.data());
+    EXPECT_FALSE(view.Text(1));
+    EXPECT_FALSE(view.Text(2));
+    EXPECT_FALSE(view.Binary(0));
+    EXPECT_FALSE(view.Binary(3));
+    EXPECT_FALSE(view.Time(1));
+    EXPECT_TRUE(view.Find(3));
+}
+
+TEST(PropertyViewTest, ANullTextAndANullRowAreAbsent)
+{
+    const SPropValue value = TextValue(kText, nullptr);
+    EXPECT_FALSE(PropertyView(1, &value).Text(0));
+    const PropertyView none(3, nullptr);
+    EXPECT_EQ(0u, none.Count());
+    EXPECT_FALSE(none.Find(0));
+}
