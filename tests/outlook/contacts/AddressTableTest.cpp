@@ -1,0 +1,139 @@
+#include "outlook/contacts/AddressTable.h"
+
+#include "outlook/FakeStore.h"
+#include "support/ScratchDirectory.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+using Microsoft::WRL::ComPtr;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+// Opens what derived tables use.
+class OpenAddressTable : public CAddressTable
+{
+  public:
+    OpenAddressTable() : CAddressTable(nullptr, nullptr) {}
+    using CAddressTable::CreateItem;
+    using CAddressTable::SavePicture;
+
+  protected:
+    bool IsWantedRow(const PropertyView&) override { return true; }
+    std::vector<ULONG> GetPropertyNames() override { return {}; }
+    void FillItem(INEntityItem&, const PropertyView&) override {}
+    PropertyArray ReadItem(INEntityItem&, bool) override { return {}; }
+};
+
+// Takes bytes and writes down in which portions they came.
+class TakingStream : public StreamWithoutOperations
+{
+  public:
+    std::string bytes;
+    std::vector<ULONG> portions;
+    std::size_t shortAt = 0; // number of the write that takes one byte fewer; from 1
+    std::size_t failAt = 0;  // and of the one that fails after that
+
+    STDMETHODIMP Write(const void* data, ULONG size, ULONG* written) override
+    {
+        portions.push_back(size);
+        const bool cuts = portions.size() == shortAt || portions.size() == failAt;
+        *written = cuts ? size - 1 : size;
+        bytes.append(static_cast<const char*>(data), *written);
+        return portions.size() == failAt ? STG_E_MEDIUMFULL : S_OK;
+    }
+};
+
+class AddressTablePictureTest : public testing::Test
+{
+  protected:
+    // A file of that many bytes with changing content.
+    std::wstring FileOf(std::size_t size)
+    {
+        for (std::size_t i = 0; i < size; ++i)
+            m_content += static_cast<char>('A' + i % 57);
+        const std::wstring path = m_scratch.File(L"picture.jpg");
+        std::ofstream(std::filesystem::path(path), std::ios::binary) << m_content;
+        return path;
+    }
+
+    ScratchDirectory m_scratch;
+    std::string m_content;
+    TakingStream m_stream;
+};
+} // namespace
+
+// Whether contacts can be made is the object map's business; what comes is a contact.
+TEST(AddressTableTest, ItsItemsAreContacts)
+{
+    ComPtr<INEntityItem> direct;
+    const HRESULT available = CoCreateInstance(CLSID_NContactItem,
+                                               nullptr,
+                                               0x17,
+                                               IID_INEntityItem,
+                                               reinterpret_cast<void**>(direct.GetAddressOf()));
+    OpenAddressTable table;
+    const ComPtr<INEntityItem> item = table.CreateItem();
+    ASSERT_EQ(SUCCEEDED(available), item != nullptr);
+    if (!item)
+    {
+        EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, available);
+        return;
+    }
+    ComPtr<INContactItem> contact;
+    EXPECT_EQ(S_OK, item.As(&contact));
+}
+
+TEST_F(AddressTablePictureTest, CopiesAFileInPortions)
+{
+    const std::wstring path = FileOf(0x4000 + 0x4000 + 5);
+    EXPECT_EQ(0x8005u, OpenAddressTable::SavePicture(path.c_str(), &m_stream));
+    EXPECT_THAT(m_stream.portions, ElementsAre(0x4000, 0x4000, 5));
+    EXPECT_EQ(m_content, m_stream.bytes);
+}
+
+TEST_F(AddressTablePictureTest, CopiesNothingOfAnEmptyFile)
+{
+    const std::wstring path = FileOf(0);
+    EXPECT_EQ(0u, OpenAddressTable::SavePicture(path.c_str(), &m_stream));
+    EXPECT_THAT(m_stream.portions, IsEmpty());
+}
+
+TEST_F(AddressTablePictureTest, LeavesTheFileAsItWas)
+{
+    const std::wstring path = FileOf(100);
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(100u, OpenAddressTable::SavePicture(path.c_str(), &m_stream));
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_EQ(100u, std::filesystem::file_size(path));
+}
+
+TEST_F(AddressTablePictureTest, NullArgumentsAndAMissingFileGiveZero)
+{
+    const std::wstring path = FileOf(10);
+    EXPECT_EQ(0u, OpenAddressTable::SavePicture(nullptr, &m_stream));
+    EXPECT_EQ(0u, OpenAddressTable::SavePicture(path.c_str(), nullptr));
+    EXPECT_EQ(0u, OpenAddressTable::SavePicture(L"", &m_stream));
+    EXPECT_EQ(0u, OpenAddressTable::SavePicture(m_scratch.File(L"none.jpg").c_str(), &m_stream));
+    EXPECT_EQ(0u, OpenAddressTable::SavePicture(m_scratch.Path().c_str(), &m_stream));
+    EXPECT_THAT(m_stream.portions, IsEmpty());
+}
+
+TEST_F(AddressTablePictureTest, AWriteThatFallsShortEndsTheCopy)
+{
+    m_stream.shortAt = 1;
+    const std::wstring path = FileOf(0x4001);
+    EXPECT_EQ(0x3FFFu, OpenAddressTable::SavePicture(path.c_str(), &m_stream));
+    EXPECT_THAT(m_stream.portions, ElementsAre(0x4000));
+}
+
+TEST_F(AddressTablePictureTest, AWriteThatFailsEndsTheCopyWithWhatWasTaken)
+{
+    m_stream.failAt = 2;
+    const std::wstring path = FileOf(0x4000 * 3);
+    EXPECT_EQ(0x7FFFu, OpenAddressTable::SavePicture(path.c_str(), &m_stream));
+    EXPECT_THAT(m_stream.portions, ElementsAre(0x4000, 0x4000));
+}
