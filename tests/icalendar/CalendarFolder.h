@@ -2,6 +2,7 @@
 // sources of time, zone and IDs.
 #pragma once
 
+#include "icalendar/RecordingAppointment.h"
 #include "icalendar/WindowsMailCalendar.h"
 #include "platform/Bstr.h"
 #include "platform/GuidSource.h"
@@ -99,6 +100,17 @@ class CalendarFolderTest : public testing::Test
         calendar->GetItemIDs();
         calendar->ResetItem();
         return calendar;
+    }
+
+    // Tables make appointments that tell their calls; the last one made stands in object.
+    void RecordItemsIn(Microsoft::WRL::ComPtr<RecordingAppointment>& object)
+    {
+        m_sources.createItem = [&object](INEntityItem** item) {
+            object = RecordingAppointment::Make();
+            object->AddRef();
+            *item = object.Get();
+            return S_OK;
+        };
     }
 
     static Item Current(IEnumerator& calendar)

@@ -1,5 +1,7 @@
 #include "icalendar/DateText.h"
 
+#include "support/SystemTimes.h"
+
 #include <gtest/gtest.h>
 
 namespace
@@ -36,23 +38,6 @@ std::wstring Parsed(std::wstring_view text)
     EXPECT_EQ(time.wDayOfWeek, 3);
     EXPECT_EQ(time.wMilliseconds, 0);
     return Digits(time);
-}
-
-SYSTEMTIME Time(unsigned year,
-                unsigned month,
-                unsigned day,
-                unsigned hour = 0,
-                unsigned minute = 0,
-                unsigned second = 0)
-{
-    SYSTEMTIME time{};
-    time.wYear = static_cast<std::uint16_t>(year);
-    time.wMonth = static_cast<std::uint16_t>(month);
-    time.wDay = static_cast<std::uint16_t>(day);
-    time.wHour = static_cast<std::uint16_t>(hour);
-    time.wMinute = static_cast<std::uint16_t>(minute);
-    time.wSecond = static_cast<std::uint16_t>(second);
-    return time;
 }
 
 TEST(DateTextTest, ReadsTheDigitsByTheirPositions)
@@ -109,5 +94,4 @@ TEST(DateTextTest, WritesTheLastDateOfARuleWithItsYearAsItIs)
     EXPECT_EQ(FormatUntil(Time(2006, 5, 8, 1, 2, 3)), L"20060508T010203Z");
     EXPECT_EQ(FormatUntil(Time(7, 1, 2)), L"00070102T000000Z");
 }
-
 } // namespace

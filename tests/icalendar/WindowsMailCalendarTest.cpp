@@ -445,12 +445,7 @@ TEST_F(WindowsMailCalendarTest, TellsAnEventInTheStatedOrderOfPuts)
                               "TRIGGER:-PT15M",
                               "END:VALARM"})));
     Microsoft::WRL::ComPtr<RecordingAppointment> object;
-    m_sources.createItem = [&](INEntityItem** item) {
-        object = RecordingAppointment::Make();
-        object->AddRef();
-        *item = object.Get();
-        return S_OK;
-    };
+    RecordItemsIn(object);
     const auto calendar = LoadedCalendar();
     // 2024-01-02 is day 45,293 and 03:04:05 are 11,045 seconds of 86,400; 12:00 at two hours east
     // of UTC is 10:00.
@@ -480,12 +475,7 @@ TEST_F(WindowsMailCalendarTest, PutsNeitherReminderNorPlaceThatAnEventLacks)
 {
     Write(L"a.ics", FileWith(""));
     Microsoft::WRL::ComPtr<RecordingAppointment> object;
-    m_sources.createItem = [&](INEntityItem** item) {
-        object = RecordingAppointment::Make();
-        object->AddRef();
-        *item = object.Get();
-        return S_OK;
-    };
+    RecordItemsIn(object);
     const auto calendar = LoadedCalendar();
     EXPECT_THAT(object->calls,
                 ElementsAre("put EntityID",

@@ -4,24 +4,14 @@
 // -657434.
 #include "platform/PlatformTime.h"
 
+#include "support/SystemTimes.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
 
 namespace
 {
-SYSTEMTIME Time(int year, int month, int day, int hour = 0, int minute = 0, int second = 0)
-{
-    SYSTEMTIME time{};
-    time.wYear = static_cast<std::uint16_t>(year);
-    time.wMonth = static_cast<std::uint16_t>(month);
-    time.wDay = static_cast<std::uint16_t>(day);
-    time.wHour = static_cast<std::uint16_t>(hour);
-    time.wMinute = static_cast<std::uint16_t>(minute);
-    time.wSecond = static_cast<std::uint16_t>(second);
-    return time;
-}
-
 void ExpectTime(const SYSTEMTIME& expected, const SYSTEMTIME& actual)
 {
     EXPECT_EQ(expected.wYear, actual.wYear);
@@ -31,19 +21,6 @@ void ExpectTime(const SYSTEMTIME& expected, const SYSTEMTIME& actual)
     EXPECT_EQ(expected.wMinute, actual.wMinute);
     EXPECT_EQ(expected.wSecond, actual.wSecond);
     EXPECT_EQ(expected.wMilliseconds, actual.wMilliseconds);
-}
-
-std::uint64_t Ticks(const FILETIME& time)
-{
-    return (static_cast<std::uint64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
-}
-
-FILETIME FromTicks(std::uint64_t ticks)
-{
-    FILETIME time{};
-    time.dwLowDateTime = static_cast<std::uint32_t>(ticks);
-    time.dwHighDateTime = static_cast<std::uint32_t>(ticks >> 32);
-    return time;
 }
 
 struct DateCase

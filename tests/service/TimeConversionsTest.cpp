@@ -2,6 +2,8 @@
 // begins at day -109205, and 1970 at FILETIME 116444736000000000.
 #include "service/TimeConversions.h"
 
+#include "support/SystemTimes.h"
+
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -13,31 +15,6 @@ namespace
 constexpr double kSecond = 1.0 / 86400.0;
 // A DATE of these years holds a time of day to better than a microsecond.
 constexpr double kTolerance = 1e-9;
-
-SYSTEMTIME Time(int year, int month, int day, int hour = 0, int minute = 0, int second = 0)
-{
-    SYSTEMTIME time{};
-    time.wYear = static_cast<std::uint16_t>(year);
-    time.wMonth = static_cast<std::uint16_t>(month);
-    time.wDay = static_cast<std::uint16_t>(day);
-    time.wHour = static_cast<std::uint16_t>(hour);
-    time.wMinute = static_cast<std::uint16_t>(minute);
-    time.wSecond = static_cast<std::uint16_t>(second);
-    return time;
-}
-
-std::uint64_t Ticks(const FILETIME& time)
-{
-    return (static_cast<std::uint64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
-}
-
-FILETIME FromTicks(std::uint64_t ticks)
-{
-    FILETIME time{};
-    time.dwLowDateTime = static_cast<std::uint32_t>(ticks);
-    time.dwHighDateTime = static_cast<std::uint32_t>(ticks >> 32);
-    return time;
-}
 
 const double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 const double kInfinity = std::numeric_limits<double>::infinity();

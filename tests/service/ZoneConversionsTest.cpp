@@ -3,6 +3,8 @@
 
 #include "service/TimeConversions.h"
 
+#include "support/SystemTimes.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -11,17 +13,6 @@
 namespace
 {
 constexpr double kTolerance = 1e-9;
-
-SYSTEMTIME Time(int year, int month, int day, int hour = 0, int minute = 0)
-{
-    SYSTEMTIME time{};
-    time.wYear = static_cast<WORD>(year);
-    time.wMonth = static_cast<WORD>(month);
-    time.wDay = static_cast<WORD>(day);
-    time.wHour = static_cast<WORD>(hour);
-    time.wMinute = static_cast<WORD>(minute);
-    return time;
-}
 
 DATE At(int year, int month, int day, int hour = 0, int minute = 0)
 {
@@ -59,11 +50,6 @@ TIME_ZONE_INFORMATION Eastern()
     zone.DaylightDate = Sunday(3, 2, 2);
     zone.StandardDate = Sunday(11, 1, 2);
     return zone;
-}
-
-std::uint64_t Ticks(const FILETIME& time)
-{
-    return (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
 }
 } // namespace
 
