@@ -8,7 +8,6 @@
 
 namespace
 {
-const std::wstring kMailClients = L"Software\\Clients\\Mail\\";
 const std::wstring kOpenCommand = L"\\shell\\open\\command";
 
 // A command line that is longer does not fit.
@@ -48,20 +47,20 @@ void ExpandLeadingVariable(std::wstring& text)
 
 std::wstring DiscoverDefaultProvider()
 {
-    return ReadRegistryString(HKEY_LOCAL_MACHINE, kMailClients, L"");
+    return ReadRegistryString(HKEY_LOCAL_MACHINE, kMailClientsKey, L"");
 }
 
 void DiscoverProviders(std::vector<std::wstring>& names)
 {
     std::vector<std::wstring> clients;
-    EnumRegistrySubKeys(HKEY_LOCAL_MACHINE, kMailClients, clients);
+    EnumRegistrySubKeys(HKEY_LOCAL_MACHINE, kMailClientsKey, clients);
     names.clear();
     for (const std::wstring& client : clients)
     {
         std::wstring command;
         if (!client.empty() &&
             ReadRegistryBuffer(HKEY_LOCAL_MACHINE,
-                               kMailClients + client + kOpenCommand,
+                               kMailClientsKey + client + kOpenCommand,
                                L"",
                                kCommandBytes,
                                command) &&

@@ -4,6 +4,9 @@
 #include <string>
 #include <vector>
 
+// Below HKEY_LOCAL_MACHINE: one key for each client.
+inline constexpr wchar_t kMailClientsKey[] = L"Software\\Clients\\Mail\\";
+
 // The default client's name as the registry has it, unchecked; empty when unset.
 std::wstring DiscoverDefaultProvider();
 

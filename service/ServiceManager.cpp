@@ -1,5 +1,6 @@
 #include "service/ServiceManager.h"
 
+#include "outlook/store/OutlookProvider.h"
 #include "platform/ScopeExit.h"
 #include "service/CallScope.h"
 #include "service/Discovery.h"
@@ -10,10 +11,13 @@
 
 namespace
 {
-// This build holds no back end over an Outlook store: its start fails as a failed logon does.
-HRESULT StartOutlook(std::unique_ptr<IProvider>&)
+// The provider is stored before its logon: an exception out of that leaves it in place half set up.
+HRESULT StartOutlook(std::unique_ptr<IProvider>& slot)
 {
-    return E_FAIL;
+    auto provider = std::make_unique<COutlookProvider>();
+    COutlookProvider& stored = *provider;
+    slot = std::move(provider);
+    return stored.Logon();
 }
 
 // The constructor throws where the address book cannot be opened; then nothing is stored.
