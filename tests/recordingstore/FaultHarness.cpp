@@ -1,0 +1,115 @@
+#include "tests/recordingstore/FaultHarness.h"
+
+#include "platform/ScopeExit.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <exception>
+#include <vector>
+
+namespace
+{
+constexpr int kMostFailingRuns = 10;
+
+// What the handler of a crash prints.
+char g_running[512];
+
+LONG CALLBACK TellCrash(EXCEPTION_POINTERS* exception)
+{
+    const DWORD code = exception->ExceptionRecord->ExceptionCode;
+    if (code == EXCEPTION_ACCESS_VIOLATION || code == EXCEPTION_STACK_OVERFLOW ||
+        code == EXCEPTION_ILLEGAL_INSTRUCTION)
+    {
+        std::fputs(g_running, stderr);
+        std::fflush(stderr);
+    }
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+std::string Describe(const FaultScenario& scenario, const FaultRun& run)
+{
+    if (run.fault == StoreFault::None)
+        return scenario.name + " without a failure";
+    return scenario.name + ", call " + std::to_string(run.call) + " " + run.line + ": " +
+           NameOf(run.fault);
+}
+
+// The line of the call of that number; empty where there was none.
+std::string LineOf(const RecordingStore& store, unsigned number)
+{
+    for (const RecordedStoreCall& call : store.Record())
+        if (call.number == number)
+            return call.text;
+    return {};
+}
+
+void RunOnce(const FaultScenario& scenario, const FaultRun& run, RecordingStore& store)
+{
+    const std::string text = Describe(scenario, run);
+    std::snprintf(g_running, sizeof g_running, "crash in %s\n", text.c_str());
+    SCOPED_TRACE(text);
+    if (scenario.setUp)
+        scenario.setUp(store);
+    if (run.call)
+        store.Fail(run.call, run.fault);
+    try
+    {
+        scenario.action();
+    }
+    catch (const std::exception& exception)
+    {
+        ADD_FAILURE() << "threw: " << exception.what();
+    }
+    catch (...)
+    {
+        ADD_FAILURE() << "threw";
+    }
+    EXPECT_EQ("", store.Complaints());
+    // Up to the failing call, the work is the same each time.
+    if (run.call)
+    {
+        EXPECT_EQ(run.line, LineOf(store, run.call));
+    }
+    if (scenario.check)
+        scenario.check(run, store);
+}
+} // namespace
+
+FaultTotals RunFaults(const FaultScenario& scenario, std::span<const StoreFault> faults)
+{
+    void* const handler = AddVectoredExceptionHandler(1, TellCrash);
+    const ScopeExit remove([handler] { RemoveVectoredExceptionHandler(handler); });
+
+    FaultTotals totals;
+    std::vector<std::string> lines;
+    {
+        RecordingStore store;
+        RunOnce(scenario, {}, store);
+        totals.calls = store.FailableCalls();
+        for (const RecordedStoreCall& call : store.Record())
+            if (call.number)
+                lines.push_back(call.text);
+    }
+    EXPECT_GT(totals.calls, 0u) << scenario.name << " calls nothing";
+    int failingRuns = 0;
+    for (unsigned number = 1; number <= totals.calls; ++number)
+        for (const StoreFault fault : faults)
+        {
+            const int before =
+                testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
+            RecordingStore store;
+            RunOnce(scenario, {number, fault, lines[number - 1]}, store);
+            ++totals.runs;
+            const int after =
+                testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
+            failingRuns += after > before;
+            if (failingRuns == kMostFailingRuns)
+            {
+                ADD_FAILURE() << "more runs are left out";
+                return totals;
+            }
+        }
+    std::printf("%s: %u calls, %u runs\n", scenario.name.c_str(), totals.calls, totals.runs);
+    return totals;
+}

@@ -1,0 +1,48 @@
+// Lets each call of a piece of work fail in turn and looks what remains.
+//
+//     const FaultTotals totals = RunFaults({
+//         .name = "logon",
+//         .setUp = [](RecordingStore& store) { store.AddUsualFolders(); },
+//         .action = [&] { result = LogOnAndTearDown(); },
+//         .check = [&](const FaultRun& run, RecordingStore& store) { EXPECT_...; },
+//     });
+//
+// The work runs once as it is, to count its calls, and then once for each call and each way of
+// failing. Every run gets an empty store of its own, which setUp fills. The action does all of the
+// work, teardown included: when it returns, nothing of the store may be held. After each run the
+// harness expects that no interface and no buffer is left, that no call was made that no caller may
+// make, and that the library was uninitialised as often as initialised. A crash tells on the
+// standard error stream in which run it came. Totals are printed.
+#pragma once
+
+#include "tests/recordingstore/RecordingStore.h"
+
+#include <functional>
+#include <span>
+#include <string>
+
+struct FaultRun
+{
+    unsigned call = 0; // number of the failing call; 0 in the run without a failure
+    StoreFault fault = StoreFault::None;
+    std::string line; // the call
+};
+
+struct FaultScenario
+{
+    std::string name;
+    std::function<void(RecordingStore&)> setUp;
+    std::function<void()> action;
+    // Looks at results and record, after each run. May be empty.
+    std::function<void(const FaultRun&, RecordingStore&)> check;
+};
+
+struct FaultTotals
+{
+    unsigned calls = 0; // of the work that can fail
+    unsigned runs = 0;  // with a failing call
+};
+
+// Reports by EXPECT; stops early after some failing runs.
+FaultTotals RunFaults(const FaultScenario& scenario,
+                      std::span<const StoreFault> faults = kStoreFaults);

@@ -1,0 +1,89 @@
+#include "tests/recordingstore/library/Entries.h"
+
+#include "tests/recordingstore/library/FolderObject.h"
+#include "tests/recordingstore/library/MessageObject.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace
+{
+// Writing is allowed where it was asked for, or where the best access was.
+bool IsWriting(ULONG flags)
+{
+    return (flags & (MAPI_MODIFY | MAPI_BEST_ACCESS)) != 0;
+}
+
+template <typename Object> HRESULT Give(Object* made, ULONG objectType, ULONG* type, IUnknown** out)
+{
+    if (type)
+        *type = objectType;
+    *out = made;
+    return S_OK;
+}
+} // namespace
+
+std::string OpenEntryText(
+    ULONG size, const void* entryId, LPCIID interfaceId, ULONG flags, const ULONG* type)
+{
+    return "OpenEntry(" + EntryText(size, entryId) + ", " + InterfaceText(interfaceId) + ", " +
+           FlagsText(flags) + (type ? ", type)" : ")");
+}
+
+HRESULT OpenNode(const NodePtr& root,
+                 ULONG size,
+                 const void* entryId,
+                 LPCIID interfaceId,
+                 ULONG flags,
+                 ULONG* type,
+                 IUnknown** object)
+{
+    if (!object || (size && !entryId))
+        return MAPI_E_INVALID_PARAMETER;
+    *object = nullptr;
+    const NodePtr node = size == 0 ? root : TheLibrary().content.FindEntry(entryId, size).first;
+    if (!node)
+        return size == kEntryIdBytes ? MAPI_E_NOT_FOUND : MAPI_E_INVALID_ENTRYID;
+    const auto isFor = [&](auto answers) { return !interfaceId || answers(*interfaceId); };
+    switch (node->kind)
+    {
+    case NodeKind::MessageFolder:
+        if (!isFor(FolderObject::Answers))
+            return MAPI_E_INTERFACE_NOT_SUPPORTED;
+        return Give(NewObject<FolderObject>(node, IsWriting(flags)), MAPI_FOLDER, type, object);
+    case NodeKind::Message:
+        if (!isFor(MessageObject::Answers))
+            return MAPI_E_INTERFACE_NOT_SUPPORTED;
+        return Give(NewObject<MessageObject>(node->name,
+                                             std::make_shared<MessageBag>(node, IsWriting(flags))),
+                    MAPI_MESSAGE,
+                    type,
+                    object);
+    case NodeKind::Identity:
+        if (!isFor(UserObject::Answers))
+            return MAPI_E_INTERFACE_NOT_SUPPORTED;
+        return Give(NewObject<UserObject>(node), MAPI_MAILUSER, type, object);
+    default:
+        return MAPI_E_INVALID_ENTRYID;
+    }
+}
+
+Properties RowOf(const Node& node)
+{
+    Properties row;
+    for (const USHORT id : StoredIds(node))
+        row[id] = *GetStored(node, id);
+    if (!node.rowEntryId.empty() && row.contains(PROP_ID(PR_ENTRYID)))
+        row[PROP_ID(PR_ENTRYID)] = BinaryValue(node.rowEntryId);
+    // What cannot be read, a row does not hold either.
+    std::erase_if(row, [](const auto& entry) { return entry.second.type == PT_ERROR; });
+    return row;
+}
+
+void DeliverEntryId(const ByteString& entryId, const std::string& name, ULONG* size, ENTRYID** out)
+{
+    void* const copy = TheLibrary().memory.Allocate(entryId.size(), "entry ID of " + name);
+    std::memcpy(copy, entryId.data(), entryId.size());
+    *size = static_cast<ULONG>(entryId.size());
+    *out = static_cast<ENTRYID*>(copy);
+}
