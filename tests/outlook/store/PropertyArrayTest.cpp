@@ -2,7 +2,27 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
+
+namespace
+{
+// Blocks in use in all heaps of the process.
+std::size_t HeapBlocks()
+{
+    HANDLE heaps[64];
+    const DWORD count = std::min<DWORD>(GetProcessHeaps(std::size(heaps), heaps), std::size(heaps));
+    std::size_t blocks = 0;
+    for (DWORD i = 0; i < count; ++i)
+    {
+        PROCESS_HEAP_ENTRY entry{};
+        while (HeapWalk(heaps[i], &entry))
+            blocks += entry.wFlags & PROCESS_HEAP_ENTRY_BUSY ? 1 : 0;
+    }
+    return blocks;
+}
+} // namespace
 
 TEST(PropertyArrayTest, IsEmptyAtFirst)
 {
@@ -94,4 +114,24 @@ TEST(PropertyArrayTest, KeepsItsTextsWhenMoved)
     ASSERT_EQ(101u, moved.Count());
     EXPECT_STREQ(L"kept", moved[0].Value.lpszW);
     EXPECT_EQ(std::wstring(99, L'x'), moved[100].Value.lpszW);
+}
+
+// Each round makes more than five blocks of memory.
+TEST(PropertyArrayTest, FreesEveryKindOfValue)
+{
+    const std::vector<std::wstring> texts = {std::wstring(50, L'a'), std::wstring(60, L'b')};
+    const std::vector<std::uint8_t> bytes(70);
+    const std::vector<LONG> numbers(80);
+    const auto round = [&] {
+        PropertyArray values;
+        values.AddText(0x0037001F, texts[0]);
+        values.AddTexts(0x8000101F, texts);
+        values.AddBinary(0x0FFF0102, bytes);
+        values.AddLongs(0x80011003, numbers);
+    };
+    round();
+    const std::size_t before = HeapBlocks();
+    for (int i = 0; i < 1000; ++i)
+        round();
+    EXPECT_LT(HeapBlocks(), before + 500);
 }
