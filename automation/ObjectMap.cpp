@@ -3,6 +3,7 @@
 #include "automation/AddressBook.h"
 #include "automation/Appointment.h"
 #include "automation/Calendar.h"
+#include "automation/ContactItem.h"
 #include "automation/Enumerator.h"
 #include "automation/ObjectFactory.h"
 #include "automation/PersonalInformationService.h"
@@ -33,7 +34,7 @@ constexpr ObjectMapEntry kObjectMap[] = {
     Row(CLSID_NCalendar,                   104, &CNCalendar::CreateInstance),
     Row(CLSID_NContactCategory,            109, &CreateNothing),
     Row(CLSID_NContactGroup,               106, &CreateNothing),
-    Row(CLSID_NContactItem,                105, &CreateNothing),
+    Row(CLSID_NContactItem,                105, &CNContactItem::CreateInstance),
     Row(CLSID_NEnumerator,                 110, &CNEnumerator::CreateInstance),
     Row(CLSID_NObjectFactory64,            112, &CNObjectFactory::CreateInstance),
     Row(CLSID_NPersonalInformationService, 102, &CNPersonalInformationService::CreateInstance),

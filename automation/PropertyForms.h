@@ -3,8 +3,11 @@
 #pragma once
 
 #include "platform/Bstr.h"
+#include "platform/SafeArray.h"
 
+#include <memory>
 #include <string_view>
+#include <utility>
 
 // Text get: a null field gives null, else a new string of the same length in bytes.
 // Ownership: the caller frees *out with SysFreeString.   Returns: S_OK; E_POINTER.
@@ -51,4 +54,33 @@ template <typename T> HRESULT PutValue(T& field, T value)
 {
     field = value;
     return S_OK;
+}
+
+// The array of a property; empty where there is none. Shared, because copying and destroying an
+// array may call its elements, and those may put another array meanwhile.
+using ArrayField = std::shared_ptr<SAFEARRAY>;
+
+// Array get. Ownership: the caller destroys *out.
+// Returns: the result of the system's copy; E_POINTER; E_FAIL for an empty field, with *out
+//          untouched.
+inline HRESULT GetArray(const ArrayField& field, SAFEARRAY** out)
+{
+    if (!out)
+        return E_POINTER;
+    const ArrayField held = field;
+    return held ? SafeArrayCopy(held.get(), out) : E_FAIL;
+}
+
+// Array put: a copy takes the place of the old array, which is destroyed first. Null, and an array
+// that cannot be copied, empty the field. Returns: the result of the system's copy.
+inline HRESULT PutArray(ArrayField& field, SAFEARRAY* value)
+{
+    ArrayField(std::move(field)).reset();
+    UniqueSafeArray copy;
+    const HRESULT result = SafeArrayCopy(value, copy.Put());
+    ArrayField taken;
+    if (copy)
+        taken.reset(copy.Detach(), &SafeArrayPolicy::Close);
+    field.swap(taken);
+    return result;
 }

@@ -5,6 +5,7 @@
 #include "support/ComAssert.h"
 #include "support/Dispatch.h"
 #include "tests/automation/CollectionFixture.h"
+#include "tests/automation/TextProperties.h"
 
 #include <gtest/gtest.h>
 
@@ -34,14 +35,6 @@ ComPtr<INEntityItem> EntityOf(const ComPtr<INAppointment>& appointment)
     return entity;
 }
 
-// A text property of either interface.
-template <typename Interface> struct TextProperty
-{
-    const char* name;
-    HRESULT (STDMETHODCALLTYPE Interface::*get)(BSTR*);
-    HRESULT (STDMETHODCALLTYPE Interface::*put)(BSTR);
-};
-
 const TextProperty<INAppointment> kTexts[] = {
     {"Subject", &INAppointment::get_Subject, &INAppointment::put_Subject},
     {"Place", &INAppointment::get_Place, &INAppointment::put_Place},
@@ -53,46 +46,6 @@ const TextProperty<INEntityItem> kEntityID = {
     "EntityID", &INEntityItem::get_EntityID, &INEntityItem::put_EntityID};
 const TextProperty<INEntityItem> kFolderID = {
     "FolderID", &INEntityItem::get_FolderID, &INEntityItem::put_FolderID};
-
-template <typename Interface> Bstr Get(const TextProperty<Interface>& property, Interface* object)
-{
-    Bstr value(L"left over");
-    BSTR raw = nullptr;
-    EXPECT_EQ(S_OK, (object->*property.get)(&raw)) << property.name;
-    value = Bstr::Adopt(raw);
-    return value;
-}
-
-// What every text property does, but for a null put.
-template <typename Interface>
-void ExpectTextForm(const TextProperty<Interface>& property, Interface* object)
-{
-    SCOPED_TRACE(property.name);
-    EXPECT_FALSE(Get(property, object)); // null at first
-    EXPECT_EQ(E_POINTER, (object->*property.get)(nullptr));
-
-    const Bstr text(L"R\u00e9union \u65e5\u672c");
-    EXPECT_EQ(S_OK, (object->*property.put)(text.Get()));
-    const Bstr first = Get(property, object);
-    const Bstr second = Get(property, object);
-    EXPECT_EQ(text.View(), first.View());
-    EXPECT_NE(text.Get(), first.Get());
-    EXPECT_NE(first.Get(), second.Get()); // each get gives a new string
-
-    // Cut at the first zero: "ab" of "ab", NUL, "cd".
-    const Bstr withZero(std::wstring_view(L"ab\0cd", 5));
-    EXPECT_EQ(S_OK, (object->*property.put)(withZero.Get()));
-    EXPECT_EQ(L"ab", Get(property, object).View());
-
-    // An empty string is a value of its own, not null.
-    const Bstr empty((std::wstring_view()));
-    EXPECT_EQ(S_OK, (object->*property.put)(empty.Get()));
-    const Bstr gotEmpty = Get(property, object);
-    EXPECT_TRUE(gotEmpty);
-    EXPECT_EQ(L"", gotEmpty.View());
-
-    EXPECT_EQ(S_OK, (object->*property.put)(text.Get()));
-}
 
 template <typename T> struct ValueProperty
 {

@@ -60,8 +60,7 @@ TEST(ObjectMapTest, TheFactoryOfTheOtherProcessorWidthIsNotServed)
 // no objects.
 TEST(ObjectMapTest, ClassesWithoutObjectsAreNotAvailable)
 {
-    const CLSID* const classes[] = {
-        &CLSID_NContactCategory, &CLSID_NContactGroup, &CLSID_NContactItem};
+    const CLSID* const classes[] = {&CLSID_NContactCategory, &CLSID_NContactGroup};
     for (const CLSID* clsid : classes)
     {
         void* result = &result;
