@@ -1,9 +1,11 @@
-// pimstore: installs and removes the embedded stores and tells how they stand.
+// pimstore: installs and removes the embedded stores, tells how they stand, and moves contents.
 #include "localstore/BookComponent.h"
 #include "localstore/Database.h"
 #include "localstore/Installer.h"
+#include "localstore/StoreCommands.h"
 #include "localstore/StorePath.h"
 #include "localstore/StoreSchema.h"
+#include "localstore/ToolConsole.h"
 #include "service/TextConversions.h"
 
 #include <CLI/CLI.hpp>
@@ -15,23 +17,14 @@
 namespace
 {
 
-enum ExitCode
-{
-    kOk = 0,
-    kFailed = 1,
-    kUsage = 2,
-    kTaken = 3,
-    kOtherInstall = 4,
-    kNoRights = 5
-};
-
 constexpr char kExitCodes[] = R"(Exit codes:
   0  done, or nothing to do
   1  a failure of the system or of the store
   2  wrong arguments
   3  another product holds a registry value that is needed; nothing was changed
   4  installed from another place, or changed since; nothing was changed
-  5  the rights do not suffice; nothing was changed)";
+  5  the rights do not suffice; nothing was changed
+  6  the file to load cannot be read or is wrong; nothing was changed)";
 
 struct OutcomeRow
 {
@@ -47,32 +40,6 @@ constexpr OutcomeRow kOutcomes[] = {
     {InstallOutcome::AccessDenied, kNoRights},
     {InstallOutcome::Failed, kFailed},
 };
-
-// Consoles take wide text; files and pipes get UTF-8.
-void PrintLine(DWORD stream, const std::wstring& line)
-{
-    const HANDLE output = GetStdHandle(stream);
-    const std::wstring text = line + L"\n";
-    DWORD mode = 0;
-    DWORD written = 0;
-    if (GetConsoleMode(output, &mode))
-    {
-        WriteConsoleW(output, text.c_str(), static_cast<DWORD>(text.size()), &written, nullptr);
-        return;
-    }
-    const std::string bytes = Utf8FromWide(text);
-    WriteFile(output, bytes.c_str(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-}
-
-void Print(const std::wstring& line)
-{
-    PrintLine(STD_OUTPUT_HANDLE, line);
-}
-
-void PrintError(const std::wstring& line)
-{
-    PrintLine(STD_ERROR_HANDLE, line);
-}
 
 int Tell(const InstallReport& report)
 {
@@ -218,6 +185,16 @@ int Run(int argc, wchar_t** argv)
     CLI::App* status =
         app.add_subcommand("status", "Tell what is installed and whether the store opens");
 
+    std::string loadPath;
+    bool replace = false;
+    CLI::App* load = app.add_subcommand("load", "Load a JSON file into the message store");
+    load->add_option("FILE", loadPath, "The file")->required();
+    load->add_flag("--replace", replace, "Empty the store first; the address book stays");
+    load->footer(kExitCodes);
+    std::string dumpPath;
+    CLI::App* dump = app.add_subcommand("dump", "Write the message store as JSON");
+    dump->add_option("FILE", dumpPath, "Where to; standard output where it is left out");
+
     std::vector<std::string> arguments;
     for (int i = argc - 1; i > 0; --i)
         arguments.push_back(Utf8FromWide(argv[i]));
@@ -233,6 +210,10 @@ int Run(int argc, wchar_t** argv)
         return InstallBook();
     if (*remove)
         return RemoveBook();
+    if (*load)
+        return RunLoad(WideFromUtf8(loadPath), replace);
+    if (*dump)
+        return RunDump(WideFromUtf8(dumpPath));
     return *status ? Status() : kUsage;
 }
 

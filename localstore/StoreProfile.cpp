@@ -1,7 +1,5 @@
 #include "localstore/StoreProfile.h"
 
-#include "localstore/StoredProperties.h"
-
 #include <algorithm>
 #include <cstring>
 #include <iterator>
@@ -60,22 +58,6 @@ std::optional<std::int64_t> ReceiveFolder(Database& database)
     if (!row.Step())
         return std::nullopt;
     return row.Integer(0);
-}
-
-// The objects whose property names the role's folder.
-std::vector<PropertyOwner> Holders(Database& database, const FolderRole& role)
-{
-    std::vector<PropertyOwner> holders;
-    if (role.holder == RoleHolder::Store)
-        holders.push_back({OwnerKind::Store, 0});
-    else if (role.holder == RoleHolder::RootAndInbox)
-    {
-        if (const auto inbox = ReceiveFolder(database))
-            holders.push_back({OwnerKind::MessageFolder, *inbox});
-        if (const auto root = RootFolder(database))
-            holders.push_back({OwnerKind::MessageFolder, *root});
-    }
-    return holders;
 }
 
 std::wstring AccountName()
@@ -150,11 +132,26 @@ const FolderRole* FindFolderRole(std::string_view name)
     return found == std::end(kRoles) ? nullptr : found;
 }
 
+std::vector<PropertyOwner> RoleHolders(Database& database, const FolderRole& role)
+{
+    std::vector<PropertyOwner> holders;
+    if (role.holder == RoleHolder::Store)
+        holders.push_back({OwnerKind::Store, 0});
+    else if (role.holder == RoleHolder::RootAndInbox)
+    {
+        if (const auto inbox = ReceiveFolder(database))
+            holders.push_back({OwnerKind::MessageFolder, *inbox});
+        if (const auto root = RootFolder(database))
+            holders.push_back({OwnerKind::MessageFolder, *root});
+    }
+    return holders;
+}
+
 std::optional<std::int64_t> FolderOfRole(Database& database, const FolderRole& role)
 {
     if (role.holder == RoleHolder::Receive)
         return ReceiveFolder(database);
-    for (const PropertyOwner& holder : Holders(database, role))
+    for (const PropertyOwner& holder : RoleHolders(database, role))
     {
         const auto value = ReadProperty(database, holder, role.propertyId);
         const Bytes* entryId = value ? std::get_if<Bytes>(&value->data) : nullptr;
@@ -178,7 +175,7 @@ void SetFolderRole(Database& database, const FolderRole& role, std::int64_t fold
         return;
     }
     const PropertyValue entryId{PT_BINARY, EntryIdOfFolder(database, folder)};
-    for (const PropertyOwner& holder : Holders(database, role))
+    for (const PropertyOwner& holder : RoleHolders(database, role))
         WriteProperty(database, holder, role.propertyId, entryId);
 }
 

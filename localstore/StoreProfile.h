@@ -7,6 +7,7 @@
 #pragma once
 
 #include "localstore/Database.h"
+#include "localstore/StoredProperties.h"
 #include "localstore/StoreSchema.h"
 #include "platform/WindowsHeaders.h"
 
@@ -15,6 +16,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 enum class RoleHolder
 {
@@ -33,6 +35,10 @@ struct FolderRole
 std::span<const FolderRole> FolderRoles();
 // Null where there is no role of that name.
 const FolderRole* FindFolderRole(std::string_view name);
+
+// The objects whose property names the role's folder: of those that are there, in the order in
+// which they are asked. None for the receive folder.
+std::vector<PropertyOwner> RoleHolders(Database& database, const FolderRole& role);
 
 // The folder that plays the role, by the first holder that names one which exists.
 std::optional<std::int64_t> FolderOfRole(Database& database, const FolderRole& role);
