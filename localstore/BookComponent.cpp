@@ -67,7 +67,7 @@ bool PlanBook(const std::wstring& home,
         return false;
     }
 
-    const std::wstring clients = std::wstring(kMailClientsKey) + L"\\";
+    const std::wstring clients = std::wstring(kMailClients) + L"\\";
     plan = {};
     plan.component = kBookComponent;
     plan.home = home;
@@ -76,7 +76,7 @@ bool PlanBook(const std::wstring& home,
         {clients + kWindowsMail + kOpenCommand, L"", command, WhenTaken::Refuse},
         {clients + kOutlookExpress + kOpenCommand, L"", command, WhenTaken::Refuse},
         // Only where there is no default: an existing one is never changed.
-        {kMailClientsKey, L"", kWindowsMail, WhenTaken::Leave},
+        {kMailClients, L"", kWindowsMail, WhenTaken::Leave},
     };
     plan.folders = {localData + kCalendars};
     return true;

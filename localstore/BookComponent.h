@@ -8,7 +8,7 @@
 
 inline constexpr wchar_t kBookComponent[] = L"book";
 inline constexpr wchar_t kBookLibraryKey[] = L"Software\\Microsoft\\WAB\\DLLPath";
-inline constexpr wchar_t kMailClientsKey[] = L"Software\\Clients\\Mail";
+inline constexpr wchar_t kMailClients[] = L"Software\\Clients\\Mail";
 inline constexpr wchar_t kWindowsMail[] = L"Windows Mail";
 inline constexpr wchar_t kOutlookExpress[] = L"Outlook Express";
 inline constexpr wchar_t kOpenCommand[] = L"\\shell\\open\\command";

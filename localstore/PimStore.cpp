@@ -112,13 +112,13 @@ int Status()
 {
     const SystemInstallTarget machine(HKEY_LOCAL_MACHINE);
     const std::wstring home = InstalledHome(machine, kBookComponent);
-    const std::wstring clients = std::wstring(kMailClientsKey) + L"\\";
+    const std::wstring clients = std::wstring(kMailClients) + L"\\";
     Print(L"book                  " +
           (home.empty() ? L"not installed" : L"installed from " + home));
     Print(L"address book library  " + ValueText(machine, kBookLibraryKey));
     Print(L"Windows Mail          " + ValueText(machine, clients + kWindowsMail + kOpenCommand));
     Print(L"Outlook Express       " + ValueText(machine, clients + kOutlookExpress + kOpenCommand));
-    Print(L"default mail client   " + ValueText(machine, kMailClientsKey));
+    Print(L"default mail client   " + ValueText(machine, kMailClients));
     try
     {
         const std::wstring path = StorePath();

@@ -67,7 +67,7 @@ TEST_F(PimStoreToolTest, InstallsSoThatTheServerFindsEverythingAndRemovesItAgain
 {
     const TempFolder folder;
     const StoreSetting store(folder.File(L"store.db"));
-    const std::wstring defaultBefore = MachineDefault(kMailClientsKey);
+    const std::wstring defaultBefore = MachineDefault(kMailClients);
     EXPECT_FALSE(IsListed(kWindowsMail));
 
     const ToolResult installed = RunTool(L"install --book");
