@@ -11,7 +11,8 @@
 namespace
 {
 constexpr std::size_t kShownBytes = 64;
-constexpr ULONG kShownItems = 64;
+constexpr ULONG kMostItems = 0xFFFF; // more can only be a broken count
+constexpr int kShownDepth = 8;
 
 std::string Format(const char* format, auto... arguments)
 {
@@ -92,19 +93,57 @@ std::string PropertyText(const SPropValue& property)
     return TagText(property.ulPropTag) + " " + (value ? ValueText(*value) : "null");
 }
 
+// What stands for a list that cannot be read.
+std::string BrokenList(ULONG count)
+{
+    return "[" + std::to_string(count) + "?]";
+}
+
+std::string RestrictionText(const SRestriction* restriction, int depth);
+
 const char* RelationText(ULONG relation)
 {
     static constexpr const char* kTexts[] = {"<", "<=", ">", ">=", "==", "!=", "like"};
     return relation < std::size(kTexts) ? kTexts[relation] : "?";
 }
 
-std::string JoinedRestrictions(const char* name, ULONG count, const SRestriction* parts)
+std::string JoinedRestrictions(const char* name, ULONG count, const SRestriction* parts, int depth)
 {
+    if (count > kMostItems || (count && !parts))
+        return name + BrokenList(count);
     std::string text = name;
     text += '(';
-    for (ULONG i = 0; i < std::min(count, kShownItems); ++i)
-        text += (i ? ", " : "") + RestrictionText(parts + i);
+    for (ULONG i = 0; i < count; ++i)
+        text += (i ? ", " : "") + RestrictionText(parts + i, depth + 1);
     return text + ")";
+}
+
+std::string RestrictionText(const SRestriction* restriction, int depth)
+{
+    if (!restriction)
+        return "null";
+    if (depth > kShownDepth)
+        return "...";
+    const auto& res = restriction->res;
+    switch (restriction->rt)
+    {
+    case RES_AND:
+        return JoinedRestrictions("and", res.resAnd.cRes, res.resAnd.lpRes, depth);
+    case RES_OR:
+        return JoinedRestrictions("or", res.resOr.cRes, res.resOr.lpRes, depth);
+    case RES_NOT:
+        return JoinedRestrictions("not", 1, res.resNot.lpRes, depth);
+    case RES_EXIST:
+        return "exists " + TagText(res.resExist.ulPropTag);
+    case RES_PROPERTY:
+        return TagText(res.resProperty.ulPropTag) + " " + RelationText(res.resProperty.relop) +
+               " " + ValuesText(1, res.resProperty.lpProp);
+    case RES_CONTENT:
+        return TagText(res.resContent.ulPropTag) + " contains " +
+               FlagsText(res.resContent.ulFuzzyLevel) + " " + ValuesText(1, res.resContent.lpProp);
+    default:
+        return Format("restriction %lu", restriction->rt);
+    }
 }
 } // namespace
 
@@ -122,6 +161,8 @@ std::string TagsText(const SPropTagArray* tags)
 {
     if (!tags)
         return "null";
+    if (tags->cValues > kMostItems)
+        return BrokenList(tags->cValues);
     std::string text = "[";
     for (ULONG i = 0; i < tags->cValues; ++i)
         text += (i ? " " : "") + TagText(tags->aulPropTag[i]);
@@ -177,6 +218,8 @@ std::string EntriesText(const SBinaryArray* entries)
 {
     if (!entries)
         return "null";
+    if (entries->cValues > kMostItems || (entries->cValues && !entries->lpbin))
+        return BrokenList(entries->cValues);
     std::string text = "[";
     for (ULONG i = 0; i < entries->cValues; ++i)
         text += (i ? ", " : "") + EntryText(entries->lpbin[i].cb, entries->lpbin[i].lpb);
@@ -187,6 +230,8 @@ std::string ValuesText(ULONG count, const SPropValue* values)
 {
     if (!values)
         return "null";
+    if (count > kMostItems)
+        return BrokenList(count);
     std::string text = "{";
     for (ULONG i = 0; i < count; ++i)
         text += (i ? ", " : "") + PropertyText(values[i]);
@@ -200,38 +245,15 @@ std::string StoredText(USHORT id, const Value& value)
 
 std::string RestrictionText(const SRestriction* restriction)
 {
-    if (!restriction)
-        return "null";
-    switch (restriction->rt)
-    {
-    case RES_AND:
-        return JoinedRestrictions(
-            "and", restriction->res.resAnd.cRes, restriction->res.resAnd.lpRes);
-    case RES_OR:
-        return JoinedRestrictions("or", restriction->res.resOr.cRes, restriction->res.resOr.lpRes);
-    case RES_NOT:
-        return JoinedRestrictions("not", 1, restriction->res.resNot.lpRes);
-    case RES_EXIST:
-        return "exists " + TagText(restriction->res.resExist.ulPropTag);
-    case RES_PROPERTY: {
-        const SPropertyRestriction& property = restriction->res.resProperty;
-        return TagText(property.ulPropTag) + " " + RelationText(property.relop) + " " +
-               ValuesText(1, property.lpProp);
-    }
-    case RES_CONTENT: {
-        const SContentRestriction& content = restriction->res.resContent;
-        return TagText(content.ulPropTag) + " contains " + FlagsText(content.ulFuzzyLevel) + " " +
-               ValuesText(1, content.lpProp);
-    }
-    default:
-        return Format("restriction %lu", restriction->rt);
-    }
+    return RestrictionText(restriction, 0);
 }
 
 std::string SortText(const SSortOrderSet* sort)
 {
     if (!sort)
         return "null";
+    if (sort->cSorts > kMostItems)
+        return BrokenList(sort->cSorts);
     std::string text = "[";
     for (ULONG i = 0; i < sort->cSorts; ++i)
         text += std::string(i ? " " : "") +
@@ -244,6 +266,8 @@ std::string NamesText(ULONG count, LPMAPINAMEID* names)
 {
     if (!names)
         return "null";
+    if (count > kMostItems)
+        return BrokenList(count);
     std::string text = "[";
     const GUID* set = nullptr;
     for (ULONG i = 0; i < count; ++i)

@@ -1,0 +1,214 @@
+#include "tests/storeconformance/StoreConformanceTest.h"
+
+#include <algorithm>
+
+namespace
+{
+constexpr ULONG kContactFolder = 0x36D10102;     // PR_IPM_CONTACT_ENTRYID
+constexpr ULONG kAppointmentFolder = 0x36D00102; // PR_IPM_APPOINTMENT_ENTRYID
+constexpr ULONG kWriteStore = 0x00000004;        // MDB_WRITE
+
+template <typename Function> void Bind(HMODULE library, const char* name, Function*& function)
+{
+    function = reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+    EXPECT_NE(nullptr, function) << name;
+}
+} // namespace
+
+MapiFunctions::MapiFunctions(HMODULE library)
+{
+    Bind(library, "MAPIInitialize", initialize);
+    Bind(library, "MAPIUninitialize", uninitialize);
+    Bind(library, "MAPILogonEx", logonEx);
+    Bind(library, "FreeProws@4", freeProws);
+    Bind(library, "MAPIFreeBuffer", freeBuffer);
+    Bind(library, "MAPIAllocateBuffer", allocateBuffer);
+    Bind(library, "MAPIAllocateMore", allocateMore);
+    Bind(library, "WrapCompressedRTFStream", wrapCompressedRtfStream);
+    Bind(library, "HrGetOneProp", getOneProp);
+    Bind(library, "HrQueryAllRows@24", queryAllRows);
+}
+
+SPropValue LongProp(ULONG tag, LONG number)
+{
+    SPropValue value = {};
+    value.ulPropTag = tag;
+    value.Value.l = number;
+    return value;
+}
+
+SPropValue TextProp(ULONG tag, const wchar_t* text)
+{
+    SPropValue value = {};
+    value.ulPropTag = tag;
+    value.Value.lpszW = const_cast<wchar_t*>(text);
+    return value;
+}
+
+SPropValue BinaryProp(ULONG tag, std::vector<BYTE>& bytes)
+{
+    SPropValue value = {};
+    value.ulPropTag = tag;
+    value.Value.bin = {static_cast<ULONG>(bytes.size()), bytes.data()};
+    return value;
+}
+
+void StoreConformanceTest::SetUp()
+{
+    m_under = GetParam().make();
+    m_library.Reset(LoadLibraryW(m_under->LibraryPath().c_str()));
+    ASSERT_TRUE(m_library);
+    m_mapi = std::make_unique<MapiFunctions>(m_library.Get());
+    if (HasFailure())
+        return;
+    MAPIINIT_0 init = {0, 8}; // MAPI_NO_COINIT
+    ASSERT_EQ(S_OK, m_mapi->initialize(&init));
+    m_isInitialised = true;
+    // New session, extended, default profile.
+    ASSERT_EQ(S_OK, m_mapi->logonEx(0, nullptr, nullptr, 0x62, m_session.GetAddressOf()));
+    ASSERT_NO_FATAL_FAILURE(OpenDefaultStore());
+    ASSERT_NO_FATAL_FAILURE(OpenFolders());
+}
+
+void StoreConformanceTest::OpenDefaultStore()
+{
+    Com<IMAPITable> table;
+    ASSERT_EQ(S_OK, m_session->GetMsgStoresTable(0, table.GetAddressOf()));
+    const Rows rows = AllRows(table.Get(), {PR_ENTRYID, PR_DEFAULT_STORE});
+    ASSERT_TRUE(rows);
+    for (ULONG i = 0; i < rows->cRows; ++i)
+    {
+        const SPropValue* const values = rows->aRow[i].lpProps;
+        if (values[1].ulPropTag != PR_DEFAULT_STORE || !values[1].Value.b)
+            continue;
+        const SBinary& id = values[0].Value.bin;
+        ASSERT_EQ(S_OK,
+                  m_session->OpenMsgStore(0,
+                                          id.cb,
+                                          reinterpret_cast<LPENTRYID>(id.lpb),
+                                          nullptr,
+                                          kWriteStore | MAPI_DEFERRED_ERRORS,
+                                          m_store.GetAddressOf()));
+    }
+    ASSERT_TRUE(m_store);
+}
+
+void StoreConformanceTest::OpenFolders()
+{
+    ULONG size = 0;
+    LPENTRYID id = nullptr;
+    wchar_t messageClass[] = L"IPM.Note";
+    ASSERT_EQ(S_OK,
+              m_store->GetReceiveFolder(
+                  reinterpret_cast<LPTSTR>(messageClass), MAPI_UNICODE, &size, &id, nullptr));
+    const auto* const bytes = reinterpret_cast<const BYTE*>(id);
+    m_inbox = Open<IMAPIFolder>(EntryIdBytes(bytes, bytes + size));
+    m_mapi->freeBuffer(id);
+    ASSERT_TRUE(m_inbox);
+    m_contacts = Open<IMAPIFolder>(EntryIdOf(m_inbox.Get(), kContactFolder));
+    m_calendar = Open<IMAPIFolder>(EntryIdOf(m_inbox.Get(), kAppointmentFolder));
+    ASSERT_TRUE(m_contacts);
+    ASSERT_TRUE(m_calendar);
+}
+
+void StoreConformanceTest::TearDown()
+{
+    m_calendar.Reset();
+    m_contacts.Reset();
+    m_inbox.Reset();
+    m_store.Reset();
+    m_session.Reset();
+    if (m_isInitialised)
+        m_mapi->uninitialize();
+    m_library.Reset();
+    if (m_under)
+    {
+        EXPECT_EQ("", m_under->Complaints());
+    }
+}
+
+StoreConformanceTest::Props StoreConformanceTest::Get(IMAPIProp* object, Tags tags, ULONG flags)
+{
+    ULONG count = 0;
+    SPropValue* values = nullptr;
+    const HRESULT result = object->GetProps(tags.Get(), flags, &count, &values);
+    EXPECT_TRUE(result == S_OK || result == MAPI_W_ERRORS_RETURNED) << std::hex << result;
+    EXPECT_EQ(tags.Get()->cValues, count);
+    EXPECT_NE(nullptr, values);
+    return Props(values, Freer{m_mapi.get()});
+}
+
+EntryIdBytes StoreConformanceTest::EntryIdOf(IMAPIProp* object, ULONG tag)
+{
+    const Props props = Get(object, {tag});
+    EXPECT_EQ(tag, props[0].ulPropTag);
+    if (props[0].ulPropTag != tag)
+        return {};
+    const SBinary& id = props[0].Value.bin;
+    return EntryIdBytes(id.lpb, id.lpb + id.cb);
+}
+
+std::wstring StoreConformanceTest::TextOf(IMAPIProp* object, ULONG tag)
+{
+    const Props props = Get(object, {tag});
+    return PROP_TYPE(props[0].ulPropTag) == PT_UNICODE ? props[0].Value.lpszW : L"(missing)";
+}
+
+void StoreConformanceTest::Set(IMAPIProp* object, std::vector<SPropValue> values)
+{
+    SPropProblemArray* problems = nullptr;
+    EXPECT_EQ(S_OK, object->SetProps(static_cast<ULONG>(values.size()), values.data(), &problems));
+    EXPECT_EQ(nullptr, problems);
+    m_mapi->freeBuffer(problems);
+}
+
+void StoreConformanceTest::Save(IMAPIProp* object, ULONG flags)
+{
+    EXPECT_EQ(S_OK, object->SaveChanges(flags));
+}
+
+StoreConformanceTest::Com<IMessage> StoreConformanceTest::NewMessage(const wchar_t* subject,
+                                                                     bool save,
+                                                                     ULONG flags)
+{
+    Com<IMessage> message;
+    EXPECT_EQ(S_OK, m_contacts->CreateMessage(nullptr, flags, message.GetAddressOf()));
+    Set(message.Get(), {TextProp(PR_SUBJECT_W, subject)});
+    if (save)
+        Save(message.Get());
+    return message;
+}
+
+EntryIdBytes StoreConformanceTest::AddMessage(const wchar_t* subject)
+{
+    return EntryIdOf(NewMessage(subject).Get());
+}
+
+StoreConformanceTest::Com<IMAPITable> StoreConformanceTest::Contents(ULONG flags)
+{
+    Com<IMAPITable> table;
+    EXPECT_EQ(S_OK, m_contacts->GetContentsTable(flags, table.GetAddressOf()));
+    return table;
+}
+
+StoreConformanceTest::Rows StoreConformanceTest::AllRows(IMAPITable* table, Tags columns)
+{
+    EXPECT_EQ(S_OK, table->SetColumns(columns.Get(), 0));
+    EXPECT_EQ(S_OK, table->SeekRow(BOOKMARK_BEGINNING, 0, nullptr));
+    LPSRowSet rows = nullptr;
+    EXPECT_EQ(S_OK, table->QueryRows(1000, 0, &rows));
+    return Own(rows);
+}
+
+std::vector<std::wstring> StoreConformanceTest::Column(IMAPITable* table, ULONG tag)
+{
+    std::vector<std::wstring> texts;
+    const Rows rows = AllRows(table, {tag});
+    for (ULONG i = 0; rows && i < rows->cRows; ++i)
+    {
+        const SPropValue& value = rows->aRow[i].lpProps[0];
+        texts.push_back(PROP_TYPE(value.ulPropTag) == PT_UNICODE ? value.Value.lpszW
+                                                                 : L"(missing)");
+    }
+    return texts;
+}
