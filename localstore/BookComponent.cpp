@@ -6,20 +6,8 @@ namespace
 {
 
 constexpr wchar_t kBookLibrary[] = L"PimLocalBook.dll";
-// What the clients' open command starts: the first that is there.
 constexpr const wchar_t* kPrograms[] = {L"pim.exe", L"pimstore.exe"};
 constexpr wchar_t kCalendars[] = L"\\Microsoft\\Windows Calendar\\Calendars";
-
-// The readers' buffers hold 260 characters with the terminator.
-constexpr size_t kLongestText = 259;
-
-// The discovery takes neither folders nor system files for a program.
-bool IsProgramFile(const std::wstring& path)
-{
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES &&
-           !(attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_SYSTEM));
-}
 
 bool ExpandsToItself(const std::wstring& text)
 {
@@ -30,6 +18,23 @@ bool ExpandsToItself(const std::wstring& text)
 }
 
 } // namespace
+
+bool IsProgramFile(const std::wstring& path)
+{
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES &&
+           !(attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_SYSTEM));
+}
+
+std::wstring FindClientProgram(const std::wstring& home)
+{
+    for (const wchar_t* name : kPrograms)
+    {
+        if (IsProgramFile(home + name))
+            return home + name;
+    }
+    return {};
+}
 
 bool PlanBook(const std::wstring& home,
               const std::wstring& localData,
@@ -42,19 +47,14 @@ bool PlanBook(const std::wstring& home,
         reason = library + L" is missing: pimstore.exe must lie beside it.";
         return false;
     }
-    std::wstring program;
-    for (const wchar_t* name : kPrograms)
-    {
-        if (program.empty() && IsProgramFile(home + name))
-            program = home + name;
-    }
+    const std::wstring program = FindClientProgram(home);
     if (program.empty())
     {
         reason = L"Neither pim.exe nor pimstore.exe is in " + home + L".";
         return false;
     }
     const std::wstring command = L"\"" + program + L"\"";
-    if (library.size() > kLongestText || command.size() > kLongestText)
+    if (library.size() > kLongestClientText || command.size() > kLongestClientText)
     {
         reason = L"The path " + home + L" is too long: move the product to a shorter one.";
         return false;

@@ -13,6 +13,16 @@ inline constexpr wchar_t kWindowsMail[] = L"Windows Mail";
 inline constexpr wchar_t kOutlookExpress[] = L"Outlook Express";
 inline constexpr wchar_t kOpenCommand[] = L"\\shell\\open\\command";
 
+// The discovery's buffers for paths and commands hold 260 characters with the terminator.
+inline constexpr size_t kLongestClientText = 259;
+
+// A file as the discovery takes it for a program: no folder and no system file.
+bool IsProgramFile(const std::wstring& path);
+
+// What the clients' open command starts: the first program of the product that is in the folder.
+// Empty where none is.
+std::wstring FindClientProgram(const std::wstring& home);
+
 // The plan for the product in that folder (with its trailing backslash), for the user with that
 // folder of local application data. False, and the reason in words, where the files are missing or
 // a path does not survive the way that it is read: the library's path is expanded and at most 259

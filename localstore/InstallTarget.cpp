@@ -13,6 +13,13 @@ constexpr REGSAM kView = KEY_WOW64_64KEY;
 
 // Values that an installer looks at are short; anything larger is not one of ours.
 constexpr DWORD kLargestValueBytes = 1 << 20;
+// The same of files: the largest is a library.
+constexpr LONGLONG kLargestFileBytes = 256ll << 20;
+
+LSTATUS LastStatus()
+{
+    return static_cast<LSTATUS>(::GetLastError());
+}
 
 std::wstring Units(const RegistryValue& value)
 {
@@ -184,11 +191,56 @@ LSTATUS SystemInstallTarget::DeleteEmptyKey(const std::wstring& key)
 
 LSTATUS SystemInstallTarget::CreateFolder(const std::wstring& path)
 {
-    return CreateDirectoryW(path.c_str(), nullptr) ? ERROR_SUCCESS
-                                                   : static_cast<LSTATUS>(::GetLastError());
+    return CreateDirectoryW(path.c_str(), nullptr) ? ERROR_SUCCESS : LastStatus();
 }
 
 LSTATUS SystemInstallTarget::RemoveEmptyFolder(const std::wstring& path)
 {
     return RemoveDirectoryW(path.c_str()) ? ERROR_SUCCESS : static_cast<LSTATUS>(::GetLastError());
+}
+
+LSTATUS SystemInstallTarget::ReadWholeFile(const std::wstring& path, std::vector<BYTE>& bytes) const
+{
+    const UniqueFile file(CreateFileW(path.c_str(),
+                                      GENERIC_READ,
+                                      FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                      nullptr,
+                                      OPEN_EXISTING,
+                                      0,
+                                      nullptr));
+    LARGE_INTEGER size{};
+    if (!file || !GetFileSizeEx(file.Get(), &size))
+        return LastStatus();
+    if (size.QuadPart > kLargestFileBytes)
+        return ERROR_FILE_TOO_LARGE;
+    bytes.resize(static_cast<size_t>(size.QuadPart));
+    DWORD read = 0;
+    if (!ReadFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr))
+        return LastStatus();
+    bytes.resize(read);
+    return ERROR_SUCCESS;
+}
+
+LSTATUS SystemInstallTarget::WriteNewFile(const std::wstring& path, const std::vector<BYTE>& bytes)
+{
+    UniqueFile file(CreateFileW(
+        path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file)
+        return LastStatus();
+    DWORD written = 0;
+    LSTATUS status = ERROR_SUCCESS;
+    if (!WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) ||
+        !FlushFileBuffers(file.Get()))
+        status = LastStatus();
+    else if (written != bytes.size())
+        status = ERROR_DISK_FULL;
+    file.Reset();
+    if (status != ERROR_SUCCESS)
+        DeleteFileW(path.c_str());
+    return status;
+}
+
+LSTATUS SystemInstallTarget::RemoveFile(const std::wstring& path)
+{
+    return DeleteFileW(path.c_str()) ? ERROR_SUCCESS : LastStatus();
 }

@@ -1,5 +1,5 @@
-// What the installer changes: registry keys below one root, and folders. An interface, so that
-// tests can let any single change fail.
+// What the installer changes: registry keys below one root, folders and files. An interface, so
+// that tests can let any single change fail.
 #pragma once
 
 #include "platform/WindowsHeaders.h"
@@ -33,6 +33,8 @@ class InstallTarget
                               RegistryValue& value) const = 0;
     virtual bool KeyExists(const std::wstring& key) const = 0;
     virtual bool FolderExists(const std::wstring& path) const = 0;
+    // ERROR_FILE_NOT_FOUND or ERROR_PATH_NOT_FOUND where there is none.
+    virtual LSTATUS ReadWholeFile(const std::wstring& path, std::vector<BYTE>& bytes) const = 0;
 
     virtual LSTATUS CreateKey(const std::wstring& key) = 0;
     virtual LSTATUS WriteValue(const std::wstring& key,
@@ -44,6 +46,9 @@ class InstallTarget
     virtual LSTATUS CreateFolder(const std::wstring& path) = 0;
     // ERROR_DIR_NOT_EMPTY, and the folder stays, where something is in it.
     virtual LSTATUS RemoveEmptyFolder(const std::wstring& path) = 0;
+    // ERROR_FILE_EXISTS where there is one. A file that could not be written whole is not there.
+    virtual LSTATUS WriteNewFile(const std::wstring& path, const std::vector<BYTE>& bytes) = 0;
+    virtual LSTATUS RemoveFile(const std::wstring& path) = 0;
 };
 
 // The real one. The root is HKEY_LOCAL_MACHINE, or any open key that stands in for it; it is not
@@ -58,6 +63,7 @@ class SystemInstallTarget : public InstallTarget
                       RegistryValue& value) const override;
     bool KeyExists(const std::wstring& key) const override;
     bool FolderExists(const std::wstring& path) const override;
+    LSTATUS ReadWholeFile(const std::wstring& path, std::vector<BYTE>& bytes) const override;
     LSTATUS CreateKey(const std::wstring& key) override;
     LSTATUS WriteValue(const std::wstring& key,
                        const std::wstring& name,
@@ -66,6 +72,8 @@ class SystemInstallTarget : public InstallTarget
     LSTATUS DeleteEmptyKey(const std::wstring& key) override;
     LSTATUS CreateFolder(const std::wstring& path) override;
     LSTATUS RemoveEmptyFolder(const std::wstring& path) override;
+    LSTATUS WriteNewFile(const std::wstring& path, const std::vector<BYTE>& bytes) override;
+    LSTATUS RemoveFile(const std::wstring& path) override;
 
   private:
     HKEY m_root;

@@ -1,7 +1,10 @@
 #include "localstore/Installer.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cwchar>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -12,13 +15,23 @@ constexpr wchar_t kRecordsKey[] = L"Software\\PimStoreBridge\\Installed\\";
 constexpr wchar_t kHome[] = L"Home";
 constexpr wchar_t kCreatedKeys[] = L"CreatedKeys";
 constexpr wchar_t kCreatedFolders[] = L"CreatedFolders";
-constexpr wchar_t kChange[] = L"Change"; // followed by a number: key, name and text, one a line
+// Each followed by a number.
+constexpr wchar_t kChange[] =
+    L"Change";                       // key, name and text, one a line; a list of strings: as one
+constexpr wchar_t kFile[] = L"File"; // path and fingerprint, one a line
 
 struct RecordedValue
 {
     std::wstring key;
     std::wstring name;
     std::wstring text;
+    std::vector<std::wstring> list = {}; // as in PlannedValue
+};
+
+struct RecordedFile
+{
+    std::wstring path;
+    std::wstring fingerprint;
 };
 
 struct Record
@@ -27,6 +40,7 @@ struct Record
     std::vector<std::wstring> createdKeys;
     std::vector<std::wstring> createdFolders;
     std::vector<RecordedValue> values;
+    std::vector<RecordedFile> files;
 };
 
 std::wstring RecordKey(const std::wstring& component)
@@ -37,6 +51,27 @@ std::wstring RecordKey(const std::wstring& component)
 std::wstring ChangeName(size_t index)
 {
     return kChange + std::to_wstring(index);
+}
+
+std::wstring FileName(size_t index)
+{
+    return kFile + std::to_wstring(index);
+}
+
+// Tells whether a file is the one that was installed: its size and a hash (FNV-1a, 64 bits). No
+// guard against somebody who means to deceive, who has the rights to do worse.
+std::wstring Fingerprint(const std::vector<BYTE>& bytes)
+{
+    std::uint64_t hash = 0xCBF29CE484222325;
+    for (const BYTE one : bytes)
+        hash = (hash ^ one) * 0x100000001B3;
+    wchar_t text[48] = {};
+    std::swprintf(text,
+                  std::size(text),
+                  L"%llu-%016llX",
+                  static_cast<unsigned long long>(bytes.size()),
+                  static_cast<unsigned long long>(hash));
+    return text;
 }
 
 std::wstring Display(const std::wstring& key, const std::wstring& name)
@@ -126,6 +161,19 @@ class ChangeLog
             return m_target.RemoveEmptyFolder(path);
         });
     }
+    bool WriteFile(const std::wstring& path, const std::vector<BYTE>& bytes)
+    {
+        return Do(m_target.WriteNewFile(path, bytes), path, [this, path] {
+            return m_target.RemoveFile(path);
+        });
+    }
+    // The bytes are what stands there now.
+    bool RemoveFile(const std::wstring& path, const std::vector<BYTE>& bytes)
+    {
+        return Do(m_target.RemoveFile(path), path, [this, path, bytes] {
+            return m_target.WriteNewFile(path, bytes);
+        });
+    }
     // False only where something else is in the way than contents.
     bool RemoveFolderIfEmpty(const std::wstring& path, bool& inUse)
     {
@@ -172,20 +220,48 @@ class ChangeLog
     std::wstring m_failedAt;
 };
 
+// The value as it is in the registry.
+RegistryValue ValueOf(const RecordedValue& value)
+{
+    return value.list.empty() ? TextValue(value.text) : ListValue(value.list);
+}
+
 RegistryValue ChangeValue(const RecordedValue& value)
 {
+    if (!value.list.empty())
+    {
+        std::vector<std::wstring> strings = {value.key, value.name};
+        strings.insert(strings.end(), value.list.begin(), value.list.end());
+        return ListValue(strings);
+    }
     return TextValue(value.key + L'\n' + value.name + L'\n' + value.text);
 }
 
-// Nothing where the text is no change of ours.
-std::optional<RecordedValue> ParseChange(const std::wstring& text)
+// Nothing where the value is no change of ours.
+std::optional<RecordedValue> ParseChange(const RegistryValue& value)
 {
+    if (value.type == REG_MULTI_SZ)
+    {
+        std::vector<std::wstring> strings = ListOfValue(value);
+        if (strings.size() < 3)
+            return std::nullopt;
+        return RecordedValue{strings[0], strings[1], {}, {strings.begin() + 2, strings.end()}};
+    }
+    const std::wstring text = TextOfValue(value);
     const size_t first = text.find(L'\n');
     const size_t second = first == std::wstring::npos ? first : text.find(L'\n', first + 1);
     if (second == std::wstring::npos)
         return std::nullopt;
     return RecordedValue{
         text.substr(0, first), text.substr(first + 1, second - first - 1), text.substr(second + 1)};
+}
+
+std::optional<RecordedFile> ParseFile(const std::wstring& text)
+{
+    const size_t line = text.find(L'\n');
+    if (line == std::wstring::npos)
+        return std::nullopt;
+    return RecordedFile{text.substr(0, line), text.substr(line + 1)};
 }
 
 std::optional<Record> ReadRecord(const InstallTarget& target, const std::wstring& component)
@@ -203,16 +279,15 @@ std::optional<Record> ReadRecord(const InstallTarget& target, const std::wstring
         record.createdFolders = ListOfValue(value);
     for (size_t i = 0; target.ReadValue(key, ChangeName(i), value) == ERROR_SUCCESS; ++i)
     {
-        if (auto change = ParseChange(TextOfValue(value)))
+        if (auto change = ParseChange(value))
             record.values.push_back(std::move(*change));
     }
+    for (size_t i = 0; target.ReadValue(key, FileName(i), value) == ERROR_SUCCESS; ++i)
+    {
+        if (auto file = ParseFile(TextOfValue(value)))
+            record.files.push_back(std::move(*file));
+    }
     return record;
-}
-
-// The value as it stands holds exactly that text.
-bool Holds(const RegistryValue& value, const std::wstring& text)
-{
-    return value == TextValue(text);
 }
 
 std::wstring Describe(const RegistryValue& value)
@@ -258,11 +333,20 @@ InstallReport CompareWithRecord(const InstallTarget& target,
     {
         RegistryValue value;
         const LSTATUS status = target.ReadValue(recorded.key, recorded.name, value);
-        if (status == ERROR_SUCCESS && Holds(value, recorded.text))
+        if (status == ERROR_SUCCESS && value == ValueOf(recorded))
             continue;
         report.outcome = InstallOutcome::OtherInstall;
         report.lines.push_back(Display(recorded.key, recorded.name) +
                                L" is not what was installed any more.");
+    }
+    for (const RecordedFile& recorded : record.files)
+    {
+        std::vector<BYTE> bytes;
+        if (target.ReadWholeFile(recorded.path, bytes) == ERROR_SUCCESS &&
+            Fingerprint(bytes) == recorded.fingerprint)
+            continue;
+        report.outcome = InstallOutcome::OtherInstall;
+        report.lines.push_back(recorded.path + L" is not what was installed any more.");
     }
     if (report.outcome == InstallOutcome::Unchanged)
         report.lines.push_back(L"The " + plan.component + L" is already installed from " +
@@ -273,12 +357,43 @@ InstallReport CompareWithRecord(const InstallTarget& target,
     return report;
 }
 
+// A file of the plan is another one by now than the record tells.
+bool HasNewerFiles(const InstallTarget& target, const ComponentPlan& plan, const Record& record)
+{
+    for (const RecordedFile& recorded : record.files)
+    {
+        for (const PlannedFile& planned : plan.files)
+        {
+            std::vector<BYTE> bytes;
+            if (planned.path == recorded.path &&
+                target.ReadWholeFile(planned.source, bytes) == ERROR_SUCCESS &&
+                Fingerprint(bytes) != recorded.fingerprint)
+                return true;
+        }
+    }
+    return false;
+}
+
+struct FileToWrite
+{
+    std::wstring path;
+    std::vector<BYTE> bytes;
+};
+
 } // namespace
 
 InstallReport Install(InstallTarget& target, const ComponentPlan& plan)
 {
     if (const std::optional<Record> record = ReadRecord(target, plan.component))
-        return CompareWithRecord(target, plan, *record);
+    {
+        InstallReport compared = CompareWithRecord(target, plan, *record);
+        if (compared.outcome != InstallOutcome::Unchanged || !HasNewerFiles(target, plan, *record))
+            return compared;
+        InstallReport removed = Remove(target, plan.component);
+        if (removed.outcome != InstallOutcome::Done)
+            return removed;
+        return Install(target, plan);
+    }
 
     InstallReport report;
     std::vector<RecordedValue> toWrite;
@@ -287,18 +402,43 @@ InstallReport Install(InstallTarget& target, const ComponentPlan& plan)
         RegistryValue value;
         const LSTATUS status = target.ReadValue(planned.key, planned.name, value);
         if (IsMissing(status))
-            toWrite.push_back({planned.key, planned.name, planned.text});
+            toWrite.push_back({planned.key, planned.name, planned.text, planned.list});
         else if (status != ERROR_SUCCESS)
         {
             InstallReport failure = FailureReport(status, Display(planned.key, planned.name));
             failure.lines.push_back(L"Nothing was changed.");
             return failure;
         }
-        else if (planned.whenTaken == WhenTaken::Refuse && !Holds(value, planned.text))
+        else if (planned.whenTaken == WhenTaken::Refuse &&
+                 value != ValueOf({planned.key, planned.name, planned.text, planned.list}))
         {
             report.outcome = InstallOutcome::TakenByOther;
             report.lines.push_back(L"Another product holds " + Display(planned.key, planned.name) +
                                    L": " + Describe(value) + L".");
+        }
+    }
+    std::vector<FileToWrite> files;
+    for (const PlannedFile& planned : plan.files)
+    {
+        const auto failed = [](LSTATUS status, const std::wstring& path) {
+            InstallReport failure = FailureReport(status, path);
+            failure.lines.push_back(L"Nothing was changed.");
+            return failure;
+        };
+        FileToWrite file{planned.path, {}};
+        LSTATUS status = target.ReadWholeFile(planned.source, file.bytes);
+        if (status != ERROR_SUCCESS)
+            return failed(status, planned.source);
+        std::vector<BYTE> present;
+        status = target.ReadWholeFile(planned.path, present);
+        if (IsMissing(status))
+            files.push_back(std::move(file));
+        else if (status != ERROR_SUCCESS)
+            return failed(status, planned.path);
+        else if (present != file.bytes)
+        {
+            report.outcome = InstallOutcome::TakenByOther;
+            report.lines.push_back(L"Another product holds the file " + planned.path + L".");
         }
     }
     if (report.outcome == InstallOutcome::TakenByOther)
@@ -331,13 +471,18 @@ InstallReport Install(InstallTarget& target, const ComponentPlan& plan)
            log.Write(recordKey, kHome, TextValue(plan.home));
     for (size_t i = 0; done && i < toWrite.size(); ++i)
         done = log.Write(recordKey, ChangeName(i), ChangeValue(toWrite[i]));
+    for (size_t i = 0; done && i < files.size(); ++i)
+        done = log.Write(
+            recordKey, FileName(i), TextValue(files[i].path + L'\n' + Fingerprint(files[i].bytes)));
 
     for (size_t i = recordKeys.size(); done && i < createdKeys.size(); ++i)
         done = log.CreateKey(createdKeys[i]);
     for (size_t i = 0; done && i < createdFolders.size(); ++i)
         done = log.CreateFolder(createdFolders[i]);
+    for (size_t i = 0; done && i < files.size(); ++i)
+        done = log.WriteFile(files[i].path, files[i].bytes);
     for (size_t i = 0; done && i < toWrite.size(); ++i)
-        done = log.Write(toWrite[i].key, toWrite[i].name, TextValue(toWrite[i].text));
+        done = log.Write(toWrite[i].key, toWrite[i].name, ValueOf(toWrite[i]));
     if (!done)
         return log.RollBack();
 
@@ -345,6 +490,8 @@ InstallReport Install(InstallTarget& target, const ComponentPlan& plan)
         report.lines.push_back(L"Set " + Display(value.key, value.name) + L".");
     for (const std::wstring& folder : createdFolders)
         report.lines.push_back(L"Made " + folder + L".");
+    for (const FileToWrite& file : files)
+        report.lines.push_back(L"Made " + file.path + L".");
     report.lines.push_back(L"The " + plan.component + L" is installed from " + plan.home + L".");
     return report;
 }
@@ -368,11 +515,27 @@ InstallReport Remove(InstallTarget& target, const std::wstring& component)
         const LSTATUS status = target.ReadValue(recorded->key, recorded->name, value);
         if (IsMissing(status))
             report.lines.push_back(display + L" was gone already.");
-        else if (status != ERROR_SUCCESS || !Holds(value, recorded->text))
+        else if (status != ERROR_SUCCESS || value != ValueOf(*recorded))
             report.lines.push_back(display + L" was changed by another program since and stays: " +
                                    Describe(value) + L".");
         else if (!log.Delete(recorded->key, recorded->name, value))
             return log.RollBack();
+    }
+    for (const RecordedFile& file : record->files)
+    {
+        std::vector<BYTE> bytes;
+        const LSTATUS status = target.ReadWholeFile(file.path, bytes);
+        if (IsMissing(status))
+            report.lines.push_back(file.path + L" was gone already.");
+        else if (status != ERROR_SUCCESS || Fingerprint(bytes) != file.fingerprint)
+            report.lines.push_back(file.path + L" was changed by another program since and stays.");
+        else if (!log.RemoveFile(file.path, bytes))
+        {
+            InstallReport failure = log.RollBack();
+            failure.lines.push_back(L"A program that uses the file keeps it: end that program. The "
+                                    L"server ends by itself five seconds after its last client.");
+            return failure;
+        }
     }
     for (auto folder = record->createdFolders.rbegin(); folder != record->createdFolders.rend();
          ++folder)
@@ -399,6 +562,8 @@ InstallReport Remove(InstallTarget& target, const std::wstring& component)
     RegistryValue value;
     for (size_t i = 0; target.ReadValue(recordKey, ChangeName(i), value) == ERROR_SUCCESS; ++i)
         names.insert(names.begin(), ChangeName(i));
+    for (size_t i = 0; target.ReadValue(recordKey, FileName(i), value) == ERROR_SUCCESS; ++i)
+        names.insert(names.begin(), FileName(i));
     for (const std::wstring& name : names)
     {
         if (target.ReadValue(recordKey, name, value) == ERROR_SUCCESS &&

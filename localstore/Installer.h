@@ -1,5 +1,5 @@
-// Installs and removes a component: a table of registry values and folders that the server's
-// discovery reads. All or nothing, with a record of what was written under
+// Installs and removes a component: a table of registry values, folders and files that the server's
+// discovery looks for. All or nothing, with a record of what was written under
 // Software\PimStoreBridge\Installed\<component>, and removal by that record alone.
 //
 // The record is written first, so that also a process that was ended in the middle leaves enough
@@ -24,6 +24,15 @@ struct PlannedValue
     std::wstring name;
     std::wstring text;
     WhenTaken whenTaken;
+    // Where it has strings, the value is the list of them and not the text.
+    std::vector<std::wstring> list = {};
+};
+
+// Always refused where another file is there.
+struct PlannedFile
+{
+    std::wstring source;
+    std::wstring path;
 };
 
 struct ComponentPlan
@@ -32,6 +41,7 @@ struct ComponentPlan
     std::wstring home;                 // where the product's files lie
     std::vector<PlannedValue> values;  // written where missing
     std::vector<std::wstring> folders; // made where missing, with their parents
+    std::vector<PlannedFile> files = {};
 };
 
 enum class InstallOutcome
@@ -39,7 +49,7 @@ enum class InstallOutcome
     Done,
     Unchanged,    // installed already, or not installed
     TakenByOther, // another product holds a value
-    OtherInstall, // a record of another place, or one whose values do not stand any more
+    OtherInstall, // a record of another place, or one whose values or files do not stand any more
     AccessDenied, // the rights do not suffice
     Failed        // another failure of the system
 };
@@ -52,6 +62,8 @@ struct InstallReport
     std::vector<std::wstring> lines;
 };
 
+// A component that is installed from the same place, but with files that the product has newer by
+// now, is removed and installed anew.
 InstallReport Install(InstallTarget& target, const ComponentPlan& plan);
 InstallReport Remove(InstallTarget& target, const std::wstring& component);
 

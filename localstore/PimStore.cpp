@@ -3,7 +3,9 @@
 #include "localstore/Database.h"
 #include "localstore/Installer.h"
 #include "localstore/StoreCommands.h"
+#include "localstore/StoreComponent.h"
 #include "localstore/StorePath.h"
+#include "localstore/StoreProfile.h"
 #include "localstore/StoreSchema.h"
 #include "localstore/ToolConsole.h"
 #include "service/TextConversions.h"
@@ -94,10 +96,44 @@ int InstallBook()
     return Tell(Install(machine, plan));
 }
 
-int RemoveBook()
+int InstallStore()
+{
+    wchar_t programFiles[MAX_PATH] = {};
+    if (!SHGetSpecialFolderPathW(nullptr, programFiles, CSIDL_PROGRAM_FILES, FALSE))
+    {
+        PrintError(L"The program files folder cannot be told.");
+        return kFailed;
+    }
+    ComponentPlan plan;
+    std::wstring reason;
+    if (!PlanStore(HomeFolder(), programFiles, plan, reason))
+    {
+        PrintError(reason);
+        PrintError(L"Nothing was changed.");
+        return kFailed;
+    }
+    SystemInstallTarget machine(HKEY_LOCAL_MACHINE);
+    const int code = Tell(Install(machine, plan));
+    if (code != kOk)
+        return code;
+    // So that a logon works at once.
+    Database database = OpenStore(StorePath());
+    if (EnsureDefaultProfile(database, LoggedOnUser()))
+        Print(L"Made the default profile in " + StorePath() + L".");
+    return kOk;
+}
+
+int RemoveComponent(const wchar_t* component)
 {
     SystemInstallTarget machine(HKEY_LOCAL_MACHINE);
-    return Tell(Remove(machine, kBookComponent));
+    return Tell(Remove(machine, component));
+}
+
+// Runs what was asked for one after the other, and ends with the first failure.
+int RunBoth(bool book, bool store, int (*runBook)(), int (*runStore)())
+{
+    const int code = book ? runBook() : int{kOk};
+    return code == kOk && store ? runStore() : code;
 }
 
 std::wstring ValueText(const InstallTarget& target, const std::wstring& key)
@@ -111,18 +147,23 @@ std::wstring ValueText(const InstallTarget& target, const std::wstring& key)
 int Status()
 {
     const SystemInstallTarget machine(HKEY_LOCAL_MACHINE);
-    const std::wstring home = InstalledHome(machine, kBookComponent);
+    const auto installed = [&](const wchar_t* component) {
+        const std::wstring home = InstalledHome(machine, component);
+        return home.empty() ? std::wstring(L"not installed") : L"installed from " + home;
+    };
     const std::wstring clients = std::wstring(kMailClients) + L"\\";
-    Print(L"book                  " +
-          (home.empty() ? L"not installed" : L"installed from " + home));
+    Print(L"book                  " + installed(kBookComponent));
+    Print(L"store                 " + installed(kStoreComponent));
     Print(L"address book library  " + ValueText(machine, kBookLibraryKey));
     Print(L"Windows Mail          " + ValueText(machine, clients + kWindowsMail + kOpenCommand));
     Print(L"Outlook Express       " + ValueText(machine, clients + kOutlookExpress + kOpenCommand));
+    Print(L"Microsoft Outlook     " +
+          ValueText(machine, clients + kMicrosoftOutlook + kOpenCommand));
     Print(L"default mail client   " + ValueText(machine, kMailClients));
     try
     {
         const std::wstring path = StorePath();
-        Print(L"store                 " + path);
+        Print(L"database              " + path);
         if (GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES)
         {
             Print(L"                      not made yet; its first use makes it");
@@ -167,21 +208,28 @@ int Run(int argc, wchar_t** argv)
     CLI::App app{"Installs and removes the embedded stores of PimStoreBridge.\n"
                  "The book is the embedded address book: installed, it stands in for the Windows "
                  "Address Book\nand makes the back ends \"Windows Mail\" and \"Outlook Express\" "
-                 "usable.",
+                 "usable.\nThe store is the embedded message store: installed, it makes the back "
+                 "end \"Microsoft Outlook\"\nusable where no Outlook is.",
                  "pimstore"};
     app.set_version_flag("--version", PIM_VERSION);
     app.require_subcommand(1);
     app.footer(kExitCodes);
 
     bool book = false;
+    bool store = false;
+    const auto addComponents = [&](CLI::App* command) {
+        auto* components = command->add_option_group("components", "What, at least one");
+        components->add_flag("--book", book, "The embedded address book");
+        components->add_flag("--store", store, "The embedded message store");
+        components->require_option(1, 2);
+        command->footer(kExitCodes);
+    };
     CLI::App* install = app.add_subcommand(
         "install", "Write the registry values and make the folder that the server looks for");
-    install->add_flag("--book", book, "The embedded address book")->required();
-    install->footer(kExitCodes);
+    addComponents(install);
     CLI::App* remove =
         app.add_subcommand("remove", "Take back exactly what install wrote; data stays");
-    remove->add_flag("--book", book, "The embedded address book")->required();
-    remove->footer(kExitCodes);
+    addComponents(remove);
     CLI::App* status =
         app.add_subcommand("status", "Tell what is installed and whether the store opens");
 
@@ -207,9 +255,13 @@ int Run(int argc, wchar_t** argv)
         return TellParseResult(app, error);
     }
     if (*install)
-        return InstallBook();
+        return RunBoth(book, store, InstallBook, InstallStore);
     if (*remove)
-        return RemoveBook();
+        return RunBoth(
+            book,
+            store,
+            [] { return RemoveComponent(kBookComponent); },
+            [] { return RemoveComponent(kStoreComponent); });
     if (*load)
         return RunLoad(WideFromUtf8(loadPath), replace);
     if (*dump)

@@ -1,7 +1,9 @@
 #include "localstore/Installer.h"
 
 #include "localstore/BookComponent.h"
+#include "localstore/StoreComponent.h"
 #include "platform/UniqueHandle.h"
+#include "service/TextConversions.h"
 #include "tests/localstore/LocalStoreSupport.h"
 
 #include <gmock/gmock.h>
@@ -55,6 +57,14 @@ class FailingTarget : public SystemInstallTarget
     {
         return Fails() ? failure : SystemInstallTarget::RemoveEmptyFolder(path);
     }
+    LSTATUS WriteNewFile(const std::wstring& path, const std::vector<BYTE>& bytes) override
+    {
+        return Fails() ? failure : SystemInstallTarget::WriteNewFile(path, bytes);
+    }
+    LSTATUS RemoveFile(const std::wstring& path) override
+    {
+        return Fails() ? failure : SystemInstallTarget::RemoveFile(path);
+    }
 
   private:
     bool Fails()
@@ -91,6 +101,15 @@ class InstallerTest : public testing::Test
             {L"Software\\Clients\\Mail", L"", L"One", WhenTaken::Leave},
         };
         plan.folders = {m_folder.Path() + L"Vendor\\Calendars"};
+        // The home of the files is outside of what a snapshot holds.
+        WriteWholeFile(m_home.File(L"source.dll"), "the library");
+        plan.values.push_back({L"Software\\Clients\\Mail\\One",
+                               L"Strings",
+                               L"",
+                               WhenTaken::Refuse,
+                               {L"first", L"second"}});
+        plan.files = {
+            {m_home.File(L"source.dll"), m_folder.Path() + L"Vendor\\Calendars\\LIBRARY.DLL"}};
     }
     ~InstallerTest() override
     {
@@ -101,6 +120,9 @@ class InstallerTest : public testing::Test
     HKEY Root() const { return m_root.Get(); }
     SystemInstallTarget Target() const { return SystemInstallTarget(m_root.Get()); }
     const TempFolder& Folder() const { return m_folder; }
+    // The file that the plan installs, and where it comes from.
+    const std::wstring& Installed() const { return plan.files[0].path; }
+    const std::wstring& Source() const { return plan.files[0].source; }
 
     void Set(const std::wstring& key, const std::wstring& text)
     {
@@ -116,7 +138,11 @@ class InstallerTest : public testing::Test
         AddKey(m_root.Get(), L"", text);
         for (const auto& entry :
              std::filesystem::recursive_directory_iterator(std::filesystem::path(m_folder.Path())))
-            text += L"folder " + entry.path().wstring() + L"\n";
+        {
+            text += L"entry " + entry.path().wstring() + L"\n";
+            if (entry.is_regular_file())
+                text += WideFromUtf8(ReadWholeFile(entry.path().wstring())) + L"\n";
+        }
         return text;
     }
 
@@ -160,6 +186,7 @@ class InstallerTest : public testing::Test
     }
 
     TempFolder m_folder;
+    TempFolder m_home;
     UniqueRegistryKey m_root;
 };
 
@@ -450,4 +477,150 @@ TEST_F(InstallerTest, TheBookIsNotPlannedWhereItCouldNotBeFound)
     WriteWholeFile(percent + L"PimLocalBook.dll", "x");
     WriteWholeFile(percent + L"pimstore.exe", "x");
     EXPECT_TRUE(PlanBook(percent, L"C:\\Local", book, reason)) << reason;
+}
+
+TEST_F(InstallerTest, WritesListsAndFilesToo)
+{
+    SystemInstallTarget target = Target();
+    ASSERT_EQ(InstallOutcome::Done, Install(target, plan).outcome);
+    RegistryValue value;
+    ASSERT_EQ(ERROR_SUCCESS, target.ReadValue(L"Software\\Clients\\Mail\\One", L"Strings", value));
+    EXPECT_EQ(DWORD{REG_MULTI_SZ}, value.type);
+    EXPECT_EQ((std::vector<std::wstring>{L"first", L"second"}), ListOfValue(value));
+    EXPECT_EQ("the library", ReadWholeFile(Installed()));
+}
+
+TEST_F(InstallerTest, RefusesWhereAnotherProductHasTheFileOrTheList)
+{
+    SystemInstallTarget target = Target();
+    std::filesystem::create_directories(Folder().Path() + L"Vendor\\Calendars");
+    WriteWholeFile(Installed(), "theirs");
+    std::wstring before = Snapshot();
+    const InstallReport report = Install(target, plan);
+    EXPECT_EQ(InstallOutcome::TakenByOther, report.outcome);
+    EXPECT_THAT(AllLines(report), HasSubstr(Installed()));
+    EXPECT_EQ(before, Snapshot());
+
+    std::filesystem::remove(Installed());
+    Set(L"Software\\Clients\\Mail\\One", L"");
+    ASSERT_EQ(ERROR_SUCCESS,
+              target.WriteValue(
+                  L"Software\\Clients\\Mail\\One", L"Strings", ListValue({L"first", L"third"})));
+    before = Snapshot();
+    EXPECT_EQ(InstallOutcome::TakenByOther, Install(target, plan).outcome);
+    EXPECT_EQ(before, Snapshot());
+}
+
+TEST_F(InstallerTest, AFileThatWasThereAlreadyStays)
+{
+    SystemInstallTarget target = Target();
+    std::filesystem::create_directories(Folder().Path() + L"Vendor\\Calendars");
+    WriteWholeFile(Installed(), "the library");
+    const std::wstring before = Snapshot();
+    ASSERT_EQ(InstallOutcome::Done, Install(target, plan).outcome);
+    ASSERT_EQ(InstallOutcome::Done, Remove(target, L"book").outcome);
+    EXPECT_EQ(before, Snapshot());
+}
+
+TEST_F(InstallerTest, AFileThatAnotherProgramChangedStaysAndIsTold)
+{
+    SystemInstallTarget target = Target();
+    ASSERT_EQ(InstallOutcome::Done, Install(target, plan).outcome);
+    WriteWholeFile(Installed(), "replaced by somebody");
+    const InstallReport again = Install(target, plan);
+    EXPECT_EQ(InstallOutcome::OtherInstall, again.outcome);
+    EXPECT_THAT(AllLines(again), HasSubstr(Installed()));
+    const InstallReport removed = Remove(target, L"book");
+    EXPECT_EQ(InstallOutcome::Done, removed.outcome);
+    EXPECT_THAT(AllLines(removed), HasSubstr(L"was changed by another program"));
+    EXPECT_EQ("replaced by somebody", ReadWholeFile(Installed()));
+
+    ASSERT_EQ(InstallOutcome::TakenByOther, Install(target, plan).outcome);
+    std::filesystem::remove(Installed());
+    ASSERT_EQ(InstallOutcome::Done, Install(target, plan).outcome);
+    std::filesystem::remove(Installed());
+    EXPECT_THAT(AllLines(Remove(target, L"book")), HasSubstr(L"was gone already"));
+}
+
+TEST_F(InstallerTest, ANewerFileOfTheProductTakesThePlaceOfTheOld)
+{
+    SystemInstallTarget target = Target();
+    const std::wstring clean = Snapshot();
+    ASSERT_EQ(InstallOutcome::Done, Install(target, plan).outcome);
+    WriteWholeFile(Source(), "a newer library");
+    const InstallReport report = Install(target, plan);
+    EXPECT_EQ(InstallOutcome::Done, report.outcome) << AllLines(report);
+    EXPECT_EQ("a newer library", ReadWholeFile(Installed()));
+    EXPECT_EQ(InstallOutcome::Unchanged, Install(target, plan).outcome);
+    ASSERT_EQ(InstallOutcome::Done, Remove(target, L"book").outcome);
+    EXPECT_EQ(clean, Snapshot());
+}
+
+TEST_F(InstallerTest, AFileInUseIsToldAndEverythingStays)
+{
+    SystemInstallTarget target = Target();
+    ASSERT_EQ(InstallOutcome::Done, Install(target, plan).outcome);
+    const std::wstring installed = Snapshot();
+    {
+        // As the system holds a library that is loaded: it can be read, and not be deleted.
+        const UniqueFile held(CreateFileW(Installed().c_str(),
+                                          GENERIC_READ,
+                                          FILE_SHARE_READ,
+                                          nullptr,
+                                          OPEN_EXISTING,
+                                          0,
+                                          nullptr));
+        ASSERT_TRUE(held);
+        const InstallReport report = Remove(target, L"book");
+        EXPECT_EQ(InstallOutcome::Failed, report.outcome);
+        EXPECT_THAT(AllLines(report), HasSubstr(L"end that program"));
+        EXPECT_EQ(installed, Snapshot());
+    }
+    EXPECT_EQ(InstallOutcome::Done, Remove(target, L"book").outcome);
+}
+
+TEST_F(InstallerTest, AMissingSourceInstallsNothing)
+{
+    const std::wstring clean = Snapshot();
+    SystemInstallTarget target = Target();
+    std::filesystem::remove(Source());
+    const InstallReport report = Install(target, plan);
+    EXPECT_EQ(InstallOutcome::Failed, report.outcome);
+    EXPECT_THAT(AllLines(report), HasSubstr(Source()));
+    EXPECT_EQ(clean, Snapshot());
+}
+
+TEST_F(InstallerTest, TheStoresPlanNamesWhatTheDiscoveryReads)
+{
+    ComponentPlan store;
+    std::wstring reason;
+    EXPECT_FALSE(PlanStore(Folder().Path(), L"C:\\Programs", store, reason));
+    EXPECT_THAT(reason, HasSubstr(L"PimLocalStore.dll"));
+    WriteWholeFile(Folder().File(L"PimLocalStore.dll"), "x");
+    EXPECT_FALSE(PlanStore(Folder().Path(), L"C:\\Programs", store, reason));
+    EXPECT_THAT(reason, HasSubstr(L"pimstore.exe"));
+    WriteWholeFile(Folder().File(L"pimstore.exe"), "x");
+    ASSERT_TRUE(PlanStore(Folder().Path(), L"C:\\Programs", store, reason)) << reason;
+    EXPECT_EQ(L"store", store.component);
+    ASSERT_EQ(4u, store.values.size());
+    for (const size_t i : {0, 1})
+        EXPECT_EQ(L"Software\\Clients\\Mail\\Microsoft Outlook", store.values[i].key);
+    EXPECT_EQ(L"MSIComponentID", store.values[0].name);
+    EXPECT_EQ(38u, store.values[0].text.size());
+    EXPECT_EQ(L"MSIApplicationLCID", store.values[1].name);
+    ASSERT_EQ(2u, store.values[1].list.size());
+    EXPECT_EQ(L"Microsoft\\Office\\14.0\\Outlook", store.values[1].list[0]);
+    EXPECT_EQ(L"Software\\Clients\\Mail\\Microsoft Outlook\\shell\\open\\command",
+              store.values[2].key);
+    EXPECT_EQ(L"\"" + Folder().File(L"pimstore.exe") + L"\"", store.values[2].text);
+    EXPECT_EQ(WhenTaken::Leave, store.values[3].whenTaken);
+    EXPECT_EQ(L"Microsoft Outlook", store.values[3].text);
+    ASSERT_EQ(1u, store.files.size());
+    EXPECT_EQ(Folder().File(L"PimLocalStore.dll"), store.files[0].source);
+    EXPECT_EQ(L"C:\\Programs\\Common Files\\System\\MSMAPI\\0\\MSMAPI32.DLL", store.files[0].path);
+    EXPECT_EQ((std::vector<std::wstring>{L"C:\\Programs\\Common Files\\System\\MSMAPI\\0"}),
+              store.folders);
+
+    EXPECT_FALSE(PlanStore(Folder().Path(), L"C:\\" + std::wstring(240, L'x'), store, reason));
+    EXPECT_THAT(reason, HasSubstr(L"too long"));
 }
