@@ -3,6 +3,8 @@
 #include "automation/AddressBook.h"
 #include "automation/Appointment.h"
 #include "automation/Calendar.h"
+#include "automation/ContactCategory.h"
+#include "automation/ContactGroup.h"
 #include "automation/ContactItem.h"
 #include "automation/Enumerator.h"
 #include "automation/ObjectFactory.h"
@@ -11,15 +13,6 @@
 
 namespace
 {
-// The creator of a class that is registered but has no objects to give.
-HRESULT CreateNothing(IUnknown*, REFIID, void** result) noexcept
-{
-    if (!result)
-        return E_POINTER;
-    *result = nullptr;
-    return CLASS_E_CLASSNOTAVAILABLE;
-}
-
 void NothingToStart(bool) noexcept {}
 
 constexpr ObjectMapEntry Row(const CLSID& clsid, WORD script, CreatorFunction* create)
@@ -32,8 +25,8 @@ constexpr ObjectMapEntry kObjectMap[] = {
     Row(CLSID_NAddressBook,                103, &CNAddressBook::CreateInstance),
     Row(CLSID_NAppointment,                107, &CNAppointment::CreateInstance),
     Row(CLSID_NCalendar,                   104, &CNCalendar::CreateInstance),
-    Row(CLSID_NContactCategory,            109, &CreateNothing),
-    Row(CLSID_NContactGroup,               106, &CreateNothing),
+    Row(CLSID_NContactCategory,            109, &CNContactCategory::CreateInstance),
+    Row(CLSID_NContactGroup,               106, &CNContactGroup::CreateInstance),
     Row(CLSID_NContactItem,                105, &CNContactItem::CreateInstance),
     Row(CLSID_NEnumerator,                 110, &CNEnumerator::CreateInstance),
     Row(CLSID_NObjectFactory64,            112, &CNObjectFactory::CreateInstance),

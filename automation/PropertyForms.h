@@ -84,3 +84,23 @@ inline HRESULT PutArray(ArrayField& field, SAFEARRAY* value)
     field.swap(taken);
     return result;
 }
+
+// Lenient array get: an empty field leaves *out as it is, and a copy that fails gives null.
+// Ownership: the caller destroys *out.   Returns: S_OK; E_POINTER.
+inline HRESULT GetArrayIfAny(const ArrayField& field, SAFEARRAY** out)
+{
+    if (!out)
+        return E_POINTER;
+    GetArray(field, out);
+    return S_OK;
+}
+
+// Lenient array put: like PutArray, but null is refused and a copy that fails goes unsaid.
+// Returns: S_OK; E_POINTER for null, with the field unchanged.
+inline HRESULT PutArrayIfAny(ArrayField& field, SAFEARRAY* value)
+{
+    if (!value)
+        return E_POINTER;
+    PutArray(field, value);
+    return S_OK;
+}

@@ -5,7 +5,7 @@
 #include "support/ComAssert.h"
 #include "support/Dispatch.h"
 #include "tests/automation/CollectionFixture.h"
-#include "tests/automation/TextProperties.h"
+#include "tests/automation/ItemProperties.h"
 
 #include <gtest/gtest.h>
 

@@ -69,6 +69,25 @@ TEST_F(ObjectFactoryTest, MakesEveryClassThatNeedsAProviderWhileOneRuns)
     }
 }
 
+TEST_F(ObjectFactoryTest, MakesEveryItemWithoutAProvider)
+{
+    const struct
+    {
+        CLSID clsid;
+        IID iid;
+    } classes[] = {{CLSID_NContactItem, IID_INContactItem},
+                   {CLSID_NContactGroup, IID_INContactGroup},
+                   {CLSID_NContactCategory, IID_INContactCategory},
+                   {CLSID_NAppointment, IID_INAppointment}};
+    for (const auto& row : classes)
+    {
+        ComPtr<IUnknown> object;
+        EXPECT_EQ(S_OK, factory->CreateInstance(row.clsid, object.GetAddressOf()));
+        ASSERT_TRUE(object);
+        ExpectInterfaces(object.Get(), {IID_IUnknown, IID_IDispatch, row.iid, IID_INEntityItem});
+    }
+}
+
 TEST_F(ObjectFactoryTest, TellsWhatTheClassRefuses)
 {
     IUnknown* none = factory.Get();

@@ -55,20 +55,3 @@ TEST(ObjectMapTest, TheFactoryOfTheOtherProcessorWidthIsNotServed)
         REGDB_E_CLASSNOTREG,
         CoCreateInstance(CLSID_NObjectFactory32, nullptr, kServerContext, IID_IUnknown, &result));
 }
-
-// These classes are registered like the others, and their class objects are there, but they give
-// no objects.
-TEST(ObjectMapTest, ClassesWithoutObjectsAreNotAvailable)
-{
-    const CLSID* const classes[] = {&CLSID_NContactCategory, &CLSID_NContactGroup};
-    for (const CLSID* clsid : classes)
-    {
-        void* result = &result;
-        EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE,
-                  CoCreateInstance(*clsid, nullptr, kServerContext, IID_IUnknown, &result));
-        EXPECT_EQ(nullptr, result);
-        TestOuter outer;
-        EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, outer.Aggregate(*clsid));
-        EXPECT_EQ(1u, outer.References());
-    }
-}

@@ -44,6 +44,14 @@ Variant Variant::Object(IDispatch* object) noexcept
     return variant;
 }
 
+Variant Variant::Reference(VARTYPE type, void* target) noexcept
+{
+    Variant variant;
+    variant.m_value.vt = static_cast<VARTYPE>(VT_BYREF | type);
+    variant.m_value.byref = target;
+    return variant;
+}
+
 Variant::Variant(const Variant& other) noexcept : Variant()
 {
     *this = other;

@@ -18,6 +18,8 @@ class Variant
     // A time, in days since 1899-12-30.
     static Variant Date(DATE value) noexcept;
     static Variant Object(IDispatch* object) noexcept;
+    // Refers to a variable of the caller's, as scripts pass output arguments.
+    static Variant Reference(VARTYPE type, void* target) noexcept;
     Variant(const Variant& other) noexcept;
     Variant& operator=(const Variant& other) noexcept;
     ~Variant() { VariantClear(&m_value); }

@@ -1,4 +1,4 @@
-// What the tests of the item objects share: the text form of a property, and arrays of texts.
+// What the tests of the item objects share: the forms of texts and dates, and arrays of texts.
 #pragma once
 
 #include "platform/Bstr.h"
@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -102,6 +104,36 @@ void ExpectOwnTexts(const Properties& properties, Interface* object)
         const std::string name = property.name;
         EXPECT_EQ(L"only " + std::wstring(name.begin(), name.end()), Get(property, object).View())
             << name;
+    }
+}
+
+// A date property of an interface.
+template <typename Interface> struct DateProperty
+{
+    const char* name;
+    HRESULT (STDMETHODCALLTYPE Interface::*get)(DATE*);
+    HRESULT (STDMETHODCALLTYPE Interface::*put)(DATE);
+};
+
+template <typename Interface> DATE Get(const DateProperty<Interface>& property, Interface* object)
+{
+    DATE value = -77.0;
+    EXPECT_EQ(S_OK, (object->*property.get)(&value)) << property.name;
+    return value;
+}
+
+// Zero at first; then every value comes back bit by bit.
+template <typename Interface>
+void ExpectDateForm(const DateProperty<Interface>& property, Interface* object)
+{
+    SCOPED_TRACE(property.name);
+    EXPECT_EQ(0.0, Get(property, object));
+    EXPECT_EQ(E_POINTER, (object->*property.get)(nullptr));
+    for (const DATE value : {std::numeric_limits<DATE>::quiet_NaN(), 1e300, -1.5, 45000.25})
+    {
+        EXPECT_EQ(S_OK, (object->*property.put)(value));
+        const DATE got = Get(property, object);
+        EXPECT_EQ(0, std::memcmp(&value, &got, sizeof(value)));
     }
 }
 
