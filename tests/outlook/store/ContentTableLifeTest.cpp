@@ -149,6 +149,36 @@ TEST_F(ReentrancyTest, AResetWhileAnItemIsFetchedDropsIt)
     EXPECT_THAT(Rest(), ElementsAre(L"Two", L"Three"));
 }
 
+TEST_F(ReentrancyTest, AWalkToTheEndWhileAnItemIsFetchedStaysThere)
+{
+    table->onFill = Once([&] {
+        for (int step = 0; step < 5; ++step)
+            table->GetNextItem();
+    });
+    EXPECT_EQ(L"none", Next());
+    EXPECT_EQ(L"none", Next());
+}
+
+// Also where the table's reference to it was the last one.
+TEST_F(ReentrancyTest, AnItemLivesWhileItIsFilled)
+{
+    EXPECT_EQ(1, table->UpdateItem(item.Get()));
+    bool isAlive = true;
+    item->alive = &isAlive;
+    item.Reset();
+    bool wasAlive = false;
+    table->m_pCurrentEntity = folder.Get(); // any object will do
+    table->onFill = [&] {
+        table->ResetItem();
+        wasAlive = isAlive;
+    };
+    BOOL goesOn = 1;
+    SPropValue value = {};
+    EXPECT_EQ(0, table->OnPropertyRow(1, &value, 10, &goesOn));
+    EXPECT_TRUE(wasAlive);
+    EXPECT_FALSE(isAlive);
+}
+
 // A client's own walk inside a getter meets the end, and not the same item for ever.
 TEST_F(ReentrancyTest, AWalkInsideAnUpdateEnds)
 {
