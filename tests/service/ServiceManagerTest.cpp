@@ -2,6 +2,7 @@
 
 #include "service/CallScope.h"
 #include "support/DebugOutputCapture.h"
+#include "support/ScopedRegistryValue.h"
 #include "tests/service/FakeBackEnds.h"
 
 #include <gtest/gtest.h>
@@ -431,8 +432,11 @@ TEST(ServiceManagerSingletonTest, IsMadeOnFirstUseAndStays)
     EXPECT_EQ(first, GetServiceManager());
 }
 
-TEST_F(RealBackEndsTest, OutlookFailsAsAFailedLogonDoes)
+TEST_F(RealBackEndsTest, OutlookFailsAsAFailedLogonDoesWhereItIsNotInstalled)
 {
+    ScopedRegistryValue component(
+        HKEY_LOCAL_MACHINE, L"Software\\Clients\\Mail\\Microsoft Outlook", L"MSIComponentID");
+    component.Remove();
     LogOutput output;
     EXPECT_EQ(E_FAIL, manager.StartService(L"microsoft outlook"));
     EXPECT_EQ((Lines{Starting("microsoft outlook"), kFailed}), output.capture.TakeLogMessages());

@@ -4,31 +4,19 @@
 #include "support/ScratchDirectory.h"
 #include "tests/outlook/FakeMapi.h"
 #include "tests/outlook/FakeMapiStub.h"
+#include "tests/outlook/OutlookInstallation.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <cstring>
 #include <map>
-#include <optional>
 
 namespace
 {
 using Calls = std::vector<std::string>;
 using Texts = std::vector<std::wstring>;
 
-constexpr wchar_t kOutlookKey[] = L"Software\\Clients\\Mail\\Microsoft Outlook";
 constexpr wchar_t kComponent[] = L"{6DB1921F-8B40-4406-A18B-E906DBEEF0C9}";
 constexpr wchar_t kProgramFiles[] = L"C:\\Program Files";
-
-// The strings as a value of the registry holds them, but for the last terminator.
-std::wstring MultiString(const Texts& texts)
-{
-    std::wstring joined;
-    for (const std::wstring& text : texts)
-        joined += text + L'\0';
-    return joined;
-}
 
 // What Outlook registers, and the folder that stands for the system's.
 class OutlookLibraryTest : public testing::Test
@@ -285,81 +273,11 @@ TEST_F(OutlookLibraryTest, TheStubOfTheSystemKnowsNoSuchComponent)
     EXPECT_EQ(Calls{}, stub.Calls());
 }
 
-namespace
-{
-// GUIDs as the installer's database spells them.
-GUID ParseGuid(const wchar_t* text)
-{
-    GUID guid = {};
-    CLSIDFromString(text, &guid);
-    return guid;
-}
-
-// 32 digits: the first three groups backwards, of the other bytes the two digits swapped.
-std::wstring Squashed(const wchar_t* text)
-{
-    std::wstring digits;
-    for (const wchar_t c : std::wstring(text))
-        if (iswxdigit(c))
-            digits += c;
-    std::wstring result;
-    for (const auto& [start, size] : {std::pair{0u, 8u}, {8u, 4u}, {12u, 4u}})
-        result += std::wstring(digits.rend() - start - size, digits.rend() - start);
-    for (std::size_t i = 16; i < 32; i += 2)
-        result += {digits[i + 1], digits[i]};
-    return result;
-}
-
-// 20 characters: each of four numbers of 32 bits by five digits to the base 85, the lowest first.
-std::wstring Base85(const wchar_t* text)
-{
-    constexpr wchar_t kDigits[] =
-        L"!$%&'()*+,-.0123456789=?@ABCDEFGHIJKLMNOPQRSTUVWXYZ[]^_`abcdefghijklmnopqrstuvwxyz{}~";
-    static_assert(std::size(kDigits) == 85 + 1);
-    const GUID guid = ParseGuid(text);
-    std::uint32_t words[4];
-    std::memcpy(words, &guid, sizeof words);
-    std::wstring result;
-    for (std::uint32_t word : words)
-        for (int i = 0; i < 5; ++i, word /= 85)
-            result += kDigits[word % 85];
-    return result;
-}
-} // namespace
-
 TEST_F(OutlookLibraryTest, TheStubOfTheSystemFindsWhatTheInstallerKnows)
 {
-    constexpr wchar_t kProduct[] = L"{90110409-6000-11D3-8CFE-0150048383C9}";
-    const std::wstring squashed = Squashed(kComponent);
-    const std::wstring product = Squashed(kProduct);
-    const std::wstring user =
-        L"Software\\Microsoft\\Windows\\CurrentVersion\\Installer\\UserData\\S-1-5-18\\";
     const std::wstring path = systemFolder.File(L"msmapi32.dll");
     AddLibrary(L"msmapi32.dll");
-
-    // The qualifier under which the component is published.
-    ScopedRegistryValue published(
-        HKEY_CLASSES_ROOT, L"Installer\\Components\\" + squashed, L"1033 1031");
-    published.Set(MultiString({Base85(kProduct) + L"Feat>" + Base85(kComponent)}), REG_MULTI_SZ);
-    ScopedRegistryValue file(HKEY_LOCAL_MACHINE, user + L"Components\\" + squashed, product);
-    file.Set(path);
-    ScopedRegistryValue installed(HKEY_LOCAL_MACHINE,
-                                  user + L"Products\\" + product + L"\\InstallProperties",
-                                  L"WindowsInstaller");
-    const DWORD one = 1;
-    RegSetKeyValueW(HKEY_LOCAL_MACHINE,
-                    (user + L"Products\\" + product + L"\\InstallProperties").c_str(),
-                    L"WindowsInstaller",
-                    REG_DWORD,
-                    &one,
-                    sizeof one);
-    ScopedRegistryValue featureOfProduct(
-        HKEY_LOCAL_MACHINE, user + L"Products\\" + product + L"\\Features", L"Feat");
-    featureOfProduct.Set(L"");
-    ScopedRegistryValue name(HKEY_CLASSES_ROOT, L"Installer\\Products\\" + product, L"ProductName");
-    name.Set(L"A mail program");
-    ScopedRegistryValue feature(HKEY_CLASSES_ROOT, L"Installer\\Features\\" + product, L"Feat");
-    feature.Set(L"");
+    const PublishedComponent published(kComponent, L"1033 1031", path);
 
     SetApplication({L"1033", L"1031"});
     EXPECT_EQ(path, FindOutlookLibrary().path);
