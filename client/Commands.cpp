@@ -5,6 +5,7 @@
 #include "client/Server.h"
 #include "client/ServerRegistration.h"
 #include "client/SystemZone.h"
+#include "client/UserSession.h"
 #include "client/core/AppointmentJson.h"
 #include "client/core/AppointmentText.h"
 #include "client/core/ItemIds.h"
@@ -82,6 +83,24 @@ int RunProviders(const Context& context)
     if (!preferred.empty() && std::none_of(names.begin(), names.end(), isDefault))
         text += L"The default, " + OneLine(preferred) + L", is not installed.\n";
     context.Print(text);
+    return kExitOk;
+}
+
+int RunWhoAmI(const Context& context)
+{
+    const Server server;
+    const UserSession session(server, context.command.provider);
+    const Identity user = session.User();
+    context.Print(context.command.asJson ? JsonText(IdentityJson(user)) : IdentityTable(user));
+    return kExitOk;
+}
+
+int RunFolders(const Context& context)
+{
+    const Server server;
+    const UserSession session(server, context.command.provider);
+    const std::vector<ContactFolder> folders = session.ContactFolders();
+    context.Print(context.command.asJson ? JsonText(FoldersJson(folders)) : FolderTable(folders));
     return kExitOk;
 }
 
@@ -315,6 +334,8 @@ int RunCommand(const Command& command, const OutputStream& output, const OutputS
     };
     constexpr Entry kEntries[] = {
         {CommandKind::Providers, RunProviders},
+        {CommandKind::WhoAmI, RunWhoAmI},
+        {CommandKind::Folders, RunFolders},
         {CommandKind::List, RunList},
         {CommandKind::Show, RunShow},
         {CommandKind::Add, RunAdd},

@@ -16,7 +16,6 @@ namespace
 {
 using Microsoft::WRL::ComPtr;
 
-constexpr const wchar_t* kOutlook = L"Microsoft Outlook";
 // Best first: the last one has no calendar.
 constexpr const wchar_t* kKnownProviders[] = {kOutlook, L"Windows Mail", L"Outlook Express"};
 
@@ -86,6 +85,11 @@ std::vector<std::wstring> UsableProviders(const Server& server)
 }
 } // namespace
 
+bool IsOutlook(const std::wstring& name)
+{
+    return IsSameName(name, kOutlook);
+}
+
 bool IsKnownProvider(const std::wstring& name)
 {
     return std::any_of(std::begin(kKnownProviders),
@@ -136,10 +140,7 @@ CalendarSession::CalendarSession(const Server& server, const std::optional<std::
     // Only a running service has a calendar to give.
     m_calendar = OpenCalendar();
     if (!m_calendar)
-    {
         Start(server, provider);
-        m_calendar = OpenCalendar();
-    }
     // Only Outlook has an identity of the user to give.
     ComPtr<INUserProperties> identity;
     CheckDone(m_service->GetUserProperties(identity.GetAddressOf()),
@@ -151,7 +152,7 @@ CalendarSession::CalendarSession(const Server& server, const std::optional<std::
         throw Failure{kExitFailed,
                       L"The service was stopped by another program, or its store has no calendar. "
                       L"Run the command again."};
-    const bool isOther = !m_started && provider && IsSameName(*provider, kOutlook) == m_isFileStore;
+    const bool isOther = !m_started && provider && IsOutlook(*provider) == m_isFileStore;
     if (isOther)
         throw Failure{kExitFailed,
                       L"Another program uses the server with another mail client than \"" +
@@ -170,24 +171,42 @@ void CalendarSession::Start(const Server& server, const std::optional<std::wstri
 {
     const std::vector<std::wstring> names =
         provider ? std::vector<std::wstring>{*provider} : UsableProviders(server);
-    HRESULT result = E_FAIL;
+    HRESULT firstFailure = S_OK;
+    std::wstring failedName;
     for (const std::wstring& name : names)
     {
-        result = m_service->StartService(Bstr(name).Get());
+        const HRESULT result = m_service->StartService(Bstr(name).Get());
         CheckServerIsThere(result);
-        if (SUCCEEDED(result))
+        if (FAILED(result))
         {
-            m_provider = name;
-            m_started = std::make_unique<StartedService>(m_service);
-            return;
+            if (failedName.empty())
+            {
+                firstFailure = result;
+                failedName = name;
+            }
+            continue;
         }
+        m_provider = name;
+        m_started = std::make_unique<StartedService>(m_service);
+        m_calendar = OpenCalendar();
+        // One that was asked for is used as it is.
+        if (m_calendar || provider)
+            return;
+        m_started.reset();
+        m_provider.reset();
     }
     if (names.empty())
         throw Failure{kExitFailed,
                       L"No mail client that the server knows is installed here. "
-                      L"pimstore install --book sets up a store of our own."};
+                      L"pimstore install --book or --store sets up a store of our own."};
+    if (failedName.empty())
+        throw Failure{
+            kExitFailed,
+            L"The store of \"" + names.back() +
+                L"\" has no calendar. pim providers lists the mail clients that are there."};
     throw Failure{kExitFailed,
-                  L"The server could not start \"" + names.front() + L"\" (" + ResultText(result) +
+                  L"The server could not start \"" + failedName + L"\" (" +
+                      ResultText(firstFailure) +
                       L"). pim providers lists the mail clients that are there."};
 }
 

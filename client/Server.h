@@ -14,6 +14,9 @@
 
 namespace pim
 {
+// The one provider that knows a user.
+inline constexpr wchar_t kOutlook[] = L"Microsoft Outlook";
+bool IsOutlook(const std::wstring& name);
 // The names of back ends that the server can start.
 bool IsKnownProvider(const std::wstring& name);
 
@@ -45,13 +48,29 @@ class Server
     Microsoft::WRL::ComPtr<INPersonalInformationService> m_service;
 };
 
+// Stops the service that a session started, at the session's end.
+class StartedService
+{
+  public:
+    explicit StartedService(Microsoft::WRL::ComPtr<INPersonalInformationService> service)
+        : m_service(std::move(service))
+    {
+    }
+    ~StartedService() { m_service->StopService(); }
+    StartedService(const StartedService&) = delete;
+    StartedService& operator=(const StartedService&) = delete;
+
+  private:
+    Microsoft::WRL::ComPtr<INPersonalInformationService> m_service;
+};
+
 // The calendar of one provider. Starts the service where none runs, and stops it at the end where
 // it started it: a service that another client started stays as it is.
 class CalendarSession
 {
   public:
     // A name picks that provider; without one it is the default where that is usable, else the
-    // first usable one that starts.
+    // first usable one that starts and has a calendar.
     CalendarSession(const Server& server, const std::optional<std::wstring>& provider);
     CalendarSession(const CalendarSession&) = delete;
     CalendarSession& operator=(const CalendarSession&) = delete;
@@ -82,22 +101,6 @@ class CalendarSession
     void Reload() const;
 
   private:
-    // Stops the service that this session started.
-    class StartedService
-    {
-      public:
-        explicit StartedService(Microsoft::WRL::ComPtr<INPersonalInformationService> service)
-            : m_service(std::move(service))
-        {
-        }
-        ~StartedService() { m_service->StopService(); }
-        StartedService(const StartedService&) = delete;
-        StartedService& operator=(const StartedService&) = delete;
-
-      private:
-        Microsoft::WRL::ComPtr<INPersonalInformationService> m_service;
-    };
-
     Microsoft::WRL::ComPtr<INCalendar> OpenCalendar() const;
     void Start(const Server& server, const std::optional<std::wstring>& provider);
     void Rewind() const;

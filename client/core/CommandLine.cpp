@@ -13,7 +13,7 @@ namespace pim
 namespace
 {
 constexpr const char* kAbout =
-    "Shows and changes the calendar of this PC through the PimStoreBridge server.";
+    "Shows and changes the personal information of this PC through the PimStoreBridge server.";
 
 constexpr const char* kFooter =
     "Examples:\n"
@@ -262,6 +262,8 @@ CommandLineResult ParseCommandLine(std::vector<std::string> arguments, const std
     app.add_flag("--json", typed.asJson, "Print JSON, for programs");
 
     const CLI::App* providers = app.add_subcommand("providers", "List the usable mail clients");
+    const CLI::App* whoAmI = app.add_subcommand("whoami", "Tell who the mail user is");
+    const CLI::App* folders = app.add_subcommand("folders", "List the contact folders");
     CLI::App* calendar = app.add_subcommand("calendar", "Show and change appointments");
     calendar->require_subcommand(1);
     CLI::App* list = calendar->add_subcommand("list", "List all appointments by their start");
@@ -303,6 +305,8 @@ CommandLineResult ParseCommandLine(std::vector<std::string> arguments, const std
         CommandKind kind;
     };
     const Choice choices[] = {{providers, CommandKind::Providers},
+                              {whoAmI, CommandKind::WhoAmI},
+                              {folders, CommandKind::Folders},
                               {list, CommandKind::List},
                               {show, CommandKind::Show},
                               {add, CommandKind::Add},

@@ -20,6 +20,8 @@ inline constexpr int kExitNotKept = 5;
 enum class CommandKind
 {
     Providers,
+    WhoAmI,
+    Folders,
     List,
     Show,
     Add,

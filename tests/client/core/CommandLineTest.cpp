@@ -36,6 +36,8 @@ std::wstring AddError(std::vector<std::string> options)
 TEST(CommandLineTest, KnowsTheCommands)
 {
     EXPECT_EQ(Parsed({"providers"}).kind, CommandKind::Providers);
+    EXPECT_EQ(Parsed({"whoami"}).kind, CommandKind::WhoAmI);
+    EXPECT_EQ(Parsed({"folders", "--json"}).kind, CommandKind::Folders);
     EXPECT_EQ(Parsed({"register"}).kind, CommandKind::Register);
     EXPECT_EQ(Parsed({"unregister"}).kind, CommandKind::Unregister);
     EXPECT_EQ(Parsed({"calendar", "list"}).kind, CommandKind::List);
