@@ -12,6 +12,16 @@
 namespace
 {
 
+// Keeps this library in the process: an unloaded one leaves memory and handles of its C++ run-time
+// library behind each time, and a server loads it with each start of the service.
+void StayLoaded() noexcept
+{
+    HMODULE self = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       reinterpret_cast<const wchar_t*>(&StayLoaded),
+                       &self);
+}
+
 // Both outputs get one reference, or stay null.
 HRESULT OpenBook(const std::wstring& storePath, LPADRBOOK* book, LPWABOBJECT* library)
 {
@@ -47,5 +57,6 @@ STDMETHODIMP WABOpen(LPADRBOOK* book, LPWABOBJECT* library, LPWAB_PARAM paramete
         if (parameter->szFileName && *parameter->szFileName)
             return MAPI_E_NO_SUPPORT;
     }
+    StayLoaded();
     return Guarded([&] { return OpenBook(StorePath(), book, library); });
 }

@@ -4,6 +4,7 @@
 #include "platform/UniqueHandle.h"
 #include "platform/WindowsHeaders.h"
 #include "tests/localstore/LocalStoreSupport.h"
+#include "tests/support/HeapUse.h"
 
 #include <gtest/gtest.h>
 
@@ -32,6 +33,7 @@ class PimLocalBookTest : public testing::Test
     }
     void SetUp() override { ASSERT_NE(nullptr, m_open); }
 
+    void CloseLibrary() { m_library.Reset(); }
     void Open(ComPtr<IAddrBook>& book, ComPtr<IWABObject>& library) const
     {
         ASSERT_EQ(S_OK, m_open(book.GetAddressOf(), library.GetAddressOf(), nullptr, 0));
@@ -835,4 +837,28 @@ TEST_F(PimLocalBookTest, LoadsAndUnloadsManyTimes)
         ComPtr<IWABObject> wab;
         Open(book, wab);
     }
+}
+
+// The server loads the library with each start of the service and lets it go with each stop.
+TEST_F(PimLocalBookTest, IsLoadedAgainWithoutLeavingAnythingBehind)
+{
+    CloseLibrary();
+    SetOaNoCache();
+    const auto openMany = [](int times) {
+        for (int i = 0; i < times; ++i)
+        {
+            const UniqueModule library(
+                LoadLibraryW((ProgramFolder() + L"PimLocalBook.dll").c_str()));
+            ASSERT_TRUE(library);
+            const auto open = reinterpret_cast<LPWABOPEN>(
+                reinterpret_cast<void*>(GetProcAddress(library.Get(), "WABOpen")));
+            ComPtr<IAddrBook> book;
+            ComPtr<IWABObject> object;
+            ASSERT_EQ(S_OK, open(book.GetAddressOf(), object.GetAddressOf(), nullptr, 0));
+        }
+    };
+    openMany(3);
+    const HeapUse before = UseOfAllHeaps();
+    openMany(10);
+    EXPECT_EQ(before, UseOfAllHeaps());
 }

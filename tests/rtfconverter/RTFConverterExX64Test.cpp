@@ -2,6 +2,7 @@
 #include "rtfconverter/RTFConverterExX64.h"
 
 #include "platform/Bstr.h"
+#include "support/HeapUse.h"
 
 #include <gtest/gtest.h>
 
@@ -168,6 +169,26 @@ TEST(RTFConverterExX64LoadTest, LoadsAndUnloadsAnyNumberOfTimes)
         ASSERT_TRUE(FreeLibrary(library)); // with the converter still there
     }
     EXPECT_EQ(nullptr, GetModuleHandleW(L"RTFConverterExX64.dll"));
+}
+
+TEST(RTFConverterExX64LoadTest, LeavesNoMemoryBehind)
+{
+    SetOaNoCache();
+    const auto loadAndUnload = [](int times) {
+        for (int i = 0; i < times; ++i)
+        {
+            const HMODULE library = LoadLibraryW(LibraryPath().c_str());
+            ASSERT_NE(nullptr, library);
+            const auto create = reinterpret_cast<RtfConverterCreate>(
+                reinterpret_cast<void*>(GetProcAddress(library, kRtfConverterCreateName)));
+            EXPECT_NE(nullptr, create());
+            ASSERT_TRUE(FreeLibrary(library));
+        }
+    };
+    loadAndUnload(3);
+    const HeapUse before = UseOfAllHeaps();
+    loadAndUnload(10);
+    EXPECT_EQ(before, UseOfAllHeaps());
 }
 
 TEST_F(RTFConverterExX64Test, NamesItselfInItsVersionResource)
