@@ -4,12 +4,12 @@
 //
 // Registers the built server while it runs, so nothing else may use the prefix meanwhile.
 #include "automation/ClassObjects.h"
-#include "endtoend/ProcessUsage.h"
 #include "endtoend/Roles.h"
 #include "endtoend/ServerFixture.h"
 #include "icalendar/RecordingAppointment.h"
 #include "icalendar/WindowsMailCalendar.h"
 #include "platform/Bstr.h"
+#include "support/HeapUse.h"
 #include "support/ScratchDirectory.h"
 #include "support/TestModule.h"
 
@@ -154,22 +154,6 @@ double RecordMilliseconds()
     });
 }
 
-// Every block of every heap of the process.
-SIZE_T HeapBytes()
-{
-    HANDLE heaps[64];
-    const DWORD count = std::min<DWORD>(GetProcessHeaps(std::size(heaps), heaps), std::size(heaps));
-    SIZE_T bytes = 0;
-    for (DWORD i = 0; i < count; ++i)
-    {
-        PROCESS_HEAP_ENTRY entry{};
-        while (HeapWalk(heaps[i], &entry))
-            if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY)
-                bytes += entry.cbData + entry.cbOverhead;
-    }
-    return bytes;
-}
-
 void MeasureCalendars()
 {
     const ScratchDirectory one;
@@ -194,11 +178,11 @@ void MeasureCalendars()
     PrintRow("  of that, putting 10,000 recurrence records", parts.peerMilliseconds, "ms");
 
     {
-        const SIZE_T before = HeapBytes();
+        const SIZE_T before = UseOfAllHeaps().bytes;
         CWindowsMailCalendar calendar(FolderText(one));
         calendar.GetItemIDs();
         PrintRow("memory of a loaded table, for each appointment",
-                 static_cast<double>(HeapBytes() - before) / kEvents,
+                 static_cast<double>(UseOfAllHeaps().bytes - before) / kEvents,
                  "B",
                  600.0);
         calendar.ResetItem();

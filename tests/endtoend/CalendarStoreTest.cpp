@@ -2,12 +2,14 @@
 // book, and files that vanish, are held by others or must not be written.
 #include "endtoend/CalendarClient.h"
 #include "endtoend/CalendarFolder.h"
+#include "endtoend/PlainServer.h"
 #include "endtoend/ProcessUsage.h"
 #include "support/Dispatch.h"
 #include "support/ScratchDirectory.h"
 
 #include <gmock/gmock.h>
 
+#include <functional>
 #include <memory>
 
 using Microsoft::WRL::ComPtr;
@@ -365,31 +367,67 @@ TEST_F(CalendarStoreTest, AReadOnlyFileIsReadAndNotWritten)
     EXPECT_EQ(S_OK, Rename(calendar.Get(), L"N1", L"Changed"));
 }
 
-TEST_F(CalendarStoreTest, AWarmServerIsBackWhereItWasAfterAThousandItems)
+TEST_F(CalendarStoreTest, AWarmServerIsBackWhereItWasAfterManyItems)
 {
-    s_folder->Write(L"Work.ics", NumberedCalendar("Task", 50));
+    constexpr int kCalendars = 5;
+    s_folder->Write(L"Work.ics", NumberedCalendar("Task", kPlainCalendarItems));
     ASSERT_EQ(S_OK, Start(kWindowsMail));
     const auto servers = RunningServers();
     ASSERT_EQ(1u, servers.size());
-    // Twenty calendars of fifty items, each walked to its end.
-    const auto round = [&](int calendars) {
-        for (int i = 0; i < calendars; ++i)
+    const PlainServer plain;
+    using Open = std::function<ComPtr<INCalendar>()>;
+    const auto growthOf = [](DWORD processId, const Open& open) {
+        const auto walkMany = [&open](int calendars) {
+            for (int i = 0; i < calendars; ++i)
+            {
+                const auto calendar = open();
+                ASSERT_TRUE(calendar);
+                int items = 0;
+                for (ComPtr<INAppointment> item;
+                     calendar->GetNextAppointment(item.ReleaseAndGetAddressOf()) == S_OK;)
+                    ++items;
+                ASSERT_EQ(kPlainCalendarItems, items);
+            }
+        };
+        walkMany(2); // until the runtime's own tables have grown
+        return SettledGrowthOver(processId, [&] { walkMany(kCalendars); });
+    };
+    const ProcessGrowth runtimeKeeps =
+        growthOf(plain.Id(), [] { return MakeInServer<INCalendar>(kPlainCalendar); });
+    ExpectNothingLeft(growthOf(servers[0], [this] { return CalendarOf(service.Get()); }),
+                      runtimeKeeps,
+                      kCalendars * kPlainCalendarItems);
+}
+
+// Nothing of the server's own, that is; what the runtime keeps is in other heaps.
+TEST_F(CalendarStoreTest, WritesFetchesAndStartsLeaveNothingBehind)
+{
+    s_folder->Write(L"Work.ics", NumberedCalendar("Task", 3));
+    ASSERT_EQ(S_OK, Start(kWindowsMail));
+    const auto servers = RunningServers();
+    ASSERT_EQ(1u, servers.size());
+    const auto workRounds = [this](int rounds) {
+        for (int i = 0; i < rounds; ++i)
         {
-            const auto calendar = CalendarOf(service.Get());
+            auto calendar = CalendarOf(service.Get());
             ASSERT_TRUE(calendar);
-            int items = 0;
-            for (ComPtr<INAppointment> item;
-                 calendar->GetNextAppointment(item.ReleaseAndGetAddressOf()) == S_OK;)
-                ++items;
-            ASSERT_EQ(50, items);
+            const auto item = MakeInServer<INAppointment>(CLSID_NAppointment);
+            EXPECT_EQ(S_OK, item->put_Subject(Bstr(L"New").Get()));
+            Bstr id;
+            EXPECT_EQ(S_OK, calendar->AddAppointment(item.Get(), id.Put()));
+            EXPECT_EQ(S_OK, Rename(calendar.Get(), L"N2", L"Renamed"));
+            EXPECT_FALSE(Find(calendar.Get(), L"no such ID"));
+            EXPECT_EQ(S_OK, Delete(calendar.Get(), id.Get()));
+            EXPECT_EQ(E_FAIL, Delete(calendar.Get(), L"no such ID"));
+            EXPECT_EQ(S_OK, calendar->Refresh());
+            calendar.Reset();
+            EXPECT_EQ(S_OK, service->StopService());
+            EXPECT_EQ(S_OK, Start(kWindowsMail));
         }
     };
-    round(3); // until the runtime's own tables have grown
-    const ProcessUsage before = UsageOf(servers[0]);
-    round(20);
-    const ProcessUsage after = UsageOf(servers[0]);
-    EXPECT_LE(after.handles, before.handles + 10);
-    // The runtime keeps memory of each exported object and its heap grows in large steps: a bound
-    // of 8 KiB for each item.
-    EXPECT_LE(after.privateBytes, before.privateBytes + RuntimeKeepsOf(1000) + 8 * 1024 * 1024);
+    workRounds(2);
+    const ProcessGrowth growth = SettledGrowthOver(servers[0], [&] { workRounds(10); });
+    EXPECT_LE(growth.handles, 0) << growth;
+    EXPECT_EQ(0, growth.ownBlocks) << growth;
+    EXPECT_EQ(0, growth.ownBytes) << growth;
 }

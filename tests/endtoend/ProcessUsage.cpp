@@ -1,20 +1,20 @@
 #include "endtoend/ProcessUsage.h"
 
-#include "icalendar/RecordingAppointment.h"
+#include "endtoend/ServerFixture.h"
 #include "platform/UniqueHandle.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 #include <winternl.h>
 
 namespace
 {
-// The system's list of all handles. Some runtimes answer the plain questions for a process's handle
-// count and memory with zero, so both are counted here.
+// The system's list of all handles. Some runtimes answer the plain question for a process's handle
+// count with zero, so they are counted here.
 constexpr ULONG kExtendedHandleInformation = 64;
 constexpr NTSTATUS kInfoLengthMismatch = static_cast<NTSTATUS>(0xC0000004);
 
@@ -63,71 +63,108 @@ DWORD CountHandles(DWORD processId)
     return count;
 }
 
-SIZE_T CountPrivateBytes(DWORD processId)
+constexpr DWORD kLoadTimeoutMilliseconds = 30000;
+
+// Lets the process try to load the library, and waits until it has.
+bool LoadInto(HANDLE process, const std::wstring& path)
 {
-    const UniqueHandle process(
-        OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, processId));
-    SIZE_T bytes = 0;
-    MEMORY_BASIC_INFORMATION region{};
-    const char* address = nullptr;
-    while (process && VirtualQueryEx(process.Get(), address, &region, sizeof(region)) != 0)
-    {
-        if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE)
-            bytes += region.RegionSize;
-        const char* const next = static_cast<const char*>(region.BaseAddress) + region.RegionSize;
-        if (next <= address)
-            break;
-        address = next;
-    }
-    return bytes;
+    const SIZE_T bytes = (path.size() + 1) * sizeof(wchar_t);
+    void* const remote =
+        VirtualAllocEx(process, nullptr, bytes, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+    if (!remote || !WriteProcessMemory(process, remote, path.c_str(), bytes, nullptr))
+        return false;
+    // The system's own library stands at the same address in every process.
+    const auto load = reinterpret_cast<LPTHREAD_START_ROUTINE>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "LoadLibraryW")));
+    const UniqueHandle thread(CreateRemoteThread(process, nullptr, 0, load, remote, 0, nullptr));
+    const bool ended =
+        thread && WaitForSingleObject(thread.Get(), kLoadTimeoutMilliseconds) == WAIT_OBJECT_0;
+    if (ended)
+        VirtualFreeEx(process, remote, 0, MEM_RELEASE);
+    return ended;
 }
 
-// Writes a reference to a new object for another process and takes it back unread.
-void OfferAndTakeBack()
+ProcessHeaps HeapsOf(DWORD processId)
 {
-    using Microsoft::WRL::ComPtr;
-    const auto object = RecordingAppointment::Make();
-    const ComPtr<INAppointment> appointment = object.Get();
-    ComPtr<IStream> stream;
-    EXPECT_EQ(S_OK, CreateStreamOnHGlobal(nullptr, TRUE, stream.GetAddressOf()));
-    EXPECT_EQ(S_OK,
-              CoMarshalInterface(stream.Get(),
-                                 IID_INAppointment,
-                                 appointment.Get(),
-                                 MSHCTX_LOCAL,
-                                 nullptr,
-                                 MSHLFLAGS_NORMAL));
-    EXPECT_EQ(S_OK, stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr));
-    EXPECT_EQ(S_OK, CoReleaseMarshalData(stream.Get()));
-    EXPECT_EQ(2u, object->References());
+    ProcessHeaps heaps;
+    const UniqueHandle process(OpenProcess(PROCESS_ALL_ACCESS, FALSE, processId));
+    const std::wstring name = kProcessHeapsName + std::to_wstring(processId);
+    const UniqueHandle mapping(CreateFileMappingW(
+        INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(heaps), name.c_str()));
+    void* const view =
+        mapping ? MapViewOfFile(mapping.Get(), FILE_MAP_WRITE, 0, 0, sizeof(heaps)) : nullptr;
+    if (!process || !view)
+        return heaps;
+    const std::wstring program = TestProgramPath();
+    const std::wstring folder = program.substr(0, program.find_last_of(L'\\') + 1);
+    EXPECT_TRUE(LoadInto(process.Get(), folder + L"heap_counter.dll"));
+    heaps = *static_cast<const ProcessHeaps*>(view);
+    UnmapViewOfFile(view);
+    return heaps;
+}
+
+ProcessGrowth Difference(const ProcessUsage& before, const ProcessUsage& after)
+{
+    const auto less = [](std::uint64_t from, std::uint64_t to) {
+        return static_cast<std::int64_t>(to - from);
+    };
+    const ProcessHeaps& from = before.heaps;
+    const ProcessHeaps& to = after.heaps;
+    return {less(before.handles, after.handles),
+            less(from.own.blocks, to.own.blocks),
+            less(from.own.bytes, to.own.bytes),
+            less(from.shared.blocks, to.shared.blocks),
+            less(from.shared.bytes, to.shared.bytes)};
 }
 } // namespace
 
 ProcessUsage UsageOf(DWORD processId)
 {
-    const ProcessUsage usage{CountHandles(processId), CountPrivateBytes(processId)};
+    // The first count makes the process's loader keep a handle, so heaps go first.
+    ProcessUsage usage;
+    usage.heaps = HeapsOf(processId);
+    usage.handles = CountHandles(processId);
     EXPECT_NE(0u, usage.handles);
-    EXPECT_NE(0u, usage.privateBytes);
+    EXPECT_TRUE(usage.heaps.areCounted);
     return usage;
 }
 
-SIZE_T RuntimeKeepsOf(int appointments)
+std::ostream& operator<<(std::ostream& out, const ProcessGrowth& growth)
 {
-    const auto offerMany = [](int count) {
-        for (int i = 0; i < count; ++i)
-            OfferAndTakeBack();
-    };
-    offerMany(50); // until the runtime's own tables have grown
-    // What earlier tests freed takes up the first rounds, so the largest of several counts.
-    constexpr int kRounds = 4;
-    SIZE_T most = 0;
-    for (int i = 0; i < kRounds; ++i)
+    return out << growth.handles << " handles, " << growth.ownBlocks << " own blocks of "
+               << growth.ownBytes << " bytes, " << growth.sharedBlocks << " shared blocks of "
+               << growth.sharedBytes << " bytes";
+}
+
+ProcessGrowth GrowthOver(DWORD processId, const std::function<void()>& work)
+{
+    const ProcessUsage before = UsageOf(processId);
+    work();
+    return Difference(before, UsageOf(processId));
+}
+
+ProcessGrowth SettledGrowthOver(DWORD processId, const std::function<void()>& work)
+{
+    constexpr int kRecounts = 40;
+    constexpr DWORD kPauseMilliseconds = 250;
+    const ProcessUsage before = UsageOf(processId);
+    work();
+    ProcessGrowth growth = Difference(before, UsageOf(processId));
+    for (int i = 0; i < kRecounts && (growth.handles > 0 || growth.ownBlocks > 0); ++i)
     {
-        const SIZE_T before = UsageOf(GetCurrentProcessId()).privateBytes;
-        offerMany(appointments);
-        const SIZE_T after = UsageOf(GetCurrentProcessId()).privateBytes;
-        if (after > before)
-            most = std::max(most, after - before);
+        Sleep(kPauseMilliseconds);
+        growth = Difference(before, UsageOf(processId));
     }
-    return most;
+    return growth;
+}
+
+void ExpectNothingLeft(const ProcessGrowth& growth, const ProcessGrowth& plain, int objects)
+{
+    EXPECT_LE(growth.handles, 0) << growth;
+    EXPECT_EQ(0, growth.ownBlocks) << growth;
+    EXPECT_EQ(0, growth.ownBytes) << growth;
+    EXPECT_LE(growth.sharedBlocks, plain.sharedBlocks + objects / 4)
+        << growth << "; plain: " << plain;
+    EXPECT_LE(growth.sharedBytes, plain.sharedBytes + objects * 64)
+        << growth << "; plain: " << plain;
 }

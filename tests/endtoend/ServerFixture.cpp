@@ -137,13 +137,18 @@ void EndServers(const std::wstring& path)
         const UniqueHandle process(OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, id));
         if (!process)
             continue;
-        PostQuitToThreads(id);
-        if (WaitForSingleObject(process.Get(), 10000) == WAIT_OBJECT_0)
-            continue;
-        ADD_FAILURE() << "The server does not end when it is asked to.";
-        TerminateProcess(process.Get(), 1);
-        WaitForSingleObject(process.Get(), 10000);
+        EndProcess(process.Get(), id);
     }
+}
+
+void EndProcess(HANDLE process, DWORD processId)
+{
+    PostQuitToThreads(processId);
+    if (WaitForSingleObject(process, 10000) == WAIT_OBJECT_0)
+        return;
+    ADD_FAILURE() << "The server does not end when it is asked to.";
+    TerminateProcess(process, 1);
+    WaitForSingleObject(process, 10000);
 }
 
 bool WaitForEnd(DWORD processId, DWORD timeoutMilliseconds)

@@ -45,6 +45,8 @@ std::vector<DWORD> RunningServers(const std::wstring& path = ServerPath());
 // process does not follow: a killed server's class objects stay behind in the tables of some
 // runtimes, and keep new servers from being started.
 void EndServers(const std::wstring& path = ServerPath());
+// The same for one process.
+void EndProcess(HANDLE process, DWORD processId);
 
 // Waits until the process is gone; false where it still runs after that time.
 bool WaitForEnd(DWORD processId, DWORD timeoutMilliseconds);
