@@ -374,6 +374,9 @@ TEST_F(CalendarStoreTest, AWarmServerIsBackWhereItWasAfterManyItems)
     ASSERT_EQ(S_OK, Start(kWindowsMail));
     const auto servers = RunningServers();
     ASSERT_EQ(1u, servers.size());
+    // As in the plain server.
+    const auto keptCalendar = CalendarOf(service.Get());
+    const auto keptAppointment = MakeInServer<INAppointment>(CLSID_NAppointment);
     const PlainServer plain;
     using Open = std::function<ComPtr<INCalendar>()>;
     const auto growthOf = [](DWORD processId, const Open& open) {
@@ -406,6 +409,7 @@ TEST_F(CalendarStoreTest, WritesFetchesAndStartsLeaveNothingBehind)
     ASSERT_EQ(S_OK, Start(kWindowsMail));
     const auto servers = RunningServers();
     ASSERT_EQ(1u, servers.size());
+    const auto keptAppointment = MakeInServer<INAppointment>(CLSID_NAppointment);
     const auto workRounds = [this](int rounds) {
         for (int i = 0; i < rounds; ++i)
         {

@@ -160,10 +160,14 @@ PlainServer::PlainServer()
     const Signal serves(kServesName);
     m_process = StartProgram(command);
     EXPECT_TRUE(serves.Wait());
+    m_appointment = MakeInServer<INAppointment>(kPlainAppointment);
+    m_calendar = MakeInServer<INCalendar>(kPlainCalendar);
 }
 
 PlainServer::~PlainServer()
 {
+    m_appointment.Reset();
+    m_calendar.Reset();
     EndProcess(m_process.process.Get(), m_process.id);
     for (const PlainClass& plain : kClasses)
         SHDeleteKeyW(HKEY_CURRENT_USER, KeyOf(*plain.id).c_str());

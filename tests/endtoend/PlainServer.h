@@ -28,4 +28,8 @@ class PlainServer
 
   private:
     StartedProgram m_process;
+    // One object of each kind stays: where the last object of an interface goes, some runtimes wait
+    // for calls to end that have ended, now and then for good.
+    Microsoft::WRL::ComPtr<INAppointment> m_appointment;
+    Microsoft::WRL::ComPtr<INCalendar> m_calendar;
 };
