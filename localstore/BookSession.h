@@ -1,18 +1,11 @@
-// What the objects of one WABOpen share: the connection to the store, its lock and the text of the
-// last failure. Lives as long as any of them.
-// Thread: any; one operation at a time.
+// What the objects of one WABOpen share: the connection to the store and the ways into the book.
 #pragma once
 
-#include "localstore/ComObject.h"
-#include "localstore/Database.h"
-#include "localstore/StoredProperties.h"
+#include "localstore/StoreConnection.h"
 #include "platform/WindowsHeaders.h"
 
-#include <mutex>
-#include <optional>
+#include <memory>
 #include <span>
-#include <string>
-#include <vector>
 
 // What an entry ID leads to.
 struct BookObject
@@ -22,35 +15,14 @@ struct BookObject
     ULONG objectType;
 };
 
-class BookSession
+class BookSession : public StoreConnection
 {
   public:
-    explicit BookSession(Database database) : m_database(std::move(database)) {}
-
-    // Runs an operation under the lock; exceptions become results and are kept for LastError.
-    template <typename Body> HRESULT Run(Body&& body) noexcept
+    explicit BookSession(Database database) : StoreConnection(std::move(database), L"PimLocalBook")
     {
-        return Guarded([&] {
-            const std::lock_guard lock(m_mutex);
-            try
-            {
-                return body();
-            }
-            catch (const DatabaseError& error)
-            {
-                m_lastResult = ResultOf(error.Failure());
-                m_lastText = error.what();
-                throw;
-            }
-        });
     }
 
-    // The record of the last failure if it is the result asked for; else S_OK and a null record.
-    // MAPI_UNICODE decides the form of its texts, which hang on the record.
-    HRESULT LastError(HRESULT result, ULONG flags, LPMAPIERROR* error) noexcept;
-
     // Only inside Run:
-    Database& Store() noexcept { return m_database; }
     Bytes EntryIdOfContainer(std::int64_t id);
     std::int64_t ContainerOfRole(BookRole role);
     // MAPI_E_UNKNOWN_ENTRYID for an ID that is none of a book's, MAPI_E_NOT_FOUND for one whose
@@ -66,10 +38,4 @@ class BookSession
                              ULONG flags,
                              ULONG* objectType,
                              IUnknown** object) noexcept;
-
-  private:
-    std::mutex m_mutex;
-    Database m_database;
-    HRESULT m_lastResult = S_OK;
-    std::string m_lastText;
 };

@@ -1,5 +1,7 @@
 #include "localstore/BookTable.h"
 
+#include "localstore/RowSetBuilder.h"
+
 #include <algorithm>
 
 namespace
@@ -14,39 +16,6 @@ template <typename Output> HRESULT Refuse(Output* output) noexcept
         *output = {};
     return MAPI_E_NO_SUPPORT;
 }
-
-// A row set under construction: what it holds is freed unless it was handed out.
-class RowSetBuilder
-{
-  public:
-    RowSetBuilder(ChainedMemory& memory, size_t rows)
-        : m_memory(memory), m_set(memory, CbNewSRowSet(rows))
-    {
-    }
-    ~RowSetBuilder()
-    {
-        if (!m_set.Get())
-            return;
-        for (ULONG i = 0; i < Set().cRows; ++i)
-            m_memory.Free(Set().aRow[i].lpProps);
-    }
-    RowSetBuilder(const RowSetBuilder&) = delete;
-    RowSetBuilder& operator=(const RowSetBuilder&) = delete;
-
-    void Add(SPropValue* values, size_t count) noexcept
-    {
-        SRow& row = Set().aRow[Set().cRows++];
-        row.cValues = static_cast<ULONG>(count);
-        row.lpProps = values;
-    }
-    SRowSet* Detach() noexcept { return static_cast<SRowSet*>(m_set.Detach()); }
-
-  private:
-    SRowSet& Set() const noexcept { return *static_cast<SRowSet*>(m_set.Get()); }
-
-    ChainedMemory& m_memory;
-    ChainedBuffer m_set;
-};
 
 } // namespace
 

@@ -4,6 +4,14 @@
 #include <new>
 #include <utility>
 
+namespace
+{
+
+// At namespace scope: a guarded static of a function would cost the runtime's lock.
+ChainedMemory g_memoryOfLibrary;
+
+} // namespace
+
 ChainedMemory::~ChainedMemory()
 {
     for (const auto& [buffer, blocks] : m_buffers)
@@ -16,8 +24,7 @@ ChainedMemory::~ChainedMemory()
 
 ChainedMemory& ChainedMemory::OfLibrary()
 {
-    static ChainedMemory memory;
-    return memory;
+    return g_memoryOfLibrary;
 }
 
 HRESULT ChainedMemory::Allocate(size_t bytes, void** buffer) noexcept
@@ -30,7 +37,7 @@ HRESULT ChainedMemory::Allocate(size_t bytes, void** buffer) noexcept
         return MAPI_E_NOT_ENOUGH_MEMORY;
     try
     {
-        const std::lock_guard lock(m_mutex);
+        const ScopedLock lock(m_lock);
         m_buffers.try_emplace(made);
     }
     catch (...)
@@ -50,7 +57,7 @@ HRESULT ChainedMemory::AllocateMore(size_t bytes, void* buffer, void** block) no
     void* made = nullptr;
     try
     {
-        const std::lock_guard lock(m_mutex);
+        const ScopedLock lock(m_lock);
         const auto found = m_buffers.find(buffer);
         if (found == m_buffers.end())
             return MAPI_E_INVALID_PARAMETER;
@@ -77,7 +84,7 @@ HRESULT ChainedMemory::Free(void* buffer) noexcept
         return S_OK;
     std::vector<void*> blocks;
     {
-        const std::lock_guard lock(m_mutex);
+        const ScopedLock lock(m_lock);
         const auto found = m_buffers.find(buffer);
         if (found == m_buffers.end())
             return MAPI_E_INVALID_PARAMETER;
@@ -90,9 +97,15 @@ HRESULT ChainedMemory::Free(void* buffer) noexcept
     return S_OK;
 }
 
+bool ChainedMemory::Owns(const void* buffer) const
+{
+    const ScopedLock lock(m_lock);
+    return m_buffers.contains(const_cast<void*>(buffer));
+}
+
 size_t ChainedMemory::LiveCount() const
 {
-    const std::lock_guard lock(m_mutex);
+    const ScopedLock lock(m_lock);
     size_t count = m_buffers.size();
     for (const auto& [buffer, blocks] : m_buffers)
         count += blocks.size();

@@ -3,10 +3,10 @@
 // Thread: any.
 #pragma once
 
+#include "localstore/ScopedLock.h"
 #include "platform/WindowsHeaders.h"
 
 #include <cstddef>
-#include <mutex>
 #include <unordered_map>
 #include <vector>
 
@@ -33,11 +33,14 @@ class ChainedMemory
     // and nothing happens, for an address that is none of the living buffers.
     HRESULT Free(void* buffer) noexcept;
 
+    // Whether the address is that of a living buffer.
+    bool Owns(const void* buffer) const;
+
     // Living buffers and blocks, for leak checks.
     size_t LiveCount() const;
 
   private:
-    mutable std::mutex m_mutex;
+    mutable SRWLOCK m_lock = SRWLOCK_INIT;
     std::unordered_map<void*, std::vector<void*>> m_buffers;
 };
 

@@ -29,6 +29,8 @@ enum class DatabaseFailure
     Full,       // the disk is full
     Disk,       // reading or writing failed
     Constraint, // a value that the schema does not allow
+    Gone,       // another one deleted the object meanwhile
+    Changed,    // another one changed the object meanwhile
     Other
 };
 

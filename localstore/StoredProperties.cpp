@@ -218,8 +218,23 @@ Bytes Encode(Form form, const PropertyValue& value)
     return bytes;
 }
 
-// Columns: type, value, the bytes of the large value (null where the value is inline).
-PropertyValue Decode(const Statement& row, int firstColumn)
+PropertyValue DecodeBytes(Form form, std::uint16_t type, std::span<const std::byte> bytes)
+{
+    if (type & MV_FLAG)
+        return DecodeMulti(form, type, bytes);
+    if (form == Form::Text)
+        return {type, TextOfBytes(bytes)};
+    if (type == PT_CLSID && bytes.size() != sizeof(GUID))
+        ThrowCorrupt();
+    return {type, Bytes(bytes.begin(), bytes.end())};
+}
+
+constexpr char kReadOwner[] = "SELECT property_id, type, value, large FROM property "
+                              "WHERE owner_kind = ?1 AND owner = ?2";
+
+} // namespace
+
+PropertyValue ReadValueColumns(Database& database, const Statement& row, int firstColumn)
 {
     const std::int64_t storedType = row.Integer(firstColumn);
     const auto type = static_cast<std::uint16_t>(storedType);
@@ -233,30 +248,38 @@ PropertyValue Decode(const Statement& row, int firstColumn)
             ThrowCorrupt();
         return {type, static_cast<std::uint64_t>(row.Integer(firstColumn + 1))};
     }
-    const int column = row.IsNull(firstColumn + 2) ? firstColumn + 1 : firstColumn + 2;
-    if (!row.IsBlob(column))
+    if (row.IsNull(firstColumn + 2))
+    {
+        if (!row.IsBlob(firstColumn + 1))
+            ThrowCorrupt();
+        return DecodeBytes(*form, type, row.Blob(firstColumn + 1));
+    }
+    Statement large = database.Prepare("SELECT bytes FROM large_value WHERE id = ?1");
+    large.Bind(1, row.Integer(firstColumn + 2));
+    if (!large.Step() || !large.IsBlob(0))
         ThrowCorrupt();
-    const std::span<const std::byte> bytes = row.Blob(column);
-    if (type & MV_FLAG)
-        return DecodeMulti(*form, type, bytes);
-    if (*form == Form::Text)
-        return {type, TextOfBytes(bytes)};
-    if (type == PT_CLSID && bytes.size() != sizeof(GUID))
-        ThrowCorrupt();
-    return {type, Bytes(bytes.begin(), bytes.end())};
+    return DecodeBytes(*form, type, large.Blob(0));
 }
 
-} // namespace
-
-std::map<std::uint16_t, PropertyValue> ReadProperties(Database& database, PropertyOwner owner)
+PropertyMap ReadProperties(Database& database, PropertyOwner owner)
 {
-    Statement rows = database.Prepare(
-        "SELECT p.property_id, p.type, p.value, l.bytes FROM property p "
-        "LEFT JOIN large_value l ON l.id = p.large WHERE p.owner_kind = ?1 AND p.owner = ?2");
+    return ReadProperties(database, owner, PropertySelection::All());
+}
+
+PropertyMap ReadProperties(Database& database,
+                           PropertyOwner owner,
+                           const PropertySelection& selection)
+{
+    Statement rows = database.Prepare(kReadOwner);
     rows.Bind(1, static_cast<std::int64_t>(owner.kind)).Bind(2, owner.id);
-    std::map<std::uint16_t, PropertyValue> properties;
+    PropertyMap properties;
     while (rows.Step())
-        properties.insert_or_assign(static_cast<std::uint16_t>(rows.Integer(0)), Decode(rows, 1));
+    {
+        const auto id = static_cast<std::uint16_t>(rows.Integer(0));
+        // The rows come in the order of their IDs.
+        if (selection.Has(id))
+            properties.emplace_hint(properties.end(), id, ReadValueColumns(database, rows, 1));
+    }
     return properties;
 }
 
@@ -264,14 +287,12 @@ std::optional<PropertyValue> ReadProperty(Database& database,
                                           PropertyOwner owner,
                                           std::uint16_t propertyId)
 {
-    Statement row =
-        database.Prepare("SELECT p.type, p.value, l.bytes FROM property p "
-                         "LEFT JOIN large_value l ON l.id = p.large "
-                         "WHERE p.owner_kind = ?1 AND p.owner = ?2 AND p.property_id = ?3");
+    Statement row = database.Prepare("SELECT type, value, large FROM property "
+                                     "WHERE owner_kind = ?1 AND owner = ?2 AND property_id = ?3");
     row.Bind(1, static_cast<std::int64_t>(owner.kind)).Bind(2, owner.id).Bind(3, propertyId);
     if (!row.Step())
         return std::nullopt;
-    return Decode(row, 0);
+    return ReadValueColumns(database, row, 0);
 }
 
 void WriteProperty(Database& database,
