@@ -1,4 +1,4 @@
-// The one place that defines the interface IDs which the library answers.
+// The one place that defines the interface IDs and property sets which the libraries know.
 #include <initguid.h>
 
 #define USES_IID_IMAPIProp
@@ -6,6 +6,13 @@
 #define USES_IID_IMAPIContainer
 #define USES_IID_IABContainer
 #define USES_IID_IAddrBook
+#define USES_IID_IMAPISession
+#define USES_IID_IMsgStore
+#define USES_IID_IMAPIFolder
+#define USES_IID_IMessage
+#define USES_IID_IAttachment
+#define USES_IID_IMailUser
+#define USES_PS_MAPI
 
 #include "platform/WindowsHeaders.h"
 

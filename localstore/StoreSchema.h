@@ -56,6 +56,8 @@ Database OpenStore(const std::wstring& path);
 // bytes; 24 bytes in all.
 Bytes NewEntryId(std::uint8_t objectType);
 inline constexpr size_t kEntryIdBytes = 24;
+// Where the object's MAPI type stands in it.
+inline constexpr size_t kEntryIdTypeAt = 6;
 
 // Whether the bytes have the form that NewEntryId gives.
 bool IsOwnEntryId(std::span<const std::byte> entryId);

@@ -1,0 +1,33 @@
+// The profile's user as an object: the properties that the store keeps for it, for reading.
+#pragma once
+
+#include "localstore/StoreObject.h"
+
+class IdentityState : public StoredObject
+{
+  public:
+    IdentityState(std::shared_ptr<StoreSession> session, Bytes entryId)
+        : StoredObject(std::move(session), false), m_entryId(std::move(entryId))
+    {
+    }
+
+    PropertyMap Read(const PropertySelection& selection) override;
+    HRESULT Change(PropertyChanges changes) override;
+    bool IsComputed(std::uint16_t id) const override;
+    HRESULT Save(ULONG flags) override;
+
+  private:
+    const Bytes m_entryId;
+};
+
+class StoreIdentity : public StoreObject<IdentityState, IMailUser, &IID_IMailUser>
+{
+  public:
+    explicit StoreIdentity(std::shared_ptr<IdentityState> state) : StoreObject(std::move(state)) {}
+
+    // Inside StoreSession::Run.
+    static HRESULT Open(std::shared_ptr<StoreSession> session,
+                        std::span<const std::byte> entryId,
+                        const IID* iid,
+                        IUnknown** object);
+};
