@@ -29,7 +29,7 @@ constexpr ULONG kStoreColumns[] = {PR_DEFAULT_STORE,
 Microsoft::WRL::ComPtr<MapiSession> MapiSession::LogOn(const std::wstring& storePath)
 {
     Database database = OpenStore(storePath);
-    if (!database.IsReadOnly())
+    if (!database.IsReadOnly() && LacksProfile(database))
         EnsureDefaultProfile(database, LoggedOnUser());
     return MakeObject<MapiSession>(std::make_shared<StoreSession>(std::move(database)));
 }

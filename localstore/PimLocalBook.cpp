@@ -1,6 +1,7 @@
 // The exported entry point of the embedded address book.
 #include "localstore/AddressBook.h"
 #include "localstore/BookSession.h"
+#include "localstore/StayLoaded.h"
 #include "localstore/StorePath.h"
 #include "localstore/StoreSchema.h"
 #include "localstore/WabObject.h"
@@ -11,16 +12,6 @@
 
 namespace
 {
-
-// Keeps this library in the process: an unloaded one leaves memory and handles of its C++ run-time
-// library behind each time, and a server loads it with each start of the service.
-void StayLoaded() noexcept
-{
-    HMODULE self = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                       reinterpret_cast<const wchar_t*>(&StayLoaded),
-                       &self);
-}
 
 // Both outputs get one reference, or stay null.
 HRESULT OpenBook(const std::wstring& storePath, LPADRBOOK* book, LPWABOBJECT* library)

@@ -3,6 +3,7 @@
 #include "localstore/ComObject.h"
 #include "localstore/MapiSession.h"
 #include "localstore/RtfStream.h"
+#include "localstore/StayLoaded.h"
 #include "localstore/StorePath.h"
 #include "localstore/TableRows.h"
 
@@ -34,7 +35,8 @@ extern "C"
 {
 
     // record: null or a MAPIINIT_0. COM is left alone whatever its flags say: the store does not
-    // need it. Returns: S_OK; MAPI_E_VERSION for a version other than 0; MAPI_E_UNKNOWN_FLAGS.
+    // need it. From now on the library stays in the process. Returns: S_OK; MAPI_E_VERSION for a
+    // version other than 0; MAPI_E_UNKNOWN_FLAGS.
     HRESULT STDAPICALLTYPE StoreInitialize(LPVOID record)
     {
         if (const auto* init = static_cast<const MAPIINIT_0*>(record))
@@ -44,6 +46,7 @@ extern "C"
             if (init->ulFlags & ~kInitFlags)
                 return MAPI_E_UNKNOWN_FLAGS;
         }
+        StayLoaded();
         ++g_initialised;
         return S_OK;
     }

@@ -199,28 +199,24 @@ StoreFolder::DeleteMessages(LPENTRYLIST entries, ULONG, LPMAPIPROGRESS, ULONG fl
             return MAPI_E_NO_ACCESS;
         Database& database = Session().Store();
         Transaction transaction(database);
-        bool deleted = false;
-        HRESULT firstFailure = S_OK;
+        HRESULT outcome = S_OK;
         for (ULONG i = 0; i < entries->cValues; ++i)
         {
             std::span<const std::byte> entryId;
-            HRESULT result = ReadEntryId(entries->lpbin[i].cb, entries->lpbin[i].lpb, entryId);
-            if (SUCCEEDED(result))
+            if (FAILED(ReadEntryId(entries->lpbin[i].cb, entries->lpbin[i].lpb, entryId)))
             {
-                database.Prepare("DELETE FROM message WHERE entry_id = ?1 AND folder = ?2")
-                    .Bind(1, entryId)
-                    .Bind(2, State().Id())
-                    .Run();
-                result = database.Changes() > 0 ? S_OK : MAPI_E_NOT_FOUND;
+                outcome = MAPI_W_PARTIAL_COMPLETION;
+                continue;
             }
-            deleted = deleted || SUCCEEDED(result);
-            if (FAILED(result) && SUCCEEDED(firstFailure))
-                firstFailure = result;
+            database.Prepare("DELETE FROM message WHERE entry_id = ?1 AND folder = ?2")
+                .Bind(1, entryId)
+                .Bind(2, State().Id())
+                .Run();
+            if (database.Changes() == 0)
+                outcome = MAPI_W_PARTIAL_COMPLETION;
         }
-        if (FAILED(firstFailure) && !deleted)
-            return firstFailure;
         transaction.Commit();
-        return FAILED(firstFailure) ? MAPI_W_PARTIAL_COMPLETION : S_OK;
+        return outcome;
     });
 }
 

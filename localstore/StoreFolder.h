@@ -70,8 +70,8 @@ class StoreFolder
                               LPMAPIPROGRESS progress,
                               ULONG flags) override;
     // Deletes the messages of this folder that the list names, in one transaction.
-    // Returns: S_OK; MAPI_W_PARTIAL_COMPLETION where some are none of this folder's messages; the
-    //          reason of the first where none of them is.
+    // Returns: S_OK; MAPI_W_PARTIAL_COMPLETION where some, or all, are none of this folder's
+    //          messages.
     STDMETHODIMP DeleteMessages(LPENTRYLIST entries,
                                 ULONG uiParam,
                                 LPMAPIPROGRESS progress,

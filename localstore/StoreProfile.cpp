@@ -111,11 +111,6 @@ void AddFolders(Database& database)
         WriteText(database, store, PR_DISPLAY_NAME_W, L"Personal Folders");
 }
 
-bool NeedsProfile(Database& database)
-{
-    return !RootFolder(database) || database.QueryInteger("SELECT count(*) FROM identity") == 0;
-}
-
 } // namespace
 
 std::span<const FolderRole> FolderRoles()
@@ -240,13 +235,18 @@ UserIdentity LoggedOnUser()
     return user;
 }
 
+bool LacksProfile(Database& database)
+{
+    return !RootFolder(database) || database.QueryInteger("SELECT count(*) FROM identity") == 0;
+}
+
 bool EnsureDefaultProfile(Database& database, const UserIdentity& user)
 {
-    if (!NeedsProfile(database))
+    if (!LacksProfile(database))
         return false;
     Transaction transaction(database);
     // Another process may have been faster; inside the transaction the answer holds.
-    if (!NeedsProfile(database))
+    if (!LacksProfile(database))
         return false;
     if (database.QueryInteger("SELECT count(*) FROM identity") == 0)
         AddIdentity(database, user);

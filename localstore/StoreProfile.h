@@ -65,8 +65,12 @@ struct UserIdentity
     std::wstring displayName;
 };
 
-// The user who runs this process; the account's name stands in for a missing display name.
+// The user who runs this process; the account's name stands in for a missing display name. It may
+// take the system a while to find out.
 UserIdentity LoggedOnUser();
+
+// Whether a store lacks something that EnsureDefaultProfile makes.
+bool LacksProfile(Database& database);
 
 // Makes what a store needs for a logon, where it is missing: the identity; a root with the
 // subtree "Top of Personal Folders" and in it Inbox, Deleted Items, Calendar and Contacts. A store
