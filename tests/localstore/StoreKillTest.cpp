@@ -1,0 +1,179 @@
+// Kills writers of messages at chosen and at random moments, and looks for what they had saved.
+#include "localstore/StoreProfile.h"
+#include "localstore/StoreSchema.h"
+#include "localstore/StoredProperties.h"
+#include "platform/WindowsHeaders.h"
+#include "tests/localstore/LocalStoreSupport.h"
+#include "tests/localstore/MessageWriter.h"
+#include "tests/localstore/StoppingVfs.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <random>
+
+namespace
+{
+
+constexpr int kKillsInCommit = 22;
+constexpr int kKillsAtFlush = 4;
+constexpr int kKillsInCheckpoint = 12;
+constexpr int kKillsAtRandom = 14;
+// What one connection's log holds before a checkpoint is due, where none is wanted.
+constexpr int kNoCheckpoint = 100000;
+constexpr int kEarlyCheckpoint = 20;
+
+class StoreKillTest : public testing::Test
+{
+  protected:
+    std::wstring Command(StopBefore step, int skip, int armAfter, int checkpoint)
+    {
+        return L"\"" + ProgramFolder() + L"localstore_tests.exe\" --write-messages \"" + m_path +
+               L"\" " + std::to_wstring(m_next) + L" " + std::to_wstring(static_cast<int>(step)) +
+               L" " + std::to_wstring(skip) + L" " + std::to_wstring(armAfter) + L" " +
+               std::to_wstring(checkpoint);
+    }
+
+    // Notes a line of the child; true for one that tells of a stop.
+    bool Note(const std::string& line)
+    {
+        int number = 0;
+        char id[64] = {};
+        if (std::sscanf(line.c_str(), "saved %d %63s", &number, id) == 2)
+        {
+            m_saved[number] = id;
+            m_next = std::max(m_next, number + 1);
+        }
+        else
+        {
+            EXPECT_EQ("stop", line);
+        }
+        return line == "stop";
+    }
+
+    // Starts a writer that stops at the step, and kills it there.
+    void KillAt(StopBefore step, int skip, int armAfter, int checkpoint)
+    {
+        ChildProcess child(Command(step, skip, armAfter, checkpoint));
+        bool stopped = false;
+        while (!stopped)
+        {
+            const auto line = child.ReadLine();
+            ASSERT_TRUE(line.has_value()) << "the writer ended by itself";
+            stopped = Note(*line);
+        }
+        child.Kill();
+        // The message that it was about to save may be there or not.
+        ++m_next;
+        Check();
+    }
+
+    void KillAtRandom(std::mt19937& random)
+    {
+        ChildProcess child(Command(StopBefore::Nothing, 0, 0, kEarlyCheckpoint));
+        const int lines = static_cast<int>(random() % 8);
+        for (int i = 0; i < lines; ++i)
+        {
+            const auto line = child.ReadLine();
+            ASSERT_TRUE(line.has_value()) << "the writer ended by itself";
+            Note(*line);
+        }
+        Sleep(random() % 20);
+        child.Kill();
+        // What it had said before it was killed stands, but for a line that was cut.
+        while (const auto line = child.ReadLine())
+        {
+            if (line->size() > 40)
+                Note(*line);
+        }
+        ++m_next;
+        Check();
+    }
+
+    // The database is whole and holds every message that was saved.
+    void Check()
+    {
+        Database database = OpenStore(m_path);
+        {
+            Statement check = database.Prepare("PRAGMA integrity_check");
+            ASSERT_TRUE(check.Step());
+            ASSERT_EQ("ok", check.Text(0));
+        }
+        ASSERT_EQ(0,
+                  database.QueryInteger("SELECT count(*) FROM property p WHERE p.owner_kind = 3 "
+                                        "AND p.owner NOT IN (SELECT id FROM message)"));
+        // A message is there whole or not at all.
+        ASSERT_EQ(database.QueryInteger("SELECT count(*) FROM message"),
+                  database.QueryInteger("SELECT count(*) FROM attachment"));
+        for (const auto& [number, id] : m_saved)
+        {
+            if (number >= m_checkedUpTo)
+            {
+                ASSERT_TRUE(IsWhole(database, number, id)) << "message " << number;
+            }
+        }
+        m_checkedUpTo = m_next;
+    }
+
+    static bool IsWhole(Database& database, int number, const std::string& hex)
+    {
+        Statement row = database.Prepare(
+            "SELECT m.id, a.id FROM message m JOIN attachment a ON a.message = m.id "
+            "WHERE hex(m.entry_id) = ?1");
+        row.Bind(1, std::string_view(hex));
+        if (!row.Step())
+            return false;
+        const PropertyOwner message{OwnerKind::Message, row.Integer(0)};
+        const PropertyOwner attachment{OwnerKind::Attachment, row.Integer(1)};
+        const auto subject = ReadProperty(database, message, PROP_ID(PR_SUBJECT_W));
+        const auto body = ReadProperty(database, message, PROP_ID(PR_BODY_W));
+        const auto data = ReadProperty(database, attachment, PROP_ID(PR_ATTACH_DATA_BIN));
+        const std::string bytes = AttachmentOfWritten(number);
+        const auto raw = std::as_bytes(std::span(bytes));
+        return subject == PropertyValue{PT_UNICODE, SubjectOfWritten(number)} &&
+               body == PropertyValue{PT_UNICODE, BodyOfWritten(number)} &&
+               data == PropertyValue{PT_BINARY, Bytes(raw.begin(), raw.end())};
+    }
+
+    TempFolder m_folder;
+    const std::wstring m_path = m_folder.File(L"store.db");
+    int m_next = 1;
+    int m_checkedUpTo = 1;
+    std::map<int, std::string> m_saved;
+};
+
+} // namespace
+
+TEST_F(StoreKillTest, KeepsEverythingThatWasSavedWhenTheWriterIsKilled)
+{
+    std::mt19937 random(20240229);
+    for (int i = 0; i < kKillsInCommit; ++i)
+        // At least two writes of the commit are done, so one of a page, since a new log begins with
+        // its header; a message takes more writes than this skips.
+        ASSERT_NO_FATAL_FAILURE(KillAt(StopBefore::LogWrite, 2 + i % 10, 2 + i % 4, kNoCheckpoint));
+    for (int i = 0; i < kKillsAtFlush; ++i)
+        ASSERT_NO_FATAL_FAILURE(KillAt(StopBefore::LogFlush, 0, i, kNoCheckpoint));
+    for (int i = 0; i < kKillsInCheckpoint; ++i)
+        // At least one page of the checkpoint is copied.
+        ASSERT_NO_FATAL_FAILURE(
+            KillAt(StopBefore::DatabaseWrite, 1 + i % 6, i % 3, kEarlyCheckpoint));
+    for (int i = 0; i < kKillsAtRandom; ++i)
+        ASSERT_NO_FATAL_FAILURE(KillAtRandom(random));
+
+    // Everything once more, now that all the others were written over it.
+    Database database = OpenStore(m_path);
+    for (const auto& [number, id] : m_saved)
+        EXPECT_TRUE(IsWhole(database, number, id)) << "message " << number;
+    EXPECT_GT(m_saved.size(), 100u);
+    std::printf("killed %d times: %d between a transaction's first write and its commit, %d of "
+                "them before the flush; %d during a checkpoint; %d at random. %zu messages saved, "
+                "every one found.\n",
+                kKillsInCommit + kKillsAtFlush + kKillsInCheckpoint + kKillsAtRandom,
+                kKillsInCommit + kKillsAtFlush,
+                kKillsAtFlush,
+                kKillsInCheckpoint,
+                kKillsAtRandom,
+                m_saved.size());
+}
