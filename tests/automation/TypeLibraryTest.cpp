@@ -2,6 +2,7 @@
 #include "automation/TypeLibraryDump.h"
 
 #include "platform/Bstr.h"
+#include "support/TestPaths.h"
 
 #include <gmock/gmock.h>
 
@@ -17,7 +18,7 @@ namespace
 std::vector<std::string> ReadContract()
 {
     std::vector<std::string> facts;
-    std::ifstream file(PIM_TEST_DATA "/contract/type_library.txt");
+    std::ifstream file(TestData() / "contract" / "type_library.txt");
     for (std::string line; std::getline(file, line);)
     {
         if (!line.empty() && line.back() == '\r')

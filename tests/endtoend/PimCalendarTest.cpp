@@ -3,6 +3,7 @@
 #include "endtoend/CalendarFolder.h"
 #include "endtoend/ChildProgram.h"
 #include "endtoend/SampleCalendar.h"
+#include "support/TestPaths.h"
 
 #include <gmock/gmock.h>
 
@@ -142,8 +143,8 @@ TEST_F(PimCalendarTest, TellsOfAnEmptyCalendar)
 // offset, plus one hour or, from March 29 to October 25 of 2026, two.
 TEST_F(PimCalendarTest, ListsTheSampleCalendars)
 {
-    s_folder->CopyFrom(PIM_SAMPLES "/calendars");
-    std::ifstream file(PIM_TEST_DATA "/client/samples_list.txt", std::ios::binary);
+    s_folder->CopyFrom(Samples() / "calendars");
+    std::ifstream file(TestData() / "client" / "samples_list.txt", std::ios::binary);
     const std::string expected{std::istreambuf_iterator<char>(file),
                                std::istreambuf_iterator<char>()};
     ASSERT_FALSE(expected.empty());

@@ -3,6 +3,7 @@
 #include "endtoend/ServerFixture.h"
 #include "platform/Bstr.h"
 #include "support/ScratchDirectory.h"
+#include "support/TestPaths.h"
 
 #include <gtest/gtest.h>
 
@@ -44,7 +45,7 @@ struct ExpectedLine
 std::vector<ExpectedLine> ReadExpected(const std::wstring& serverPath)
 {
     std::vector<ExpectedLine> lines;
-    std::ifstream file(PIM_TEST_DATA "/registration/keys.txt");
+    std::ifstream file(TestData() / "registration" / "keys.txt");
     for (std::string raw; std::getline(file, raw);)
     {
         if (!raw.empty() && raw.back() == '\r')

@@ -2,6 +2,7 @@
 #include "endtoend/CalendarFolder.h"
 #include "endtoend/ChildProgram.h"
 #include "endtoend/SampleCalendar.h"
+#include "support/TestPaths.h"
 
 #include <gmock/gmock.h>
 
@@ -45,7 +46,7 @@ class SampleClientsTest : public testing::Test
 
     static std::wstring Script(const wchar_t* name, const std::wstring& arguments = {})
     {
-        const auto path = std::filesystem::absolute(PIM_SAMPLES) / name;
+        const auto path = std::filesystem::absolute(Samples()) / name;
         return L"cscript.exe //nologo \"" + path.wstring() + L"\" " + arguments;
     }
     // Checks that the output holds the walk's lines, each once, in the store's order.

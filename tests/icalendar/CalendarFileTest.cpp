@@ -2,12 +2,12 @@
 
 #include "icalendar/AppointmentMapping.h"
 #include "platform/FileIo.h"
+#include "support/TestPaths.h"
 #include "tests/icalendar/SavedText.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <optional>
@@ -49,7 +49,7 @@ std::vector<fs::path> FilesIn(const fs::path& folder, const char* extension)
     return files;
 }
 
-const fs::path kSamples = fs::path(PIM_TEST_DATA) / "ics";
+const fs::path kSamples = TestData() / "ics";
 
 // A folder of its own below the system's for temporary files, gone at the end.
 class TemporaryFolder
@@ -109,9 +109,7 @@ TEST(CalendarFileTest, ThereAreSamplesOfEveryKind)
 
 std::optional<fs::path> FolderOfRealCalendars()
 {
-    const char* const given = std::getenv("PIM_SHARED_DATA");
-    const fs::path folder =
-        (given ? fs::path(given) : fs::path(PIM_SOURCE_DIR) / ".." / "shared" / "data") / "ics";
+    const fs::path folder = SharedData() / "ics";
     std::error_code error;
     return fs::is_directory(folder, error) ? std::optional(folder) : std::nullopt;
 }

@@ -2,21 +2,13 @@
 #include "icalendar/CalendarFolder.h"
 #include "icalendar/RecordingAppointment.h"
 #include "icalendar/SavedText.h"
+#include "support/TestPaths.h"
 
-#include <cstdlib>
 #include <iostream>
 
 namespace
 {
 namespace fs = std::filesystem;
-
-fs::path FolderOfRealCalendars()
-{
-    const wchar_t* const given = _wgetenv(L"PIM_SHARED_DATA");
-    const fs::path shared =
-        given ? fs::path(given) : fs::path(PIM_TEST_DATA) / ".." / ".." / ".." / "shared" / "data";
-    return shared / "ics";
-}
 } // namespace
 
 class WindowsMailCalendarDataTest : public CalendarFolderTest
@@ -68,7 +60,7 @@ class WindowsMailCalendarDataTest : public CalendarFolderTest
 
 TEST_F(WindowsMailCalendarDataTest, KeepsInASecondSaveWhatTheFirstKept)
 {
-    const fs::path folder = FolderOfRealCalendars();
+    const fs::path folder = SharedData() / "ics";
     std::error_code error;
     if (!fs::is_directory(folder, error))
     {

@@ -235,7 +235,7 @@ TEST(CompressedRtfTest, PacksRepetitionTightlyAndNothingMuchLarger)
 
 TEST(CompressedRtfTest, AgreesWithOurOwnSamplesAndRealBodies)
 {
-    auto samples = FilesIn(std::filesystem::path(PIM_TEST_DATA) / "compressed_rtf", ".lzfu");
+    auto samples = FilesIn(TestData() / "compressed_rtf", ".lzfu");
     EXPECT_EQ(3u, samples.size());
     std::ranges::move(SharedSamples("rtf", ".lzfu"), std::back_inserter(samples));
     for (const auto& path : samples)

@@ -85,7 +85,7 @@ std::string TextOf(const std::string& rtf)
 
 TEST(RtfSamplesTest, GiveTheExactTextOfOurOwnDocuments)
 {
-    const auto documents = FilesIn(std::filesystem::path(PIM_TEST_DATA) / "rtf", ".rtf");
+    const auto documents = FilesIn(TestData() / "rtf", ".rtf");
     EXPECT_EQ(5u, documents.size());
     for (const auto& path : documents)
     {

@@ -1,4 +1,5 @@
 // Properties as streams, attachments, compressed RTF.
+#include "support/TestPaths.h"
 #include "tests/storeconformance/StoreConformanceTest.h"
 
 #include <fstream>
@@ -34,7 +35,7 @@ void Rewind(IStream* stream)
 
 std::vector<BYTE> DataFile(const std::string& name)
 {
-    std::ifstream file(PIM_TEST_DATA "/compressed_rtf/" + name, std::ios::binary);
+    std::ifstream file(TestData() / "compressed_rtf" / name, std::ios::binary);
     EXPECT_TRUE(file.is_open()) << name;
     return std::vector<BYTE>(std::istreambuf_iterator<char>(file), {});
 }

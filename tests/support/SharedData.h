@@ -1,10 +1,10 @@
-// Real samples beside the project: the folder that PIM_SHARED_DATA in the environment names, else
-// ../shared/data. They are no part of the project, so tests that read them run over whatever is
-// there, and say so where nothing is.
+// Real samples beside the project: tests that read them run over whatever is there, and say so
+// where nothing is.
 #pragma once
 
+#include "support/TestPaths.h"
+
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -36,13 +36,10 @@ inline std::vector<std::filesystem::path> FilesIn(const std::filesystem::path& f
 inline std::vector<std::filesystem::path> SharedSamples(const std::string& folder,
                                                         const std::string& extension)
 {
-    const char* const given = std::getenv("PIM_SHARED_DATA");
-    const std::filesystem::path root =
-        given ? std::filesystem::path(given)
-              : std::filesystem::path(PIM_SOURCE_DIR) / ".." / "shared" / "data";
-    auto files = FilesIn(root / folder, extension);
+    auto files = FilesIn(SharedData() / folder, extension);
     if (files.empty())
-        std::cout << "No real samples (" << extension << ") in " << (root / folder).generic_string()
+        std::cout << "No real samples (" << extension << ") in "
+                  << (SharedData() / folder).generic_string()
                   << ": those of tests/data alone are compared.\n";
     return files;
 }
