@@ -5,6 +5,7 @@
 
 #include "platform/CodecStatus.h"
 
+#include <array>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -35,8 +36,10 @@ class ByteWriter
             return Fail(CodecStatus::LimitExceeded);
         using Bits = std::make_unsigned_t<T>;
         const std::uint64_t bits = static_cast<Bits>(static_cast<T>(value));
+        std::array<std::byte, sizeof(T)> field;
         for (std::size_t i = 0; i < sizeof(T); ++i)
-            m_bytes.push_back(static_cast<std::byte>((bits >> (8 * i)) & 0xFF));
+            field[i] = static_cast<std::byte>((bits >> (8 * i)) & 0xFF);
+        m_bytes.insert(m_bytes.end(), field.begin(), field.end());
         return true;
     }
 

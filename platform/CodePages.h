@@ -10,3 +10,9 @@
 // private use are decoded on Windows alone. An unknown code page is read as 1252.
 // Throws std::bad_alloc.
 void AppendFromCodePage(unsigned codePage, std::string_view bytes, std::wstring& text);
+
+// Appends the bytes of a text of UTF-16 code units in a code page to *bytes. What the code page
+// lacks becomes "?" per unit; on Windows alone the system may put a similar character instead. An
+// unknown code page is written as 1252.
+// Throws std::bad_alloc.
+void AppendToCodePage(unsigned codePage, std::wstring_view text, std::string& bytes);

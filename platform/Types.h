@@ -13,6 +13,7 @@
 // clang-format off
 #include <windef.h>
 #include <minwinbase.h>
+#include <timezoneapi.h>
 #include <wtypes.h>
 // clang-format on
 
@@ -36,6 +37,19 @@ struct FILETIME
 {
     std::uint32_t dwLowDateTime;
     std::uint32_t dwHighDateTime;
+};
+
+// A zone's rules. Biases are minutes west of UTC; a date with year 0 names the wDay-th wDayOfWeek
+// of its month, 5 the last one. Month 0: the zone has no daylight saving.
+struct TIME_ZONE_INFORMATION
+{
+    std::int32_t Bias;
+    wchar_t StandardName[32];
+    SYSTEMTIME StandardDate;
+    std::int32_t StandardBias;
+    wchar_t DaylightName[32];
+    SYSTEMTIME DaylightDate;
+    std::int32_t DaylightBias;
 };
 
 // Days since 1899-12-30 00:00; a negative value counts its fraction forward.

@@ -11,6 +11,7 @@
 namespace
 {
 constexpr unsigned kWestern = 1252;
+constexpr unsigned kUtf8 = 65001;
 
 struct NameRow
 {
@@ -121,6 +122,89 @@ class Converter
     iconv_t m_handle = kClosed;
     unsigned m_codePage = 0;
 };
+
+// One conversion descriptor from UTF-16, kept open for the next text in the same code page.
+class Encoder
+{
+  public:
+    Encoder() = default;
+    ~Encoder() { Close(); }
+    Encoder(const Encoder&) = delete;
+    Encoder& operator=(const Encoder&) = delete;
+
+    void Select(unsigned codePage)
+    {
+        if (m_handle != kClosed && m_codePage == codePage)
+            return;
+        Close();
+        m_handle = iconv_open(NameOf(codePage).c_str(), "UTF-16LE");
+        if (m_handle == kClosed)
+            m_handle = iconv_open(NameOf(kWestern).c_str(), "UTF-16LE");
+        m_codePage = codePage;
+    }
+
+    // Character by character, so that what one lacks touches no other.
+    void Append(std::wstring_view text, std::string& bytes) const
+    {
+        while (!text.empty())
+        {
+            const std::size_t units = IsPair(text) ? 2 : 1;
+            if (!AppendCharacter(text.substr(0, units), bytes))
+                for (const wchar_t unit : text.substr(0, units))
+                    AppendReplacement(unit, bytes);
+            text.remove_prefix(units);
+        }
+    }
+
+  private:
+    static inline const iconv_t kClosed = reinterpret_cast<iconv_t>(-1);
+
+    static bool IsPair(std::wstring_view text)
+    {
+        return text.size() > 1 && (text[0] & 0xFC00) == 0xD800 && (text[1] & 0xFC00) == 0xDC00;
+    }
+
+    bool AppendCharacter(std::wstring_view units, std::string& bytes) const
+    {
+        std::array<char, 4> input;
+        for (std::size_t i = 0; i < units.size(); ++i)
+        {
+            input[2 * i] = static_cast<char>(units[i] & 0xFF);
+            input[2 * i + 1] = static_cast<char>(units[i] >> 8 & 0xFF);
+        }
+        std::array<char, 16> output;
+        char* in = input.data();
+        std::size_t left = 2 * units.size();
+        char* out = output.data();
+        std::size_t room = output.size();
+        iconv(m_handle, nullptr, nullptr, nullptr, nullptr); // back to the initial state
+        if (iconv(m_handle, &in, &left, &out, &room) == static_cast<std::size_t>(-1))
+            return false;
+        iconv(m_handle, nullptr, nullptr, &out, &room); // what waits for an accent
+        bytes.append(output.data(), out);
+        return true;
+    }
+
+    void AppendReplacement(wchar_t unit, std::string& bytes) const
+    {
+        if (m_codePage == kUtf8)
+            bytes += "\xEF\xBF\xBD"; // half a pair
+        else if (m_codePage == kWestern && unit >= 0x80 && unit < 0xA0)
+            bytes += static_cast<char>(unit); // as they are read
+        else
+            bytes += '?';
+    }
+
+    void Close()
+    {
+        if (m_handle != kClosed)
+            iconv_close(m_handle);
+        m_handle = kClosed;
+    }
+
+    iconv_t m_handle = kClosed;
+    unsigned m_codePage = 0;
+};
 } // namespace
 
 void AppendFromCodePage(unsigned codePage, std::string_view bytes, std::wstring& text)
@@ -128,4 +212,11 @@ void AppendFromCodePage(unsigned codePage, std::string_view bytes, std::wstring&
     thread_local Converter converter;
     converter.Select(codePage);
     converter.Append(bytes, text);
+}
+
+void AppendToCodePage(unsigned codePage, std::wstring_view text, std::string& bytes)
+{
+    thread_local Encoder encoder;
+    encoder.Select(codePage);
+    encoder.Append(text, bytes);
 }

@@ -93,3 +93,53 @@ TEST(CodePagesTest, NeverGivesMoreUnitsThanBytes)
                 ASSERT_GE(units, 1u) << codePage << ' ' << first << ' ' << second;
             }
 }
+
+TEST(CodePagesTest, WritesTextsInTheCodePagesOfDocuments)
+{
+    // From the published tables again; what a code page lacks is "?" per unit.
+    struct Encoded
+    {
+        unsigned codePage;
+        std::wstring text;
+        std::string bytes;
+    };
+    const std::wstring face = {static_cast<wchar_t>(0xD83D), static_cast<wchar_t>(0xDE00)};
+    const std::wstring half = {static_cast<wchar_t>(0xD83D)};
+    const Encoded cases[] = {
+        {1252, L"Zo\x00EB\x2019s \x20AC", "Zo\xEB\x92s \x80"},
+        {1252, L"\x65E5\x672C", "??"},
+        {1252, L"a" + face + L"b", "a??b"},
+        {1252, L"\x0081\x009D", "\x81\x9D"}, // unassigned bytes, as they are read
+        {1251, L"\x041F\x0440", "\xCF\xF0"},
+        {932, L"\x65E5\x672C~", "\x93\xFA\x96\x7B~"},
+        {936, L"\x4E2D", "\xD6\xD0"},
+        {949, L"\xD55C", "\xC7\xD1"},
+        {950, L"\x4E2D", "\xA4\xA4"},
+        {65001, face + L"\x20AC", "\xF0\x9F\x98\x80\xE2\x82\xAC"},
+        {65001, half + L"x", "\xEF\xBF\xBDx"},
+        {4711, L"\x00E4", "\xE4"}, // no such code page: as 1252
+        {1252, L"", ""},
+    };
+    for (const Encoded& row : cases)
+    {
+        std::string bytes = "<";
+        AppendToCodePage(row.codePage, row.text, bytes);
+        EXPECT_EQ("<" + row.bytes, bytes) << row.codePage;
+    }
+}
+
+TEST(CodePagesTest, WritesBackEveryCharacterThatItReads)
+{
+    // Code pages of one byte a character whose bytes all mean something.
+    for (const unsigned codePage : {1251u, 1252u, 1256u})
+        for (int byte = 1; byte < 256; ++byte)
+        {
+            const std::string one(1, static_cast<char>(byte));
+            const std::wstring text = Decode(codePage, one);
+            if (text == L"\xFFFD")
+                continue;
+            std::string back;
+            AppendToCodePage(codePage, text, back);
+            EXPECT_EQ(one, back) << codePage << " " << byte;
+        }
+}
