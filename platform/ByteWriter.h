@@ -5,7 +5,6 @@
 
 #include "platform/CodecStatus.h"
 
-#include <array>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -36,10 +35,10 @@ class ByteWriter
             return Fail(CodecStatus::LimitExceeded);
         using Bits = std::make_unsigned_t<T>;
         const std::uint64_t bits = static_cast<Bits>(static_cast<T>(value));
-        std::array<std::byte, sizeof(T)> field;
+        const std::size_t at = m_bytes.size();
+        m_bytes.resize(at + sizeof(T));
         for (std::size_t i = 0; i < sizeof(T); ++i)
-            field[i] = static_cast<std::byte>((bits >> (8 * i)) & 0xFF);
-        m_bytes.insert(m_bytes.end(), field.begin(), field.end());
+            m_bytes[at + i] = static_cast<std::byte>((bits >> (8 * i)) & 0xFF);
         return true;
     }
 
