@@ -157,7 +157,7 @@ void ReadPattern(ByteReader& in, _tagRecurringInfo& record)
         break;
     case Specific::Weekdays: {
         // Kept as it is: a rule for every working day, whose frequency is daily, is weekly too.
-        // Pinned by RecurrencePatternTest.
+        // Pinned by RecurrencePatternReadTest.
         std::uint32_t mask = 0;
         in.Read(mask);
         record.eRecurType = Weekly;
@@ -431,7 +431,7 @@ CodecStatus MakeMonthly(const _tagRecurringInfo& record, const LocalStart& start
         std::uint32_t days = 0;
         pattern.Add(MaskOf(rule.bValidWeekday, days));
         // Kept as it is: without a week the field is missing, and readers take what follows for it.
-        // Pinned by RecurrencePatternTest.
+        // Pinned by RecurrencePatternWriteTest.
         if (rule.lNth != 0)
             pattern.Add(rule.lNth < 0 ? kLastWeek : static_cast<std::uint32_t>(rule.lNth));
     }
@@ -443,7 +443,7 @@ CodecStatus MakeMonthly(const _tagRecurringInfo& record, const LocalStart& start
 }
 
 // Kept as it is: a yearly rule is always one of a month's day every 12 months, whatever its mode,
-// weekdays, month and interval. Pinned by RecurrencePatternTest.
+// weekdays, month and interval. Pinned by RecurrencePatternWriteTest.
 CodecStatus MakeYearly(const _tagRecurringInfo& record, const LocalStart& start, Pattern& pattern)
 {
     pattern.frequency = kFrequencyYearly;
@@ -466,7 +466,7 @@ constexpr KindRow kKinds[] = {
 
 // The dates that go into the blob. Without a deleted instance at the head of its array a record
 // gives neither deleted nor modified ones.
-// Kept as it is: clients rely on it. Pinned by RecurrencePatternTest.
+// Kept as it is: clients rely on it. Pinned by RecurrencePatternWriteTest.
 struct Instances
 {
     explicit Instances(const _tagRecurringInfo& record)
@@ -679,7 +679,7 @@ CodecStatus EncodeRecurrencePattern(const _tagRecurringInfo& record,
                              static_cast<std::uint32_t>(first.durationMinutes));
     out.Write<std::uint16_t>(instances.modifiedCount);
     // Kept as it is: the records are the first ones of the array, also where one without a date
-    // lies among them. Pinned by RecurrencePatternTest.
+    // lies among them. Pinned by RecurrencePatternWriteTest.
     const std::span<const _tagModifiedInstanceInfo> exceptions(
         record.arrModifiedInstance, static_cast<std::size_t>(instances.modifiedCount));
     for (const _tagModifiedInstanceInfo& exception : exceptions)

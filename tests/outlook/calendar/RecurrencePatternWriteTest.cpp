@@ -241,6 +241,22 @@ TEST(RecurrencePatternWriteTest, WritesYearlyRulesAsADayEvery12Months)
     ExpectFile("yearly_by_weekday", Written(byWeekday, DateOf(2024, 12, 31, 9, 30)));
 }
 
+// These 80 bytes are what a mail client wrote for a yearly appointment on 25 December, from
+// 2018-12-25 07:00 for two hours, without an end.
+TEST(RecurrencePatternWriteTest, WritesAYearlyRuleAsAMailClientDid)
+{
+    BlobFields expected;
+    expected.Pattern(0x200D, 2, 12).U32(25).Lists(0x2023, 10, {}, {});
+    expected.U32(0x0D1A6F00).U32(0x5AE980DF).U32(0x3006).U32(0x3009).U32(420).U32(540).U16(0);
+    expected.U32(0).U32(0);
+    std::vector<std::byte> blob = expected.Bytes();
+    const std::uint32_t december = 334 * 1440; // behind the eleven months before it
+    for (std::size_t i = 0; i < 4; ++i)
+        blob[10 + i] = static_cast<std::byte>(december >> (8 * i) & 0xFF);
+    ASSERT_EQ(80u, blob.size());
+    EXPECT_EQ(HexOf(blob), HexOf(Written(YearlyOnDay(1, 25), DateOf(2018, 12, 25, 7, 0), 120)));
+}
+
 TEST(RecurrencePatternWriteTest, RefusesWhatWouldDivideByZero)
 {
     EXPECT_EQ(Refused(DailyEvery(0)), CodecStatus::Inconsistent);
