@@ -41,8 +41,8 @@ class BlobFields
     BlobFields& U32(std::uint32_t value) { return Put(value, 4); }
     BlobFields& Text(std::string_view bytes)
     {
-        for (const char byte : bytes)
-            U8(static_cast<std::uint8_t>(byte));
+        for (const char letter : bytes)
+            U8(static_cast<std::uint8_t>(letter));
         return *this;
     }
     BlobFields& Zeros(std::size_t count)

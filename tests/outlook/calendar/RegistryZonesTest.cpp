@@ -27,8 +27,11 @@ TEST(RegistryZonesTest, ReadsTheSystemsZones)
     const ZoneTable table = LoadZoneTable(zones);
     EXPECT_GT(table.size(), 100u);
     ZoneRules rules;
+    // No summer time, although a bias for it stands there.
+    ZoneRules india = kIndia;
+    india.daylightBiasMinutes = -60;
     ASSERT_TRUE(zones.ReadRules(L"India Standard Time", rules));
-    EXPECT_TRUE(Same(rules, kIndia));
+    EXPECT_TRUE(Same(rules, india));
     EXPECT_EQ(FindZoneName(table, FixedRules(-330)), L"India Standard Time");
     ASSERT_TRUE(zones.ReadRules(L"Eastern Standard Time", rules));
     EXPECT_TRUE(Same(rules, kEastern));
