@@ -3,6 +3,7 @@
 #include "outlook/calendar/RecurrencePattern.h"
 
 #include "outlook/calendar/RecurrenceSupport.h"
+#include "support/TestPaths.h"
 
 #include <gtest/gtest.h>
 
@@ -64,8 +65,7 @@ void AddTimes(BlobFields& blob, std::uint32_t day)
 std::vector<std::string> AllFiles()
 {
     std::vector<std::string> names;
-    for (const auto& entry :
-         std::filesystem::directory_iterator(std::string(PIM_TEST_DATA) + "/recurrence"))
+    for (const auto& entry : std::filesystem::directory_iterator(TestData() / "recurrence"))
         if (entry.path().extension() == ".hex")
             names.push_back(entry.path().stem().string());
     std::sort(names.begin(), names.end());

@@ -1,5 +1,7 @@
 #include "outlook/calendar/RecurrenceSupport.h"
 
+#include "support/TestPaths.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -121,7 +123,7 @@ std::uint32_t MinutesAt(int year, int month, int day, int hour, int minute)
 
 std::vector<std::byte> HexFile(const std::string& name)
 {
-    std::ifstream file(std::string(PIM_TEST_DATA) + "/" + name);
+    std::ifstream file(TestData() / name);
     EXPECT_TRUE(file) << name;
     std::string digits;
     for (std::string line; std::getline(file, line);)
