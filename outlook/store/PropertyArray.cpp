@@ -76,9 +76,9 @@ void PropertyArray::AddLongs(ULONG tag, std::span<const LONG> numbers)
     Append(tag).Value.MVl = {count, copy};
 }
 
-void PropertyArray::AddBool(ULONG tag, bool truth)
+void PropertyArray::AddBool(ULONG tag, USHORT truth)
 {
-    Append(tag).Value.b = truth ? 1 : 0;
+    Append(tag).Value.b = truth;
 }
 
 void PropertyArray::AddTime(ULONG tag, FILETIME utcTime)

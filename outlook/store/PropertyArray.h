@@ -26,8 +26,8 @@ class PropertyArray
     void AddBinary(ULONG tag, std::span<const std::uint8_t> bytes); // PT_BINARY
     void AddLong(ULONG tag, LONG number);                           // PT_LONG
     void AddLongs(ULONG tag, std::span<const LONG> numbers);        // PT_MV_LONG
-    void AddBool(ULONG tag, bool truth);                            // PT_BOOLEAN
-    void AddTime(ULONG tag, FILETIME utcTime);                      // PT_SYSTIME
+    void AddBool(ULONG tag, USHORT truth); // PT_BOOLEAN, as it stands: both 1 and 0xFFFF are true
+    void AddTime(ULONG tag, FILETIME utcTime); // PT_SYSTIME
 
     bool IsEmpty() const noexcept { return m_values.empty(); }
     ULONG Count() const noexcept { return static_cast<ULONG>(m_values.size()); }

@@ -5,6 +5,8 @@
 
 #include "platform/WindowsHeaders.h"
 
+#include <optional>
+
 class PropertyView
 {
   public:
@@ -38,6 +40,17 @@ class PropertyView
     {
         const SPropValue* const value = FindTyped(position, PT_SYSTIME);
         return value ? &value->Value.ft : nullptr;
+    }
+    std::optional<LONG> Long(ULONG position) const noexcept
+    {
+        const SPropValue* const value = FindTyped(position, PT_LONG);
+        return value ? std::optional(value->Value.l) : std::nullopt;
+    }
+    // As it stands: stores keep 1 and 0xFFFF for true.
+    std::optional<USHORT> Bool(ULONG position) const noexcept
+    {
+        const SPropValue* const value = FindTyped(position, PT_BOOLEAN);
+        return value ? std::optional(value->Value.b) : std::nullopt;
     }
 
   private:

@@ -3,6 +3,7 @@
 
 #define USES_IID_IMAPIProp
 #define USES_IID_IMAPIFolder
+#define USES_IID_IMessage
 
 #include "platform/WindowsHeaders.h"
 

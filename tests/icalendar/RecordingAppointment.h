@@ -22,6 +22,7 @@ class RecordingAppointment final : public INAppointment, public INEntityItem
     DATE endTime = 0.0;
     ULONG reminder = 0;
     VARIANT_BOOL allDay = 0;
+    VARIANT_BOOL isBusy = 0;
     _tagRecurringInfo recurringInfo{};
 
     bool isAppointment = true;     // false: INEntityItem alone
@@ -72,7 +73,7 @@ class RecordingAppointment final : public INAppointment, public INEntityItem
     STDMETHODIMP put_AllDay(VARIANT_BOOL value) override { return PutNumber("AllDay", value); }
     STDMETHODIMP get_IsBusy(VARIANT_BOOL* value) override
     {
-        return Get("IsBusy", value, VARIANT_BOOL{0});
+        return Get("IsBusy", value, isBusy);
     }
     STDMETHODIMP put_IsBusy(VARIANT_BOOL value) override { return PutNumber("IsBusy", value); }
     STDMETHODIMP get_RecurringInfo(_tagRecurringInfo* value) override

@@ -38,8 +38,9 @@ TEST(PropertyArrayTest, KeepsTheOrderOfTheAdditions)
     values.AddBool(0x360A000B, true);
     values.AddBool(0x7FFE000B, false);
     values.AddTime(0x30080040, FILETIME{3, 4});
+    values.AddBool(0x0063000B, 0xFFFF);
     ASSERT_FALSE(values.IsEmpty());
-    ASSERT_EQ(4u, values.Count());
+    ASSERT_EQ(5u, values.Count());
     const SPropValue* const raw = values.Get();
     EXPECT_EQ(0x00170003u, raw[0].ulPropTag);
     EXPECT_EQ(-2, raw[0].Value.l);
@@ -50,6 +51,7 @@ TEST(PropertyArrayTest, KeepsTheOrderOfTheAdditions)
     EXPECT_EQ(0x30080040u, raw[3].ulPropTag);
     EXPECT_EQ(3u, raw[3].Value.ft.dwLowDateTime);
     EXPECT_EQ(4u, raw[3].Value.ft.dwHighDateTime);
+    EXPECT_EQ(0xFFFF, raw[4].Value.b);
     EXPECT_EQ(&raw[2], &values[2]);
 }
 

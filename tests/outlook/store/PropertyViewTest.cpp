@@ -73,6 +73,21 @@ TEST(PropertyViewTest, AValueOfAnotherTypeIsAbsentForATypedReader)
     EXPECT_TRUE(view.Find(3));
 }
 
+TEST(PropertyViewTest, ReadsNumbersAndTruthsAsTheyStand)
+{
+    SPropValue truth = {};
+    truth.ulPropTag = 0x360A000B;
+    truth.Value.b = 0xFFFF;
+    const SPropValue values[] = {NumberValue(kNumber, -7), truth, MissingValue(kNumber)};
+    const PropertyView view(3, values);
+    EXPECT_EQ(-7, view.Long(0));
+    EXPECT_EQ(0xFFFF, view.Bool(1));
+    EXPECT_EQ(std::nullopt, view.Long(1));
+    EXPECT_EQ(std::nullopt, view.Bool(0));
+    EXPECT_EQ(std::nullopt, view.Long(2));
+    EXPECT_EQ(std::nullopt, view.Bool(3));
+}
+
 TEST(PropertyViewTest, ANullTextAndANullRowAreAbsent)
 {
     const SPropValue value = TextValue(kText, nullptr);
