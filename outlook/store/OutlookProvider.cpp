@@ -1,5 +1,6 @@
 #include "outlook/store/OutlookProvider.h"
 
+#include "outlook/calendar/OutlookCalendarTable.h"
 #include "outlook/store/MAPIProxcy.h"
 #include "outlook/store/MapiMemory.h"
 #include "outlook/store/TagArray.h"
@@ -7,7 +8,6 @@
 #include "platform/ScopeExit.h"
 #include "service/Log.h"
 
-#include <array>
 #include <iterator>
 #include <utility>
 
@@ -68,15 +68,6 @@ MapiBuffer<SPropValue> ReadOne(IMAPIProp* object, ULONG tag, ULONG flags, CNProx
     return owned;
 }
 
-// Tables over a store. A kind that is not listed does not exist in this build.
-struct TableRow
-{
-    int type;
-    std::unique_ptr<IEnumerator> (*make)(COutlookProvider& provider);
-};
-
-constexpr std::array<TableRow, 0> kTables = {};
-
 void MarkDefault(std::vector<OutlookFolderInfo>& folders, const std::wstring& defaultID)
 {
     for (OutlookFolderInfo& folder : folders)
@@ -132,6 +123,21 @@ struct COutlookProvider::FolderKind
 
     // Null for any other class.
     static const FolderKind* Of(const wchar_t* containerClass);
+};
+
+// A kind of table. One that is not listed does not exist in this build.
+struct COutlookProvider::TableKind
+{
+    int type;
+    std::unique_ptr<IEnumerator> (*make)(COutlookProvider& provider);
+};
+
+const COutlookProvider::TableKind COutlookProvider::kTableKinds[] = {
+    {Calendar,
+     [](COutlookProvider& provider) -> std::unique_ptr<IEnumerator> {
+         return std::make_unique<COutlookCalendarTable>(provider.m_pCalendarFolder.Get(),
+                                                        provider.m_pHelper.get());
+     }},
 };
 
 struct COutlookProvider::RowHandler
@@ -546,9 +552,9 @@ std::unique_ptr<CCalendarHandle> COutlookProvider::GetCalendar()
 
 std::unique_ptr<IEnumerator> COutlookProvider::GetEnumerator(int type)
 {
-    for (const TableRow& row : kTables)
-        if (row.type == type)
-            return row.make(*this);
+    for (const TableKind& kind : kTableKinds)
+        if (kind.type == type)
+            return kind.make(*this);
     return nullptr;
 }
 

@@ -53,8 +53,10 @@ class COutlookProvider : public IProvider, public ICallback
     class Row;
     struct FolderKind;
     struct RowHandler;
+    struct TableKind;
     static const FolderKind kFolderKinds[];
     static const RowHandler kRowHandlers[];
+    static const TableKind kTableKinds[];
 
     bool GetMessageStore();
     bool GetDefaultFolders();
