@@ -20,6 +20,11 @@ extern "C" __declspec(dllexport) const char* FakeMapiStubAnswer()
     return g_stub->answers[g_stub->m_asked++].c_str();
 }
 
+extern "C" __declspec(dllexport) BOOL FakeMapiStubResult()
+{
+    return g_stub ? g_stub->result : FALSE;
+}
+
 FakeMapiStub::FakeMapiStub()
 {
     g_stub = this;

@@ -11,6 +11,8 @@
 extern "C" void FakeMapiStubRecord(const char* call);
 // The path that the lookup gives next; empty for none. Valid until the next call.
 extern "C" const char* FakeMapiStubAnswer();
+// What the lookups return beside.
+extern "C" BOOL FakeMapiStubResult();
 
 // The program's side: the record and the plan of one test.
 class FakeMapiStub
@@ -27,12 +29,15 @@ class FakeMapiStub
 
     // What the lookups give, one after the other; then nothing.
     std::vector<std::string> answers;
+    // What they return, path or not.
+    BOOL result = FALSE;
 
     static std::wstring Path();
 
   private:
     friend void FakeMapiStubRecord(const char* call);
     friend const char* FakeMapiStubAnswer();
+    friend BOOL FakeMapiStubResult();
     std::vector<std::string> m_calls;
     std::size_t m_asked = 0;
 };

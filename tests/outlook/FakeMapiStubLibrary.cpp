@@ -44,7 +44,9 @@ FakeFGetComponentPath(LPSTR component, LPSTR qualifier, LPSTR path, DWORD size, 
     // As far as it fits, and without a terminator where it does not.
     for (DWORD i = 0; i < size && (i == 0 || found[i - 1]); ++i)
         path[i] = found[i];
-    return FALSE; // nobody is to look at it
+    // Nobody is to look at it.
+    auto* const result = OfTheProgram<decltype(FakeMapiStubResult)>("FakeMapiStubResult");
+    return result ? result() : FALSE;
 }
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE self, DWORD reason, LPVOID processEnds)

@@ -1,5 +1,6 @@
 #include "outlook/store/OutlookLibrary.h"
 
+#include "support/DebugOutputCapture.h"
 #include "support/ScopedRegistryValue.h"
 #include "support/ScratchDirectory.h"
 #include "tests/outlook/FakeMapi.h"
@@ -224,6 +225,55 @@ TEST_F(OutlookLibraryTest, ALanguageThatIsNoNumberCountsAsZero)
     language.Set(L"a text that does not fit a number");
     EXPECT_EQ(std::wstring(kProgramFiles) + L"\\Common Files\\System\\MSMAPI\\0\\MSMAPI32.DLL",
               Find().path);
+}
+
+// The number is written as a signed one.
+TEST_F(OutlookLibraryTest, ALanguageBeyond31BitsIsNegative)
+{
+    AddLibrary(L"mapi32.dll");
+    SetApplication({kLanguageList, L"InstallLanguage"});
+    ScopedRegistryValue language(HKEY_CURRENT_USER, kLanguageKey, L"InstallLanguage");
+    const DWORD highest = 0xFFFFFFFF;
+    RegSetKeyValueW(
+        HKEY_CURRENT_USER, kLanguageKey, L"InstallLanguage", REG_DWORD, &highest, sizeof highest);
+    EXPECT_EQ(std::wstring(kProgramFiles) + L"\\Common Files\\System\\MSMAPI\\-1\\MSMAPI32.DLL",
+              Find().path);
+}
+
+// What the stub returns says nothing; only the path does.
+TEST_F(OutlookLibraryTest, ALookupThatClaimsAPathAndGivesNoneIsFollowedByTheNext)
+{
+    AddLibrary(L"mapi32.dll");
+    SetApplication({L"app"});
+    SetOffice({L"office"});
+    stub.result = TRUE;
+    stub.answers = {"", "", "D:\\third.dll"};
+    EXPECT_EQ(L"D:\\third.dll", Find().path);
+    EXPECT_EQ(4u, stub.Calls().size()); // three lookups and the unloading
+}
+
+// Three lookups at most, whatever else is registered; then the folder by language.
+TEST_F(OutlookLibraryTest, WithoutAnyAnswerThePathIsPutTogether)
+{
+    AddLibrary(L"mapi32.dll");
+    SetApplication({kLanguageList, L"InstallLanguage", L"more"});
+    SetOffice({L"office", L"other"});
+    EXPECT_EQ(std::wstring(kProgramFiles) + L"\\Common Files\\System\\MSMAPI\\0\\MSMAPI32.DLL",
+              Find().path);
+    EXPECT_EQ(4u, stub.Calls().size());
+}
+
+TEST_F(OutlookLibraryTest, LeavesNoLineInTheLog)
+{
+    AddLibrary(L"mapi32.dll");
+    SetApplication({kLanguageList, L"InstallLanguage"});
+    const ScopedLogSettings settings;
+    DebugOutputCapture capture;
+    Find();
+    component.Remove();
+    Find();
+    FindOutlookLibrary();
+    EXPECT_EQ(Calls{}, capture.TakeLogMessages());
 }
 
 TEST_F(OutlookLibraryTest, ThePathNeedsTwoStringsOfTheApplication)
