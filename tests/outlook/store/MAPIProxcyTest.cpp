@@ -165,8 +165,19 @@ TEST_F(MAPIProxcyTest, NothingWorksBeforeLoadAndNoLookupIsStored)
     EXPECT_EQ(nullptr, proxy.FindEntry("MAPIUninitialize"));
     ExpectNothingWorks();
     EXPECT_EQ(Calls{}, mapi.Calls());
+    EXPECT_FALSE(proxy.Unload());
     ASSERT_TRUE(proxy.Load(FakeMapi::Path(), &init));
-    EXPECT_NE(nullptr, proxy.FindEntry("MAPIUninitialize"));
+    for (const char* name : {"MAPIInitialize",
+                             "MAPIUninitialize",
+                             "MAPILogonEx",
+                             "FreeProws@4",
+                             "MAPIFreeBuffer",
+                             "MAPIAllocateBuffer",
+                             "MAPIAllocateMore",
+                             "WrapCompressedRTFStream",
+                             "HrGetOneProp",
+                             "HrQueryAllRows@24"})
+        EXPECT_NE(nullptr, proxy.FindEntry(name)) << name;
     SPropValue* value = nullptr;
     EXPECT_EQ(MAPI_E_NOT_FOUND, proxy.HrGetOneProp(nullptr, PR_ENTRYID, &value));
 }

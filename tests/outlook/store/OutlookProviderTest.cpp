@@ -3,6 +3,7 @@
 
 #include "outlook/store/EntryIdText.h"
 #include "support/DebugOutputCapture.h"
+#include "tests/outlook/ExportNames.h"
 #include "tests/outlook/FakeMapi.h"
 #include "tests/outlook/store/OutlookStoreLines.h"
 #include "tests/recordingstore/RecordingStore.h"
@@ -180,6 +181,32 @@ TEST_F(OutlookProviderTest, OnlyOneVersionAsksForThreadsOfNotifications)
     }
 }
 
+// The logon and the walk are the same over a library that frees no row sets; they leak.
+TEST_F(OutlookProviderTest, CarriesOnOverALibraryThatFreesNoRows)
+{
+    AddUsualStore();
+    ASSERT_EQ(S_OK, Logon());
+    const StoreLines usual = store.Calls();
+    provider = std::make_unique<COutlookProvider>();
+    ASSERT_EQ("", store.Complaints());
+    store.ClearRecord();
+
+    const HiddenExport freeing(RecordingStore::Path(), "FreeProws@4");
+    ASSERT_TRUE(freeing.IsHidden());
+    EXPECT_EQ(S_OK, Logon());
+    EXPECT_EQ(usual, store.Calls());
+    EXPECT_THAT(store.Calls(kStoreMemory), Not(Contains(HasSubstr("FreeProws"))));
+    EXPECT_EQ((Names{L"Contacts*"}), ContactFolders());
+    EXPECT_EQ((Names{L"Calendar*"}), CalendarFolders());
+    provider.reset();
+    const StoreLines leaks = store.Leaks();
+    EXPECT_THAT(leaks, Contains("rows of subtree hierarchy table"));
+    for (const std::string& leak : leaks)
+        EXPECT_THAT(leak, testing::AnyOf(HasSubstr("rows of "), HasSubstr("row "))) << leak;
+    EXPECT_THAT(store.Violations(), ElementsAre());
+    store.Reset(); // what leaked is known
+}
+
 // --- Library and session -------------------------------------------------------------------------
 
 TEST_F(OutlookProviderTest, FailsWithoutALibraryThatLoads)
@@ -206,13 +233,14 @@ TEST_F(OutlookProviderTest, ALibraryThatDoesNotInitialiseIsNotUninitialised)
 
 TEST_F(OutlookProviderTest, GivesTheCodeOfALogonWithoutASession)
 {
-    store.FailNext("MAPILogonEx", StoreFault::CallFailed);
+    // Another code than that of every other failure.
+    store.FailNext("MAPILogonEx", StoreFault::OutOfMemory);
     const ScopedLogSettings settings;
     DebugOutputCapture capture;
-    EXPECT_EQ(MAPI_E_CALL_FAILED, Logon());
+    EXPECT_EQ(E_OUTOFMEMORY, Logon());
     EXPECT_THAT(store.Calls(),
                 ElementsAre("MAPIInitialize(0, 00000008)", "MAPILogonEx(0, null, null, 00000062)"));
-    EXPECT_THAT(capture.TakeLogMessages(), ElementsAre(LogonLog("0000000080004005")));
+    EXPECT_THAT(capture.TakeLogMessages(), ElementsAre(LogonLog("000000008007000E")));
 }
 
 TEST_F(OutlookProviderTest, AcceptsASessionThatCameWithAFailure)
@@ -247,6 +275,22 @@ TEST_F(OutlookProviderTest, OpensTheDefaultStoreAlone)
     EXPECT_THAT(store.Calls(),
                 Contains("IMAPISession(session).OpenMsgStore(0, archive, null, 0000000C)"));
     EXPECT_THAT(store.Calls(), Not(Contains(HasSubstr("(public)"))));
+}
+
+// The first row that says so ends the walk, whatever comes of it.
+TEST_F(OutlookProviderTest, OfTwoDefaultStoresTheFirstCounts)
+{
+    const StoreProps isDefault = StoreProps().Number(0x3400000B, 1);
+    AddUsualStore();
+    store.AddStore("other", isDefault);
+    EXPECT_EQ(S_OK, Logon());
+    EXPECT_THAT(store.Calls(), Not(Contains(HasSubstr("other"))));
+
+    provider = std::make_unique<COutlookProvider>();
+    store.ClearRecord();
+    store.FailNext("IMAPISession(session).OpenMsgStore", StoreFault::CallFailed);
+    EXPECT_EQ(E_FAIL, Logon());
+    EXPECT_EQ("IMAPISession(session).OpenMsgStore(0, store, null, 0000000C)", store.Calls().back());
 }
 
 TEST_F(OutlookProviderTest, AProfileWithoutADefaultStoreFails)
@@ -665,6 +709,62 @@ TEST_F(OutlookProviderTest, AListedFolderHasItsIdNameAndCount)
     EXPECT_NE(nullptr, again[1].folder.Get());
 }
 
+// A row may show another ID than the folder has itself; the folder's own counts.
+TEST_F(OutlookProviderTest, AFolderIsKnownByTheIdItHasItself)
+{
+    AddUsualStore();
+    store.AddFolder("deleted", "wastebasket", L"IPF.Contact");
+    for (const auto& [folder, id] : {std::pair<const char*, BYTE>{"contacts", 0xC0},
+                                     {"calendar", 0xCA},
+                                     {"wastebasket", 0xBA}})
+        store.SetRowEntryId(folder, {id, 0x01});
+    ASSERT_EQ(S_OK, Logon());
+    EXPECT_THAT(store.Calls(), Contains(Open("contacts (row)")));
+    EXPECT_THAT(store.Calls(), Contains(Open("wastebasket (row)")));
+    EXPECT_EQ((Names{L"Contacts*"}), ContactFolders());
+    EXPECT_EQ((Names{L"Calendar*"}), CalendarFolders());
+    std::vector<OutlookFolderInfo> folders;
+    ASSERT_TRUE(provider->GetContactFolders(folders));
+    EXPECT_EQ(IdOf("contacts"), folders.at(0).entryIDHex);
+}
+
+TEST_F(OutlookProviderTest, OfTwoFoldersOfOneIdTheFirstIsTheDefault)
+{
+    AddUsualStore();
+    // Both rows lead to the same folder.
+    store.AddFolder("contacts again", "subtree", L"IPF.Contact");
+    store.SetProps("contacts again", StoreProps().Entry(0x0FFF0102, "contacts"));
+    store.AddFolder("calendar again", "subtree", L"IPF.Appointment");
+    store.SetProps("calendar again", StoreProps().Entry(0x0FFF0102, "calendar"));
+    EXPECT_EQ(S_OK, Logon());
+    EXPECT_EQ((Names{L"Contacts*", L"Contacts again"}), ContactFolders());
+    EXPECT_EQ((Names{L"Calendar*", L"Calendar again"}), CalendarFolders());
+}
+
+TEST_F(OutlookProviderTest, ADefaultFolderWhoseIdCannotBeReadMarksNone)
+{
+    AddUsualStore();
+    store.FailNext(ReadId("contacts"), StoreFault::CallFailed);
+    store.FailNext(ReadId("calendar"), StoreFault::FewerValues); // a value in error
+    EXPECT_EQ(S_OK, Logon());
+    EXPECT_EQ((Names{L"Contacts"}), ContactFolders());
+    EXPECT_EQ((Names{L"Calendar"}), CalendarFolders());
+}
+
+// Where neither has an ID the two are not the same.
+TEST_F(OutlookProviderTest, AFolderWithoutAnIdIsNoMissingWastebasket)
+{
+    AddUsualStore();
+    store.RemoveProp("store", kWastebasketTag);
+    store.AddFolder("partners", "inbox", L"IPF.Contact");
+    store.FailNext(ReadId("inbox"), StoreFault::CallFailed);
+    const ScopedLogSettings settings;
+    DebugOutputCapture capture;
+    EXPECT_EQ(S_OK, Logon());
+    EXPECT_EQ((Names{L"Partners", L"Contacts*"}), ContactFolders());
+    EXPECT_THAT(capture.TakeLogMessages(), Not(Contains(kWastebasketLog)));
+}
+
 TEST_F(OutlookProviderTest, FoldersBelowTheWastebasketAreNotListed)
 {
     AddUsualStore();
@@ -905,6 +1005,7 @@ TEST_F(OutlookProviderTest, DetachesTheIdentityBeforeItReleasesAnything)
 
 TEST_F(OutlookProviderTest, ABareProviderCopesWithEveryOperation)
 {
+    EXPECT_EQ(StoreLines{}, store.Calls(~0u)); // made, and nothing called
     EXPECT_NE(nullptr, provider->GetUserProperties());
     EXPECT_EQ(nullptr, provider->GetAddressBook());
     // A table without a folder has nothing and does nothing.

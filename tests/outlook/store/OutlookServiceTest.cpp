@@ -115,7 +115,9 @@ TEST_F(OutlookServiceTest, AnotherNameChangesNothingWhileItRuns)
     FakeAddressBook book;
     const ScopedLogSettings settings;
     DebugOutputCapture capture;
-    EXPECT_EQ(S_OK, Start(L"Windows Mail"));
+    for (const wchar_t* const name :
+         {L"Windows Mail", L"Outlook Express", L"Microsoft Outlook", L"no such name", L""})
+        EXPECT_EQ(S_OK, Start(name));
     EXPECT_EQ(StoreLines{}, capture.TakeLogMessages());
     EXPECT_EQ(StoreLines{}, store.Calls());
     EXPECT_EQ(StoreLines{}, book.Calls());
@@ -126,12 +128,13 @@ TEST_F(OutlookServiceTest, AnotherNameChangesNothingWhileItRuns)
 
 TEST_F(OutlookServiceTest, AFailedLogonGivesItsCodeAndLeavesNothing)
 {
-    store.FailNext("MAPILogonEx", StoreFault::CallFailed);
+    // Another code than that of every other failure.
+    store.FailNext("MAPILogonEx", StoreFault::OutOfMemory);
     const ScopedLogSettings settings;
     DebugOutputCapture capture;
-    EXPECT_EQ(MAPI_E_CALL_FAILED, Start(L"Microsoft Outlook"));
+    EXPECT_EQ(E_OUTOFMEMORY, Start(L"Microsoft Outlook"));
     EXPECT_THAT(capture.TakeLogMessages(),
-                ElementsAre(kStarting, LogonLog("0000000080004005"), kFailed));
+                ElementsAre(kStarting, LogonLog("000000008007000E"), kFailed));
     EXPECT_EQ("", store.Complaints());
     EXPECT_EQ(nullptr, manager.GetUserProperties());
     EXPECT_EQ(S_OK, Start(L"Microsoft Outlook"));
@@ -236,6 +239,29 @@ TEST_F(OutlookServiceTest, AnIdentityNeedsTheProviderAndOutlivesIt)
         }
         EXPECT_EQ(S_OK, Start(L"Microsoft Outlook")); // also over a new start
     }
+}
+
+// A second object reads anew; the first keeps the texts of its own moment.
+TEST_F(OutlookServiceTest, EachIdentityIsThatOfItsMoment)
+{
+    ASSERT_EQ(S_OK, Start(L"Microsoft Outlook"));
+    store.ClearRecord();
+    const auto first = CreateObject<INUserProperties>(CLSID_NUserProperties);
+    store.SetProps("identity", StoreProps().Text(0x3A00001F, L"changed"));
+    // Of another service object, which never started anything.
+    const auto other =
+        CreateObject<INPersonalInformationService>(CLSID_NPersonalInformationService);
+    ComPtr<INUserProperties> second;
+    ASSERT_EQ(S_OK, other->GetUserProperties(second.GetAddressOf()));
+    ASSERT_TRUE(first && second);
+    EXPECT_EQ(2u, store.Calls().size()); // one reading each
+    Bstr before;
+    EXPECT_EQ(S_OK, first->get_Account(before.Put()));
+    EXPECT_EQ(L"text 0", before.View());
+    Bstr after;
+    EXPECT_EQ(S_OK, second->get_Account(after.Put()));
+    EXPECT_EQ(L"changed", after.View());
+    EXPECT_EQ(2u, store.Calls().size());
 }
 
 TEST_F(OutlookServiceTest, TheIdentityIsReleasedWhenItsObjectIs)
