@@ -1,4 +1,6 @@
 // How a table is loaded and walked.
+#include "icalendar/RecordingAppointment.h"
+#include "outlook/ExportNames.h"
 #include "outlook/FakeStore.h"
 #include "outlook/store/TableFixture.h"
 #include "service/CalendarHandle.h"
@@ -23,7 +25,75 @@ Lines StepCalls(const std::string& name)
             "MAPIFreeBuffer(props of " + name + ")",
             "release IMessage(" + name + ")"};
 }
+
+ULONG ReferencesOf(IUnknown* object)
+{
+    object->AddRef();
+    return object->Release();
+}
+
+// A class whose objects fail to come or come as null, until it is given one.
+class RefusingClass final : public IClassFactory
+{
+  public:
+    HRESULT result = S_OK;
+    ComPtr<IUnknown> given;
+
+    STDMETHODIMP QueryInterface(REFIID iid, void** object) override
+    {
+        *object = nullptr;
+        if (!IsEqualGUID(iid, IID_IUnknown) && !IsEqualGUID(iid, IID_IClassFactory))
+            return E_NOINTERFACE;
+        *object = static_cast<IClassFactory*>(this);
+        return S_OK;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return 2; } // lives on the test's stack
+    STDMETHODIMP_(ULONG) Release() override { return 1; }
+    STDMETHODIMP CreateInstance(IUnknown*, REFIID iid, void** object) override
+    {
+        *object = nullptr;
+        if (given)
+            given->QueryInterface(iid, object);
+        return result;
+    }
+    STDMETHODIMP LockServer(BOOL) override { return S_OK; }
+};
 } // namespace
+
+// --- A table by itself ---------------------------------------------------------------------------
+
+TEST_F(ContentTableTest, ANewTableHoldsItsFolderAndCallsNothing)
+{
+    const ULONG before = ReferencesOf(folder.Get());
+    {
+        const TestTable other(folder.Get(), session->Helper());
+        EXPECT_EQ(before + 1, ReferencesOf(folder.Get()));
+    }
+    EXPECT_EQ(before, ReferencesOf(folder.Get()));
+    EXPECT_THAT(store.Calls(~0u), IsEmpty());
+}
+
+TEST_F(ContentTableTest, AClassThatRefusesGivesNoItem)
+{
+    constexpr CLSID kClass = {
+        0x5B0D0B1C, 0x3E0E, 0x4B2B, {0x9C, 0x11, 0x2D, 0x55, 0x0A, 0x6E, 0x77, 0x02}};
+    EXPECT_FALSE(TestTable::NewItem(kClass)); // not registered
+    RefusingClass refusing;
+    DWORD cookie = 0;
+    ASSERT_EQ(S_OK,
+              CoRegisterClassObject(
+                  kClass, &refusing, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie));
+    EXPECT_FALSE(TestTable::NewItem(kClass)); // a success without an object
+    refusing.result = E_FAIL;
+    EXPECT_FALSE(TestTable::NewItem(kClass));
+    refusing.result = S_OK;
+    const auto item = RecordingAppointment::Make();
+    refusing.given = static_cast<INEntityItem*>(item.Get());
+    EXPECT_EQ(item.Get(), TestTable::NewItem(kClass).Get());
+    EXPECT_EQ(S_OK, CoRevokeClassObject(cookie));
+    refusing.given.Reset();
+    EXPECT_EQ(1u, item->References());
+}
 
 // --- Loading -------------------------------------------------------------------------------------
 
@@ -41,6 +111,24 @@ TEST_F(ContentTableTest, LoadsAllRowsWithOneQuery)
                      "FreeProws@4(rows of calendar contents table)",
                      "release IMAPITable(calendar contents table)"}),
               store.Calls(kAllCalls));
+}
+
+// The rows leak over a library that frees no row sets; all else is the same.
+TEST_F(ContentTableTest, LoadsOverALibraryThatFreesNoRows)
+{
+    Close();
+    {
+        const HiddenExport freeing(RecordingStore::Path(), "FreeProws@4");
+        ASSERT_TRUE(freeing.IsHidden());
+        Open();
+        table->GetItemIDs();
+        EXPECT_THAT(RowIDs(), ElementsAre(IdOf("one"), IdOf("two"), IdOf("three")));
+        EXPECT_THAT(Walk(), ElementsAre(L"One", L"Two", L"Three"));
+        Close();
+    }
+    EXPECT_THAT(store.Leaks(), testing::Contains("rows of calendar contents table"));
+    EXPECT_THAT(store.Violations(), IsEmpty());
+    store.Reset(); // what leaked is known
 }
 
 TEST_F(ContentTableTest, ListsIdAndTimeOfEachRowInOrder)
@@ -346,6 +434,22 @@ TEST_F(ContentTableTest, WhereNoItemCanBeMadeTheCurrentOneIsGone)
                             "release IMessage(two)"));
     table->makesItems = true;
     EXPECT_EQ(L"Three", Next()); // the cursor went on
+}
+
+// The folder first, then the ID, then the values.
+TEST_F(ContentTableTest, ANewItemIsFilledInOrder)
+{
+    table->LoadFolder(*folder.Get(), L"KEY");
+    table->ResetItem();
+    const auto own = RecordingAppointment::Make();
+    table->makeItem = [&] { return ComPtr<INEntityItem>(own.Get()); };
+    table->GetNextItem();
+    const std::wstring id = IdOf("one");
+    EXPECT_THAT(own->calls,
+                ElementsAre("put FolderID [KEY]",
+                            "put EntityID [" + std::string(id.begin(), id.end()) + "]",
+                            "put LastModificationTime [45292]",
+                            "put Subject [One]"));
 }
 
 // --- One item by its ID --------------------------------------------------------------------------

@@ -320,6 +320,16 @@ TEST_F(ContentTableAddTest, TheItemIsCurrentUnderItsIdAndWithoutTime)
     EXPECT_EQ(L"", folderID);
 }
 
+TEST_F(ContentTableAddTest, TheItemLearnsItsIdAndThenItsTime)
+{
+    const auto own = RecordingAppointment::Make();
+    const std::wstring id = table->AddItem(own.Get(), folderID);
+    EXPECT_THAT(own->calls,
+                ElementsAre("get Subject",
+                            "put EntityID [" + std::string(id.begin(), id.end()) + "]",
+                            "put LastModificationTime [0]"));
+}
+
 TEST_F(ContentTableAddTest, TheCursorStandsOnTheNewEntry)
 {
     EXPECT_EQ(L"One", Next());

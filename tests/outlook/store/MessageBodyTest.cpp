@@ -121,9 +121,12 @@ TEST_F(MessageBodyTest, ThePlainBodyComesFirst)
 TEST_F(MessageBodyTest, ABodyOfALoneLineBreakIsEmptyAndRtfIsNotOpened)
 {
     message.values = {TextValue(0x1000001F, L"\r\n")};
+    const ScopedLogSettings settings;
+    DebugOutputCapture capture;
     EXPECT_EQ(L"", ReadBody());
     EXPECT_EQ((StoreCalls{kGetProps, "FreeBuffer values"}), calls);
     EXPECT_EQ(nullptr, converter);
+    EXPECT_THAT(capture.TakeLogMessages(), testing::IsEmpty());
 }
 
 TEST_F(MessageBodyTest, AnEmptyBodyEndsTheReadingToo)
@@ -325,6 +328,16 @@ TEST_F(MessageBodyTest, RtfAtTheLimitIsReadWhole)
     EXPECT_EQ(0xA00000u - 8, ReadBody(false).size());
     EXPECT_EQ(RtfCalls(10'485'760), calls);
     EXPECT_EQ(10'241u, rtf.pieces); // 10,240 full ones and an empty one
+}
+
+// One byte more passes the limit, and is the last that is read.
+TEST_F(MessageBodyTest, RtfJustBeyondTheLimitIsReadToThatByte)
+{
+    rtf.bytes = "{\\rtf1 " + std::string(0xA00000 - 7, 'a') + "}";
+    ASSERT_EQ(0xA00001u, rtf.bytes.size());
+    EXPECT_EQ(0xA00000u - 7, ReadBody(false).size());
+    EXPECT_EQ(RtfCalls(10'485'761), calls);
+    EXPECT_EQ(10'241u, rtf.pieces); // 10,240 full ones and one of a byte
 }
 
 // The piece that first passes the limit is the last: 10,241 of 1,024 bytes are 10,486,784. The text

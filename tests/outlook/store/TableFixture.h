@@ -92,6 +92,7 @@ class TestTable : public CContentTable
     bool readsNothing = false;
     bool wantsAll = false;
     std::vector<ULONG> tags = {PR_LAST_MODIFICATION_TIME, PR_SUBJECT_W};
+    std::function<Microsoft::WRL::ComPtr<INEntityItem>()> makeItem; // in place of an appointment
     std::function<void()> onFill;
     std::function<void(PropertyArray&)> onRead;
     std::function<std::wstring(const std::wstring&, DATE&)> resolve;
@@ -104,6 +105,7 @@ class TestTable : public CContentTable
     using CContentTable::m_entries;
     using CContentTable::m_folderKey;
     using CContentTable::m_pCurrentEntity;
+    using CContentTable::NewItem;
 
   protected:
     bool IsWantedRow(const PropertyView& row) override
@@ -130,6 +132,8 @@ class TestTable : public CContentTable
     }
     Microsoft::WRL::ComPtr<INEntityItem> CreateItem() override
     {
+        if (makeItem)
+            return makeItem();
         return makesItems ? NewItem(CLSID_NAppointment) : nullptr;
     }
     PropertyArray ReadItem(INEntityItem& item, bool isNew) override
