@@ -39,13 +39,15 @@ std::filesystem::path InstalledStoreLibrary()
            "MSMAPI32.DLL";
 }
 
-MessageStore::MessageStore()
+MessageStore::MessageStore(RecordArrays arrays)
 {
     EndServers();
     m_store.Set(DatabasePath().wstring());
     m_defaultClient.Set(L"Microsoft Outlook");
     m_hasOwnLibrary = !HasValue(L"Software\\Clients\\Mail\\Microsoft Outlook", L"MSIComponentID");
     RunPimStore(L"install --store");
+    if (arrays == RecordArrays::LeftToTheRuntime)
+        return;
     m_hasOwnProxy = !HasValue(kMarshallerKey, L"BeforePimRecordProxy");
     RegisterProxy(L"");
 }

@@ -2,8 +2,9 @@
 // server looks for it, and the proxy library that carries arrays of records between processes. What
 // stands there before comes back.
 //
-// Which marshaller a process uses is settled with its first call: this process keeps the one that
-// it has. Calls to the server are for the client of StoreClient.h and for other programs.
+// With the proxy library, calls to the server are for the client of StoreClient.h and for other
+// programs: which marshaller a process uses is settled with its first call, and this process keeps
+// the one that it has.
 #pragma once
 
 #include "endtoend/ServerFixture.h"
@@ -13,10 +14,16 @@
 #include <filesystem>
 #include <string>
 
+enum class RecordArrays
+{
+    Carried,
+    LeftToTheRuntime
+};
+
 class MessageStore
 {
   public:
-    MessageStore();
+    explicit MessageStore(RecordArrays arrays = RecordArrays::Carried);
     ~MessageStore();
     MessageStore(const MessageStore&) = delete;
     MessageStore& operator=(const MessageStore&) = delete;

@@ -37,7 +37,6 @@ class FakeItem final : public INEntityItem
 
     std::wstring entityID;
     HRESULT getResult = S_OK; // of get_EntityID
-    bool isCareless = false;  // get_EntityID leaves the text also where it fails
     bool isEntity = true;     // false: no INEntityItem either
     std::wstring puts;        // every text that put_EntityID took, each with ';' behind it
     ULONG References() const { return m_references; }
@@ -75,7 +74,7 @@ class FakeItem final : public INEntityItem
     }
     STDMETHODIMP get_EntityID(BSTR* pVal) override
     {
-        if (SUCCEEDED(getResult) || isCareless)
+        if (SUCCEEDED(getResult))
             *pVal = NewText(entityID);
         return getResult;
     }
