@@ -12,6 +12,8 @@ enum class StoreFault : unsigned;
 using StoreTextSink = void (*)(void* context, const char* text);
 using StoreCallSink =
     void (*)(void* context, const char* text, unsigned kind, unsigned number, HRESULT result);
+// Runs while a call is under way.
+using StoreInterruptionSink = void (*)(void* context);
 
 struct StoreBooks
 {
@@ -54,6 +56,11 @@ struct IRecordingStore
     virtual void ClearRecord() noexcept = 0;
     virtual void Fail(unsigned number, StoreFault fault) noexcept = 0;
     virtual void FailNext(const char* line, StoreFault fault) noexcept = 0;
+    // Once, in the next call whose line starts with that text; see StoreInterruption.
+    virtual void Interrupt(const char* line,
+                           StoreInterruptionSink sink,
+                           void* context) noexcept = 0;
+    virtual void Uninterrupt(void* context) noexcept = 0;
     virtual StoreBooks Books() noexcept = 0;
     virtual void Violations(StoreTextSink sink, void* context) noexcept = 0;
     virtual void Leaks(StoreTextSink sink, void* context) noexcept = 0;

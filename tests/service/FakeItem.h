@@ -37,6 +37,7 @@ class FakeItem final : public INEntityItem
 
     std::wstring entityID;
     HRESULT getResult = S_OK; // of get_EntityID
+    bool isCareless = false;  // get_EntityID leaves the text also where it fails
     bool isEntity = true;     // false: no INEntityItem either
     std::wstring puts;        // every text that put_EntityID took, each with ';' behind it
     ULONG References() const { return m_references; }
@@ -74,7 +75,7 @@ class FakeItem final : public INEntityItem
     }
     STDMETHODIMP get_EntityID(BSTR* pVal) override
     {
-        if (SUCCEEDED(getResult))
+        if (SUCCEEDED(getResult) || isCareless)
             *pVal = NewText(entityID);
         return getResult;
     }

@@ -229,6 +229,10 @@ TEST_F(ContentTableUpdateTest, AnItemWithoutAnIdIsRefused)
     own->nulls.clear();
     own->failing = {"get EntityID"};
     EXPECT_EQ(0, table->UpdateItem(own.Get()));
+    const auto careless = FakeItem::Make(IID_INAppointment, IdOf("two"));
+    careless->getResult = E_FAIL;
+    careless->isCareless = true;
+    EXPECT_EQ(0, table->UpdateItem(careless.Get()));
     EXPECT_THAT(store.Calls(), IsEmpty());
     EXPECT_THAT(table->hooks, IsEmpty());
     own->failing.clear();

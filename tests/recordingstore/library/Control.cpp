@@ -2,6 +2,7 @@
 #include "tests/recordingstore/RecordingStoreControl.h"
 
 #include "tests/recordingstore/library/CallText.h"
+#include "tests/recordingstore/library/Interruptions.h"
 #include "tests/recordingstore/library/PropertyBag.h"
 #include "tests/recordingstore/library/RecordedObject.h"
 
@@ -221,6 +222,11 @@ class Control final : public IRecordingStore
     {
         TheRecorder().FailNext(line, fault);
     }
+    void Interrupt(const char* line, StoreInterruptionSink sink, void* context) noexcept override
+    {
+        AddInterruption(line, sink, context);
+    }
+    void Uninterrupt(void* context) noexcept override { RemoveInterruption(context); }
     StoreBooks Books() noexcept override
     {
         return {static_cast<unsigned>(TheRecorder().Live().size()),

@@ -1,5 +1,7 @@
 #include "tests/recordingstore/library/Recorder.h"
 
+#include "tests/recordingstore/library/Interruptions.h"
+
 #include <algorithm>
 
 void Recorder::Clear()
@@ -7,6 +9,7 @@ void Recorder::Clear()
     ClearRecord();
     m_plan.clear();
     m_next.clear();
+    ClearInterruptions();
     m_violations.clear();
     m_live.clear();
     m_initialised = 0;
@@ -40,14 +43,18 @@ StoreFault Recorder::Begin(std::string line, StoreCallKind kind, bool needsIniti
         m_next.erase(next);
     }
     m_open.push_back(m_calls.size());
-    m_calls.push_back({std::move(line), kind, m_failable, S_OK});
+    m_calls.push_back({line, kind, m_failable, S_OK});
+    // The call is under way and has done nothing yet; those inside of it begin and end their own.
+    RunInterruption(line);
     return fault;
 }
 
 void Recorder::Note(std::string line, StoreCallKind kind)
 {
-    if (!m_quiet)
-        m_calls.push_back({std::move(line), kind, 0, S_OK});
+    if (m_quiet)
+        return;
+    m_calls.push_back({line, kind, 0, S_OK});
+    RunInterruption(line);
 }
 
 void Recorder::End(HRESULT result)
