@@ -12,6 +12,7 @@
 #include "tests/outlook/OutlookInstallation.h"
 #include "tests/outlook/store/OutlookStoreLines.h"
 #include "tests/recordingstore/RecordingStore.h"
+#include "tests/recordingstore/StoreInterruption.h"
 
 #include <gmock/gmock.h>
 
@@ -52,18 +53,19 @@ constexpr IdentityText kIdentityTexts[] = {
 class OutlookServiceTest : public testing::Test
 {
   protected:
-    OutlookServiceTest()
+    OutlookServiceTest() { Fill(); }
+    ~OutlookServiceTest() override
+    {
+        manager.StopService();
+        EXPECT_EQ("", store.Complaints());
+    }
+    void Fill()
     {
         store.AddUsualFolders();
         StoreProps identity;
         for (std::size_t i = 0; i < std::size(kIdentityTexts); ++i)
             identity.Text(kIdentityTexts[i].tag, L"text " + std::to_wstring(i));
         store.AddIdentity(identity);
-    }
-    ~OutlookServiceTest() override
-    {
-        manager.StopService();
-        EXPECT_EQ("", store.Complaints());
     }
     // As a client does.
     HRESULT Start(const wchar_t* name) { return service->StartService(Bstr(name).Get()); }
@@ -196,6 +198,134 @@ TEST_F(OutlookServiceTest, AnExceptionOutOfTheLogonLeavesTheProviderHalfSetUp)
         EXPECT_TRUE(throwing.GetContactFolders(folders));
         folders.clear();
         throwing.StopService();
+        EXPECT_EQ("", store.Complaints());
+    }
+}
+
+// --- Calls that a store's dialog lets in ---------------------------------------------------------
+
+namespace
+{
+// Calls of a logon, from its first to its last.
+constexpr const char* kLogonCalls[] = {"MAPIInitialize",
+                                       "MAPILogonEx",
+                                       "IMAPISession(session).GetMsgStoresTable",
+                                       "IMAPISession(session).OpenMsgStore",
+                                       "IMsgStore(store).GetReceiveFolder",
+                                       "IMAPIFolder(calendar).CreateMessage",
+                                       "IMAPITable(subtree hierarchy table).QueryRows",
+                                       "HrGetOneProp(IMAPIFolder(contacts)",
+                                       "IMAPISession(session).QueryIdentity",
+                                       "IMAPISession(session).OpenEntry"};
+} // namespace
+
+TEST_F(OutlookServiceTest, ClientsMayCallInDuringTheLogon)
+{
+    for (const char* const line : kLogonCalls)
+    {
+        SCOPED_TRACE(line);
+        store.Reset();
+        Fill();
+        ComPtr<INUserProperties> early;
+        ComPtr<INCalendar> calendar;
+        const StoreInterruption dialog(store, line, [&] {
+            const StoreLines before = store.Calls();
+            EXPECT_EQ(S_OK, Start(L"Windows Mail")); // the one that starts is there already
+            EXPECT_EQ(S_OK, service->GetUserProperties(early.GetAddressOf()));
+            std::vector<OutlookFolderInfo> folders;
+            EXPECT_TRUE(manager.GetContactFolders(folders));
+            EXPECT_EQ(before, store.Calls());
+            // As long as there is no calendar folder, a calendar without appointments.
+            EXPECT_EQ(S_OK, service->GetCalendar(calendar.GetAddressOf()));
+        });
+        EXPECT_EQ(S_OK, Start(L"Microsoft Outlook"));
+        EXPECT_TRUE(dialog.HasCome());
+        // The identity came last: who asked before it has an object without texts.
+        ASSERT_TRUE(early);
+        Bstr text;
+        EXPECT_EQ(S_OK, early->get_Account(text.Put()));
+        EXPECT_EQ(L"", text.View());
+        ComPtr<INUserProperties> user;
+        EXPECT_EQ(S_OK, service->GetUserProperties(user.GetAddressOf()));
+        ASSERT_TRUE(user);
+        EXPECT_EQ(S_OK, user->get_Account(text.Put()));
+        EXPECT_EQ(L"text 0", text.View());
+        ASSERT_TRUE(calendar);
+        ComPtr<INAppointment> appointment;
+        EXPECT_EQ(E_FAIL, calendar->GetNextAppointment(appointment.GetAddressOf()));
+        EXPECT_EQ(S_OK, service->StopService());
+        EXPECT_EQ("", store.Complaints());
+        EXPECT_EQ(S_OK, calendar->Refresh());
+        EXPECT_EQ(E_FAIL, calendar->GetNextAppointment(appointment.GetAddressOf()));
+        EXPECT_EQ("MAPIUninitialize()", store.Calls().back());
+    }
+}
+
+TEST_F(OutlookServiceTest, AStopDuringTheLogonEndsTheServiceAfterIt)
+{
+    for (const char* const line : kLogonCalls)
+    {
+        SCOPED_TRACE(line);
+        store.Reset();
+        Fill();
+        const StoreInterruption dialog(store, line, [&] {
+            EXPECT_EQ(S_OK, service->StopService());
+            EXPECT_EQ(S_OK, service->StopService());
+            // From here on there is nothing to be had, and no new start.
+            EXPECT_EQ(E_FAIL, Start(L"Microsoft Outlook"));
+            INUserProperties* none = reinterpret_cast<INUserProperties*>(1);
+            EXPECT_EQ(S_OK, service->GetUserProperties(&none));
+            EXPECT_EQ(nullptr, none);
+            EXPECT_THAT(store.Calls(), testing::Not(Contains("MAPIUninitialize()")));
+        });
+        Start(L"Microsoft Outlook");
+        EXPECT_TRUE(dialog.HasCome());
+        EXPECT_EQ("MAPIUninitialize()", store.Calls().back());
+        EXPECT_EQ("", store.Complaints());
+        EXPECT_EQ(nullptr, manager.GetUserProperties());
+        EXPECT_EQ(S_OK, Start(L"Microsoft Outlook"));
+        EXPECT_NE(nullptr, manager.GetUserProperties());
+        EXPECT_EQ(S_OK, service->StopService());
+    }
+}
+
+TEST_F(OutlookServiceTest, AStopWhileTheIdentityIsReadTakesEffectAfterIt)
+{
+    ASSERT_EQ(S_OK, Start(L"Microsoft Outlook"));
+    const StoreInterruption dialog(store, "IMailUser(identity).GetProps", [&] {
+        EXPECT_EQ(S_OK, service->StopService());
+        EXPECT_EQ(1u, store.InitialisedTimes());
+    });
+    ComPtr<INUserProperties> user;
+    EXPECT_EQ(S_OK, service->GetUserProperties(user.GetAddressOf()));
+    EXPECT_TRUE(dialog.HasCome());
+    EXPECT_EQ("", store.Complaints()); // the service has ended, and nothing of the store is held
+    ASSERT_TRUE(user);
+    Bstr text;
+    EXPECT_EQ(S_OK, user->get_Account(text.Put()));
+    EXPECT_EQ(L"text 0", text.View());
+}
+
+TEST_F(OutlookServiceTest, ClientsMayCallInWhileTheServiceEnds)
+{
+    for (const char* const line : {"release IMAPIFolder(contacts)",
+                                   "release IMsgStore(store)",
+                                   "release IMAPISession(session)",
+                                   "MAPIUninitialize"})
+    {
+        SCOPED_TRACE(line);
+        ASSERT_EQ(S_OK, Start(L"Microsoft Outlook"));
+        const StoreInterruption dialog(store, line, [&] {
+            EXPECT_EQ(E_FAIL, Start(L"Microsoft Outlook"));
+            INUserProperties* none = reinterpret_cast<INUserProperties*>(1);
+            EXPECT_EQ(S_OK, service->GetUserProperties(&none));
+            EXPECT_EQ(nullptr, none);
+            std::vector<OutlookFolderInfo> folders;
+            EXPECT_FALSE(manager.GetContactFolders(folders));
+            EXPECT_EQ(S_OK, service->StopService());
+        });
+        EXPECT_EQ(S_OK, service->StopService());
+        EXPECT_TRUE(dialog.HasCome());
         EXPECT_EQ("", store.Complaints());
     }
 }
