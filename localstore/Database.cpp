@@ -78,9 +78,11 @@ struct DatabaseConnection
 
     void GiveBack(std::string&& sql, sqlite3_stmt* statement) noexcept
     {
+        // Callers choose the columns of tables, and with them the texts.
+        constexpr size_t kMostIdle = 200;
         try
         {
-            if (idle.try_emplace(std::move(sql), statement).second)
+            if (idle.size() < kMostIdle && idle.try_emplace(std::move(sql), statement).second)
                 return;
         }
         catch (...)

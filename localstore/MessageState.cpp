@@ -14,10 +14,15 @@ constexpr ULONG kAttachmentColumns[] = {PR_ATTACH_NUM,
                                         PR_ATTACH_SIZE,
                                         PR_RENDERING_POSITION};
 
-void Merge(PropertyChanges& into, const PropertyChanges& changes)
+// Moves changes over those that are there already. Needs no memory, so it cannot fail half way.
+void MoveChanges(PropertyChanges& into, PropertyChanges&& changes) noexcept
 {
-    for (const auto& [id, value] : changes)
-        into.insert_or_assign(id, value);
+    while (!changes.empty())
+    {
+        auto change = changes.extract(changes.begin());
+        into.erase(change.key());
+        into.insert(std::move(change));
+    }
 }
 
 class AttachmentSource : public TableSource
@@ -79,10 +84,7 @@ PropertyMap MessageState::Read(const PropertySelection& selection)
 
 HRESULT MessageState::Change(PropertyChanges changes)
 {
-    PropertyChanges merged = m_changes;
-    for (auto& [id, value] : changes)
-        merged.insert_or_assign(id, std::move(value));
-    m_changes.swap(merged);
+    MoveChanges(m_changes, std::move(changes));
     return S_OK;
 }
 
@@ -248,13 +250,9 @@ PropertyMap MessageState::ReadAttachment(ULONG number, const PropertySelection& 
     return properties;
 }
 
-void MessageState::ChangeAttachment(ULONG number, const PropertyChanges& changes)
+void MessageState::ChangeAttachment(ULONG number, PropertyChanges&& changes)
 {
-    AttachmentChange change;
-    if (const auto found = m_attachments.find(number); found != m_attachments.end())
-        change = found->second;
-    Merge(change.changes, changes);
-    m_attachments.insert_or_assign(number, std::move(change));
+    MoveChanges(m_attachments[number].changes, std::move(changes));
 }
 
 bool MessageState::DeleteAttachment(ULONG number)
@@ -277,10 +275,7 @@ PropertyMap AttachmentState::Read(const PropertySelection& selection)
 
 HRESULT AttachmentState::Change(PropertyChanges changes)
 {
-    PropertyChanges merged = m_changes;
-    for (auto& [id, value] : changes)
-        merged.insert_or_assign(id, std::move(value));
-    m_changes.swap(merged);
+    MoveChanges(m_changes, std::move(changes));
     return S_OK;
 }
 
@@ -297,8 +292,7 @@ HRESULT AttachmentState::Save(ULONG)
         return MAPI_E_NO_ACCESS;
     if (!m_isNew && !m_message->HasAttachment(m_number))
         return MAPI_E_OBJECT_DELETED;
-    m_message->ChangeAttachment(m_number, m_changes);
-    m_changes.clear();
+    m_message->ChangeAttachment(m_number, std::move(m_changes));
     m_isNew = false;
     return S_OK;
 }

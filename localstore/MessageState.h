@@ -34,8 +34,9 @@ class MessageState : public StoredObject
     // A number that no attachment had while the message was open.
     ULONG NewAttachmentNumber();
     PropertyMap ReadAttachment(ULONG number, const PropertySelection& selection);
-    // Puts an attachment's changes to what waits. A number that is not there is a new attachment.
-    void ChangeAttachment(ULONG number, const PropertyChanges& changes);
+    // Moves an attachment's changes to what waits; they stay where they are if it throws. A number
+    // that is not there is a new attachment; it must not be that of a deleted one.
+    void ChangeAttachment(ULONG number, PropertyChanges&& changes);
     // False where there is none.
     bool DeleteAttachment(ULONG number);
 

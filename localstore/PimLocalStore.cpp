@@ -60,13 +60,11 @@ extern "C"
     }
 
     // Logs on to the user's store. There is one profile, without a name and a password.
-    // Returns: S_OK; MAPI_E_NOT_INITIALIZED; MAPI_E_INVALID_PARAMETER; MAPI_E_LOGON_FAILED for the
-    // name
-    //          of another profile; MAPI_E_VERSION, MAPI_E_CORRUPT_STORE, MAPI_E_NO_ACCESS,
-    //          MAPI_E_BUSY, MAPI_E_NOT_FOUND and the disk's failures where the store does not open.
-    //          pimstore status tells the reason in words.
-    // Thread:  any. The objects may be used from any thread; one operation runs at a time per
-    // logon.
+    // Returns: S_OK; MAPI_E_NOT_INITIALIZED; MAPI_E_INVALID_PARAMETER; MAPI_E_LOGON_FAILED for
+    //          another profile's name; MAPI_E_VERSION, MAPI_E_CORRUPT_STORE, MAPI_E_NO_ACCESS,
+    //          MAPI_E_BUSY, MAPI_E_NOT_FOUND and the disk's failures where the store does not
+    //          open. pimstore status tells the reason in words.
+    // Thread:  any. The objects may be used from any thread; a logon runs one operation at a time.
     HRESULT STDAPICALLTYPE
     StoreLogonEx(ULONG_PTR, LPTSTR profile, LPTSTR, ULONG flags, LPMAPISESSION* session)
     {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstring>
 
 namespace
@@ -21,6 +22,14 @@ template <typename T> int Order(const T& left, const T& right)
     return left < right ? -1 : (right < left ? 1 : 0);
 }
 
+// What is no number comes before all numbers, so that sorting has an order to go by.
+template <typename T> int OrderOfFloats(T left, T right)
+{
+    if (std::isnan(left) || std::isnan(right))
+        return Order(!std::isnan(left), !std::isnan(right));
+    return Order(left, right);
+}
+
 int OrderOfText(const std::wstring& left, const std::wstring& right)
 {
     return CompareStringW(LOCALE_INVARIANT,
@@ -35,10 +44,10 @@ int OrderOfText(const std::wstring& left, const std::wstring& right)
 int OrderOfNumbers(std::uint16_t type, std::uint64_t left, std::uint64_t right)
 {
     if (type == PT_DOUBLE || type == PT_APPTIME)
-        return Order(std::bit_cast<double>(left), std::bit_cast<double>(right));
+        return OrderOfFloats(std::bit_cast<double>(left), std::bit_cast<double>(right));
     if (type == PT_R4)
-        return Order(std::bit_cast<float>(static_cast<std::uint32_t>(left)),
-                     std::bit_cast<float>(static_cast<std::uint32_t>(right)));
+        return OrderOfFloats(std::bit_cast<float>(static_cast<std::uint32_t>(left)),
+                             std::bit_cast<float>(static_cast<std::uint32_t>(right)));
     return Order(static_cast<std::int64_t>(left), static_cast<std::int64_t>(right));
 }
 

@@ -1,6 +1,7 @@
 #include "localstore/StoreTable.h"
 
 #include "localstore/RowSetBuilder.h"
+#include "localstore/Snapshot.h"
 #include "platform/ScopeExit.h"
 
 #include <algorithm>
@@ -146,6 +147,7 @@ STDMETHODIMP StoreTable::FindRow(LPSRestriction restriction, BOOKMARK origin, UL
             return result;
         if (const HRESULT result = Origin(origin, from); FAILED(result))
             return result;
+        const Snapshot snapshot(m_session->Store());
         const bool backward = (flags & DIR_BACKWARD) != 0;
         const auto first = m_keys.begin() + from;
         // Backwards the rows before the origin count, the nearest first.
@@ -225,6 +227,7 @@ STDMETHODIMP StoreTable::Restrict(LPSRestriction restriction, ULONG flags)
             if (const HRESULT result = compiled.Compile(restriction); FAILED(result))
                 return result;
         }
+        const Snapshot snapshot(m_session->Store());
         std::vector<std::int64_t> keys = m_source->Keys();
         if (restriction)
         {
@@ -280,6 +283,7 @@ STDMETHODIMP StoreTable::SortTable(LPSSortOrderSet order, ULONG flags)
             if (!known || (PROP_TYPE(sort.ulPropTag) & MV_FLAG))
                 return MAPI_E_TOO_COMPLEX;
         }
+        const Snapshot snapshot(m_session->Store());
         std::swap(m_order, sorts);
         ScopeExit restore([&] { std::swap(m_order, sorts); });
         std::vector<std::int64_t> keys = m_keys;
@@ -323,6 +327,7 @@ STDMETHODIMP StoreTable::QueryRows(LONG rowCount, ULONG flags, LPSRowSet* rows)
         const bool backwards = rowCount < 0;
         const PropertySelection selection = SelectionOf(m_columns);
         ChainedMemory& memory = ChainedMemory::OfLibrary();
+        const Snapshot snapshot(m_session->Store());
         size_t position = m_position;
         RowSetBuilder set(memory, std::min(wanted, m_keys.size()));
         // An empty set says that the table is at its end, so rows that are gone are stepped over.

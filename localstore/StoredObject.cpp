@@ -1,6 +1,7 @@
 #include "localstore/StoredObject.h"
 
 #include "localstore/PropertyStream.h"
+#include "localstore/Snapshot.h"
 
 #include <mapiguid.h>
 
@@ -127,10 +128,12 @@ HRESULT GetObjectProps(
         {
             if (const HRESULT result = ReadTags(tagArray, tags); FAILED(result))
                 return result;
+            const Snapshot snapshot(object.Session().Store());
             properties = object.Read(SelectionOf(tags));
         }
         else
         {
+            const Snapshot snapshot(object.Session().Store());
             properties = object.Read(PropertySelection::All());
             tags = TagsOf(properties, (flags & MAPI_UNICODE) != 0);
         }

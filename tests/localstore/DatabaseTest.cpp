@@ -1,5 +1,6 @@
 #include "localstore/Database.h"
 
+#include "localstore/Snapshot.h"
 #include "localstore/StoreSchema.h"
 #include "tests/localstore/LocalStoreSupport.h"
 #include "tests/localstore/StoreWriter.h"
@@ -290,6 +291,29 @@ TEST(DatabaseTest, ReadsWhileAnotherConnectionWrites)
     EXPECT_EQ(16, reader.QueryInteger("SELECT length(value) FROM meta WHERE name = 'store_uid'"));
     transaction.Commit();
     EXPECT_EQ(1, reader.QueryInteger("SELECT length(value) FROM meta WHERE name = 'store_uid'"));
+}
+
+TEST(DatabaseTest, ASnapshotReadsOneStateWhileAnotherConnectionWrites)
+{
+    const TempFolder folder;
+    const std::wstring path = folder.File(L"store.db");
+    constexpr char kLength[] = "SELECT length(value) FROM meta WHERE name = 'store_uid'";
+    Database writer = OpenStore(path);
+    Database reader = OpenStore(path);
+    {
+        const Snapshot snapshot(reader);
+        EXPECT_EQ(16, reader.QueryInteger(kLength));
+        writer.Execute("UPDATE meta SET value = x'00' WHERE name = 'store_uid'");
+        EXPECT_EQ(16, reader.QueryInteger(kLength));
+    }
+    EXPECT_EQ(1, reader.QueryInteger(kLength));
+    {
+        // A failure within does no harm.
+        const Snapshot snapshot(reader);
+        EXPECT_THROW(reader.QueryInteger("SELECT nothing FROM meta"), DatabaseError);
+    }
+    Transaction transaction(reader);
+    transaction.Commit();
 }
 
 TEST(DatabaseTest, TwoProcessesWriteAtOnceAndLoseNothing)

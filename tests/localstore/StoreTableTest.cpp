@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <climits>
+#include <limits>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -36,6 +37,14 @@ class StoreTableTest : public StoreTest
         SBinary entry{static_cast<ULONG>(id.size()), const_cast<BYTE*>(id.data())};
         SBinaryArray list{1, &entry};
         EXPECT_EQ(S_OK, Contacts()->DeleteMessages(&list, 0, nullptr, 0));
+    }
+    void AddWith(const wchar_t* subject, SPropValue value)
+    {
+        ComPtr<IMessage> message;
+        ASSERT_EQ(S_OK, Contacts()->CreateMessage(nullptr, 0, message.GetAddressOf()));
+        SPropValue values[] = {TextValue(PR_SUBJECT_W, subject), value};
+        ASSERT_EQ(S_OK, message->SetProps(2, values, nullptr));
+        ASSERT_EQ(S_OK, message->SaveChanges(0));
     }
     static LPTSTR Name(const wchar_t* text)
     {
@@ -197,6 +206,126 @@ TEST_F(StoreTableTest, RestrictsByBitsSizesAndOtherColumns)
     wide.rt = RES_AND;
     wide.res.resAnd = {0xFFFFFFFF, &restriction};
     EXPECT_EQ(MAPI_E_TOO_COMPLEX, table->Restrict(&wide, 0));
+}
+
+TEST_F(StoreTableTest, ComparesNumbersInEveryWay)
+{
+    constexpr ULONG kNumber = PROP_TAG(PT_LONG, 0x6800);
+    AddWith(L"-1", LongValue(kNumber, -1));
+    AddWith(L"2", LongValue(kNumber, 2));
+    AddWith(L"3", LongValue(kNumber, 3));
+    AddMessage(Contacts().Get(), L"IPM.Contact", L"none");
+    const auto table = Contents();
+    SPropValue value = LongValue(kNumber, 2);
+    const auto shown = [&](ULONG relation) {
+        SRestriction restriction{};
+        restriction.rt = RES_PROPERTY;
+        restriction.res.resProperty = {relation, kNumber, &value};
+        EXPECT_EQ(S_OK, table->Restrict(&restriction, 0));
+        return Column(table.Get(), PR_SUBJECT_W);
+    };
+    EXPECT_THAT(shown(RELOP_LT), ElementsAre(L"-1"));
+    EXPECT_THAT(shown(RELOP_LE), ElementsAre(L"-1", L"2"));
+    EXPECT_THAT(shown(RELOP_GT), ElementsAre(L"3"));
+    EXPECT_THAT(shown(RELOP_GE), ElementsAre(L"2", L"3"));
+    EXPECT_THAT(shown(RELOP_EQ), ElementsAre(L"2"));
+    EXPECT_THAT(shown(RELOP_NE), ElementsAre(L"-1", L"3"));
+    // A value of another type is as one that is missing.
+    value.ulPropTag = PROP_TAG(PT_I2, 0x6800);
+    EXPECT_THAT(shown(RELOP_NE), IsEmpty());
+}
+
+TEST_F(StoreTableTest, FindsTextAsAWholeInPartsAndAtTheFront)
+{
+    for (const wchar_t* subject : {L"abc", L"Abcd", L"xabc", L"ab"})
+        AddMessage(Contacts().Get(), L"IPM.Contact", subject);
+    const auto table = Contents();
+    SPropValue value = TextValue(PR_SUBJECT_W, L"abc");
+    const auto shown = [&](ULONG fuzzy) {
+        SRestriction restriction{};
+        restriction.rt = RES_CONTENT;
+        restriction.res.resContent = {fuzzy, PR_SUBJECT_W, &value};
+        EXPECT_EQ(S_OK, table->Restrict(&restriction, 0));
+        return Column(table.Get(), PR_SUBJECT_W);
+    };
+    EXPECT_THAT(shown(FL_FULLSTRING), ElementsAre(L"abc"));
+    EXPECT_THAT(shown(FL_PREFIX), ElementsAre(L"abc"));
+    EXPECT_THAT(shown(FL_PREFIX | FL_LOOSE), ElementsAre(L"abc", L"Abcd"));
+    EXPECT_THAT(shown(FL_SUBSTRING), ElementsAre(L"abc", L"xabc"));
+    EXPECT_THAT(shown(FL_SUBSTRING | FL_IGNORECASE), ElementsAre(L"abc", L"Abcd", L"xabc"));
+    value = TextValue(PR_SUBJECT_W, L"");
+    EXPECT_THAT(shown(FL_SUBSTRING), ElementsAre(L"abc", L"Abcd", L"xabc", L"ab"));
+    EXPECT_THAT(shown(FL_FULLSTRING), IsEmpty());
+}
+
+TEST_F(StoreTableTest, RestrictionsHaveALimitInDepthAndNumber)
+{
+    AddMessage(Contacts().Get(), L"IPM.Contact", L"one");
+    const auto table = Contents();
+    const auto nested = [](size_t levels) {
+        std::vector<SRestriction> chain(levels);
+        for (size_t i = 0; i + 1 < levels; ++i)
+        {
+            chain[i].rt = RES_NOT;
+            chain[i].res.resNot = {0, &chain[i + 1]};
+        }
+        chain.back().rt = RES_EXIST;
+        chain.back().res.resExist = {0, PR_SUBJECT_W, 0};
+        return chain;
+    };
+    auto deepest = nested(64);
+    EXPECT_EQ(S_OK, table->Restrict(deepest.data(), 0));
+    EXPECT_THAT(Column(table.Get(), PR_SUBJECT_W), IsEmpty()) << "63 times not";
+    auto tooDeep = nested(65);
+    EXPECT_EQ(MAPI_E_TOO_COMPLEX, table->Restrict(tooDeep.data(), 0));
+
+    std::vector<SRestriction> parts(9999, deepest.back());
+    SRestriction all{};
+    all.rt = RES_AND;
+    all.res.resAnd = {9999, parts.data()};
+    EXPECT_EQ(S_OK, table->Restrict(&all, 0));
+    EXPECT_THAT(Column(table.Get(), PR_SUBJECT_W), ElementsAre(L"one"));
+    parts.push_back(parts.front());
+    all.res.resAnd = {10000, parts.data()};
+    EXPECT_EQ(MAPI_E_TOO_COMPLEX, table->Restrict(&all, 0));
+    // A count that the nodes before it leave no room for is refused before its list is read.
+    SRestriction halves[2] = {all, {}};
+    halves[0].res.resAnd.cRes = 9000;
+    halves[1].rt = RES_OR;
+    halves[1].res.resOr = {1000, parts.data()};
+    SRestriction both{};
+    both.rt = RES_AND;
+    both.res.resAnd = {2, halves};
+    EXPECT_EQ(MAPI_E_TOO_COMPLEX, table->Restrict(&both, 0));
+    halves[1].res.resOr.cRes = 997;
+    EXPECT_EQ(S_OK, table->Restrict(&both, 0));
+}
+
+TEST_F(StoreTableTest, WhatIsNoNumberSortsBetweenMissingValuesAndNumbers)
+{
+    constexpr ULONG kNumber = PROP_TAG(PT_DOUBLE, 0x6800);
+    const auto number = [](double value) {
+        SPropValue result{};
+        result.ulPropTag = kNumber;
+        result.Value.dbl = value;
+        return result;
+    };
+    constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
+    AddWith(L"2", number(2.0));
+    AddWith(L"nan", number(kNoNumber));
+    AddWith(L"-1", number(-1.0));
+    AddWith(L"nan again", number(kNoNumber));
+    AddMessage(Contacts().Get(), L"IPM.Contact", L"none");
+    AddWith(L"0", number(0.0));
+    const auto table = Contents();
+    SSortOrderSet order{1, 0, 0, {{kNumber, TABLE_SORT_ASCEND}}};
+    ASSERT_EQ(S_OK, table->SortTable(&order, 0));
+    EXPECT_THAT(Column(table.Get(), PR_SUBJECT_W),
+                ElementsAre(L"none", L"nan", L"nan again", L"-1", L"0", L"2"));
+    order.aSort[0].ulOrder = TABLE_SORT_DESCEND;
+    ASSERT_EQ(S_OK, table->SortTable(&order, 0));
+    EXPECT_THAT(Column(table.Get(), PR_SUBJECT_W),
+                ElementsAre(L"2", L"0", L"-1", L"nan", L"nan again", L"none"));
 }
 
 TEST_F(StoreTableTest, ColumnsOfTheStoreItself)
