@@ -8,6 +8,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdio>
 
 namespace
@@ -161,6 +163,115 @@ bool IsAboutRowsOrFolders(const std::string& line)
     return false;
 }
 
+// The log of a walk over the store with nested folders, where nothing fails.
+const StoreLines kWalkLog = {
+    RowsLog(4), // 0
+    "========Find Folder Inbox",
+    RowsLog(1), // 2
+    "========Find Folder Projects",
+    RowsLog(1), // 4
+    "========Find Folder Partners",
+    OpenLog("IPF.Contact"), // 6
+    "========Find Folder Contacts",
+    OpenLog("IPF.Contact"), // 8
+    RowsLog(1),
+    "========Find Folder Family", // 10
+    OpenLog("IPF.Contact"),
+    "========Find Folder Calendar", // 12
+    OpenLog("IPF.Appointment"),
+    "========Find Folder Wastebasket", // 14
+    kWastebasketLog,
+};
+
+// What a call that fails in those ways changes in that log: other lines in place of some.
+struct WalkChange
+{
+    std::string call;
+    unsigned ways;
+    std::size_t first;
+    std::size_t count;
+    StoreLines instead; // {code} stands for the call's result
+};
+
+constexpr unsigned kAllWays = kCodes | kNull | kFewer;
+const StoreLines kNothing;
+
+// Ordered from the end of the log to its beginning for each call.
+const WalkChange kWalkChanges[] = {
+    {"IMsgStore(store).GetProps([35E00102]", kAllWays, 0, 16, kNothing},
+    {"IMsgStore(store).OpenEntry(subtree", kCodes | kNull, 0, 16, kNothing},
+    {"IMAPIFolder(subtree).GetHierarchyTable", kCodes | kNull, 0, 16, kNothing},
+    {"IMAPITable(subtree hierarchy table).SetColumns", kCodes, 0, 16, kNothing},
+    // The rows come with columns of their own, in which no folder is seen.
+    {"IMAPITable(subtree hierarchy table).SetColumns", kNull, 1, 15, kNothing},
+    {"IMAPITable(subtree hierarchy table).GetRowCount", kCodes | kNull, 0, 16, kNothing},
+    {"IMAPITable(subtree hierarchy table).GetRowCount", kFewer, 14, 2, kNothing},
+    {"IMAPITable(subtree hierarchy table).GetRowCount", kFewer, 0, 1, {RowsLog(3)}},
+    {"IMAPITable(subtree hierarchy table).QueryRows", kCodes | kNull, 0, 16, kNothing},
+    {"IMAPITable(subtree hierarchy table).QueryRows", kFewer, 14, 2, kNothing},
+    {"IMAPITable(subtree hierarchy table).QueryRows", kFewer, 0, 1, {RowsLog(3)}},
+
+    {"IMsgStore(store).OpenEntry(inbox", kCodes | kNull, 2, 5, kNothing},
+    {"IMAPIFolder(inbox).GetHierarchyTable", kCodes | kNull, 2, 5, kNothing},
+    {"IMAPITable(inbox hierarchy table).SetColumns", kCodes, 2, 5, kNothing},
+    {"IMAPITable(inbox hierarchy table).SetColumns", kNull, 3, 4, kNothing},
+    {"IMAPITable(inbox hierarchy table).GetRowCount", kAllWays, 2, 5, kNothing},
+    {"IMAPITable(inbox hierarchy table).QueryRows", kCodes | kNull, 2, 5, kNothing},
+    {"IMAPITable(inbox hierarchy table).QueryRows", kFewer, 2, 5, {RowsLog(0)}},
+
+    {"IMsgStore(store).OpenEntry(projects", kCodes | kNull, 4, 3, kNothing},
+    {"IMAPIFolder(projects).GetHierarchyTable", kCodes | kNull, 4, 3, kNothing},
+    {"IMAPITable(projects hierarchy table).SetColumns", kCodes, 4, 3, kNothing},
+    {"IMAPITable(projects hierarchy table).SetColumns", kNull, 5, 2, kNothing},
+    {"IMAPITable(projects hierarchy table).GetRowCount", kAllWays, 4, 3, kNothing},
+    {"IMAPITable(projects hierarchy table).QueryRows", kCodes | kNull, 4, 3, kNothing},
+    {"IMAPITable(projects hierarchy table).QueryRows", kFewer, 4, 3, {RowsLog(0)}},
+
+    {"IMsgStore(store).OpenEntry(partners", kAllWays, 6, 1, {OpenLog("IPF.Contact", "{code}")}},
+    // Tried again for the descent, which tells nothing.
+    {"IMsgStore(store).OpenEntry(contacts", kAllWays, 8, 1, {OpenLog("IPF.Contact", "{code}")}},
+    {"IMAPIFolder(contacts).GetHierarchyTable", kCodes | kNull, 9, 3, kNothing},
+    {"IMAPITable(contacts hierarchy table).SetColumns", kCodes, 9, 3, kNothing},
+    {"IMAPITable(contacts hierarchy table).SetColumns", kNull, 10, 2, kNothing},
+    {"IMAPITable(contacts hierarchy table).GetRowCount", kAllWays, 9, 3, kNothing},
+    {"IMAPITable(contacts hierarchy table).QueryRows", kCodes | kNull, 9, 3, kNothing},
+    {"IMAPITable(contacts hierarchy table).QueryRows", kFewer, 9, 3, {RowsLog(0)}},
+    {"IMsgStore(store).OpenEntry(family", kAllWays, 11, 1, {OpenLog("IPF.Contact", "{code}")}},
+
+    {"IMsgStore(store).OpenEntry(calendar",
+     kAllWays,
+     13,
+     1,
+     {OpenLog("IPF.Appointment", "{code}")}},
+
+    {"IMsgStore(store).OpenEntry(wastebasket", kCodes | kNull, 15, 1, kNothing},
+    // A folder without an ID is not known for the wastebasket; one value fewer is none.
+    {"HrGetOneProp(IMAPIFolder(wastebasket)",
+     kAllWays,
+     15,
+     1,
+     {RowsLog(1), "========Find Folder Deleted", OpenLog("IPF.Contact")}},
+};
+
+StoreLines ExpectedWalkLog(const FaultRun& run, const std::string& result)
+{
+    StoreLines lines = kWalkLog;
+    for (const WalkChange& change : kWalkChanges)
+    {
+        if (!run.line.starts_with(change.call) || !(change.ways & BitOf(run.fault)))
+            continue;
+        const auto at = lines.begin() + static_cast<std::ptrdiff_t>(change.first);
+        auto next = lines.erase(at, at + static_cast<std::ptrdiff_t>(change.count));
+        for (std::string line : change.instead)
+        {
+            if (const auto code = line.find("{code}"); code != std::string::npos)
+                line.replace(code, 6, result);
+            next = lines.insert(next, line) + 1;
+        }
+    }
+    return lines;
+}
+
 class OutlookProviderFaultTest : public testing::Test
 {
   protected:
@@ -186,6 +297,10 @@ class OutlookProviderFaultTest : public testing::Test
         }
         if (capture)
             capture->TakeTexts(); // what came after that is not looked at
+        // The walk stands between its first line and that about the identity.
+        const auto start = std::find(log.begin(), log.end(), kGetExceptedFolderLog);
+        const auto end = std::find(start, log.end(), kGetUserPropertyTableLog);
+        walkLog.assign(start == end ? end : start + 1, end);
         std::erase_if(log, IsAboutRowsOrFolders);
     }
 
@@ -203,6 +318,7 @@ class OutlookProviderFaultTest : public testing::Test
     std::vector<std::wstring> calendars;
     std::wstring displayName;
     StoreLines log;
+    StoreLines walkLog;
     DebugOutputCapture* capture = nullptr; // without it no log is read
 };
 
@@ -322,8 +438,9 @@ TEST_F(OutlookProviderFaultLogTest, EveryCallOfTheFallbackMayFail)
     });
 }
 
-TEST_F(OutlookProviderFaultTest, EveryCallOfAWalkOverNestedFoldersMayFail)
+TEST_F(OutlookProviderFaultLogTest, EveryCallOfAWalkOverNestedFoldersMayFail)
 {
+    unsigned walkCalls = 0;
     RunFaults({
         .name = "walk over nested folders",
         .setUp =
@@ -337,8 +454,26 @@ TEST_F(OutlookProviderFaultTest, EveryCallOfAWalkOverNestedFoldersMayFail)
             },
         .action = [&] { LogOnAndEnd(); },
         .check =
-            [&](const FaultRun& run, RecordingStore&) {
+            [&](const FaultRun& run, RecordingStore& store) {
                 EXPECT_EQ(IsNeeded(kNeeded, run) ? FailureOf(run) : S_OK, result);
+                unsigned first = 0; // calls of the walk: from here to the identity's
+                unsigned last = 0;
+                HRESULT callResult = S_OK;
+                for (const RecordedStoreCall& call : store.Record())
+                {
+                    if (!first && call.text == kSubtreeLines[0])
+                        first = call.number;
+                    if (call.text == kQueryIdentity)
+                        last = call.number;
+                    if (call.number && call.number == run.call)
+                        callResult = call.result;
+                }
+                const bool isOfWalk = run.call >= first && run.call < last;
+                walkCalls += isOfWalk && run.fault == StoreFault::OutOfMemory ? 1 : 0;
+                if (!run.call || isOfWalk)
+                {
+                    EXPECT_EQ(ExpectedWalkLog(run, ResultText(callResult)), walkLog);
+                }
                 if (run.fault == StoreFault::None)
                 {
                     EXPECT_EQ((std::vector<std::wstring>{L"Partners", L"Contacts", L"Family"}),
@@ -356,6 +491,9 @@ TEST_F(OutlookProviderFaultTest, EveryCallOfAWalkOverNestedFoldersMayFail)
                 }
             },
     });
+    // 6 for the subtree, 6 each for the inbox and the projects, 2 for the partners, 7 for the
+    // contacts, which are asked for their ID twice, and 2 for each other folder.
+    EXPECT_EQ(33u, walkCalls);
 }
 
 // Stores that give what no store may give.
