@@ -2,64 +2,61 @@
 
 #include "automation/PropertyForms.h"
 
-#include <cstdint>
-#include <cstring>
+#include <new>
 
-namespace
+// The text form of the properties; see automation/PropertyForms.h.
+HRESULT CNAppointment::GetText(Field field, BSTR* out) const
 {
-// The length of the record without the zeros at its end, in whole blocks.
-std::size_t UsedBytes(const _tagRecurringInfo& record) noexcept
-{
-    constexpr std::size_t kBlockBytes = 64;
-    static_assert(sizeof(record) % kBlockBytes == 0);
-    const auto* bytes = reinterpret_cast<const unsigned char*>(&record);
-    std::size_t used = sizeof(record);
-    while (used > 0)
-    {
-        // Without a branch per word, since this runs over the whole record for every appointment.
-        std::uint64_t any = 0;
-        for (std::size_t at = used - kBlockBytes; at < used; at += sizeof(any))
-        {
-            std::uint64_t word = 0;
-            std::memcpy(&word, bytes + at, sizeof(word));
-            any |= word;
-        }
-        if (any)
-            break;
-        used -= kBlockBytes;
-    }
-    return used;
+    if (!out)
+        return E_POINTER;
+    *out = nullptr;
+    const CompactValue text = m_fields.Get(field);
+    if (!text.IsAny())
+        return S_OK;
+    const BSTR copy = SysAllocStringLen(nullptr, static_cast<UINT>(text.TextLength()));
+    if (!copy)
+        throw std::bad_alloc();
+    text.CopyText(copy);
+    *out = copy;
+    return S_OK;
 }
-} // namespace
+
+HRESULT CNAppointment::PutText(Field field, BSTR value)
+{
+    if (!value)
+        return E_POINTER;
+    m_fields.Set(field, CompactValue::OfText(value));
+    return S_OK;
+}
 
 STDMETHODIMP CNAppointment::get_Subject(BSTR* pVal)
 {
-    return Guard(this, [&] { return GetText(m_subject, pVal); });
+    return Guard(this, [&] { return GetText(kSubject, pVal); });
 }
 
 STDMETHODIMP CNAppointment::put_Subject(BSTR newVal)
 {
-    return Guard(this, [&] { return PutText(m_subject, newVal); });
+    return Guard(this, [&] { return PutText(kSubject, newVal); });
 }
 
 STDMETHODIMP CNAppointment::get_Place(BSTR* pVal)
 {
-    return Guard(this, [&] { return GetText(m_place, pVal); });
+    return Guard(this, [&] { return GetText(kPlace, pVal); });
 }
 
 STDMETHODIMP CNAppointment::put_Place(BSTR newVal)
 {
-    return Guard(this, [&] { return PutText(m_place, newVal); });
+    return Guard(this, [&] { return PutText(kPlace, newVal); });
 }
 
 STDMETHODIMP CNAppointment::get_TimeZone(BSTR* pVal)
 {
-    return Guard(this, [&] { return GetText(m_timeZone, pVal); });
+    return Guard(this, [&] { return GetText(kTimeZone, pVal); });
 }
 
 STDMETHODIMP CNAppointment::put_TimeZone(BSTR newVal)
 {
-    return Guard(this, [&] { return PutText(m_timeZone, newVal); });
+    return Guard(this, [&] { return PutText(kTimeZone, newVal); });
 }
 
 STDMETHODIMP CNAppointment::get_StartTime(DATE* pVal)
@@ -94,22 +91,22 @@ STDMETHODIMP CNAppointment::put_Reminder(ULONG newVal)
 
 STDMETHODIMP CNAppointment::get_Description(BSTR* pVal)
 {
-    return Guard(this, [&] { return GetText(m_description, pVal); });
+    return Guard(this, [&] { return GetText(kDescription, pVal); });
 }
 
 STDMETHODIMP CNAppointment::put_Description(BSTR newVal)
 {
-    return Guard(this, [&] { return PutText(m_description, newVal); });
+    return Guard(this, [&] { return PutText(kDescription, newVal); });
 }
 
 STDMETHODIMP CNAppointment::get_PersistID(BSTR* pVal)
 {
-    return Guard(this, [&] { return GetText(m_persistID, pVal); });
+    return Guard(this, [&] { return GetText(kPersistID, pVal); });
 }
 
 STDMETHODIMP CNAppointment::put_PersistID(BSTR newVal)
 {
-    return Guard(this, [&] { return PutText(m_persistID, newVal); });
+    return Guard(this, [&] { return PutText(kPersistID, newVal); });
 }
 
 STDMETHODIMP CNAppointment::get_AllDay(VARIANT_BOOL* pbVal)
@@ -134,12 +131,12 @@ STDMETHODIMP CNAppointment::put_IsBusy(VARIANT_BOOL newVal)
 
 STDMETHODIMP CNAppointment::get_EntityID(BSTR* pVal)
 {
-    return Guard(this, [&] { return GetText(m_entityID, pVal); });
+    return Guard(this, [&] { return GetText(kEntityID, pVal); });
 }
 
 STDMETHODIMP CNAppointment::put_EntityID(BSTR newVal)
 {
-    return Guard(this, [&] { return PutText(m_entityID, newVal); });
+    return Guard(this, [&] { return PutText(kEntityID, newVal); });
 }
 
 STDMETHODIMP CNAppointment::get_LastModificationTime(DATE* pVal)
@@ -154,12 +151,17 @@ STDMETHODIMP CNAppointment::put_LastModificationTime(DATE newVal)
 
 STDMETHODIMP CNAppointment::get_FolderID(BSTR* pVal)
 {
-    return Guard(this, [&] { return GetText(m_folderID, pVal); });
+    return Guard(this, [&] { return GetText(kFolderID, pVal); });
 }
 
 STDMETHODIMP CNAppointment::put_FolderID(BSTR newVal)
 {
-    return Guard(this, [&] { return PutOrClearText(m_folderID, newVal); });
+    return Guard(this, [&] {
+        if (newVal)
+            return PutText(kFolderID, newVal);
+        m_fields.Set(kFolderID, CompactValue());
+        return S_OK;
+    });
 }
 
 STDMETHODIMP CNAppointment::get_RecurringInfo(_tagRecurringInfo* pVal)
@@ -167,11 +169,8 @@ STDMETHODIMP CNAppointment::get_RecurringInfo(_tagRecurringInfo* pVal)
     return Guard(this, [&] {
         if (!pVal)
             return E_POINTER;
-        const std::size_t used = m_recurringInfo.size();
-        auto* const bytes = reinterpret_cast<unsigned char*>(pVal);
-        if (used > 0)
-            std::memcpy(bytes, m_recurringInfo.data(), used);
-        std::memset(bytes + used, 0, sizeof(*pVal) - used);
+        m_fields.Get(kRecurringInfo)
+            .CopyRecord({reinterpret_cast<unsigned char*>(pVal), sizeof(*pVal)});
         return S_OK;
     });
 }
@@ -182,7 +181,7 @@ STDMETHODIMP CNAppointment::put_RecurringInfo(_tagRecurringInfo* newVal)
         if (!newVal)
             return E_POINTER;
         const auto* const bytes = reinterpret_cast<const unsigned char*>(newVal);
-        m_recurringInfo = std::vector<unsigned char>(bytes, bytes + UsedBytes(*newVal));
+        m_fields.Set(kRecurringInfo, CompactValue::OfRecord({bytes, sizeof(*newVal)}));
         return S_OK;
     });
 }

@@ -4,10 +4,10 @@
 
 #include "automation/base/ComObject.h"
 #include "automation/base/DispatchImpl.h"
-#include "platform/Bstr.h"
+#include "platform/CompactFields.h"
 #include "platform/ContractRecords.h"
 
-#include <vector>
+#include <cstddef>
 
 class CNAppointment : public IDispatchImpl<INAppointment>,
                       public IDispatchImpl<INEntityItem>,
@@ -54,20 +54,29 @@ class CNAppointment : public IDispatchImpl<INAppointment>,
     ~CNAppointment() = default;
 
   private:
-    Bstr m_entityID;
+    enum Field : std::size_t
+    {
+        kEntityID,
+        kSubject,
+        kPlace,
+        kTimeZone,
+        kDescription,
+        kFolderID,
+        kPersistID,
+        kRecurringInfo,
+        kFieldCount
+    };
+
+    HRESULT GetText(Field field, BSTR* out) const;
+    HRESULT PutText(Field field, BSTR value);
+
+    // In little room, since a table of files keeps an object for every item. The record is large,
+    // and nearly all of it is zero in most appointments.
+    CompactFields<kFieldCount> m_fields;
     DATE m_lastModificationTime = 0.0;
-    Bstr m_subject;
-    Bstr m_place;
-    Bstr m_timeZone;
     DATE m_startTime = 0.0;
     DATE m_endTime = 0.0;
     ULONG m_reminder = 0;
-    Bstr m_description;
-    Bstr m_folderID;
-    Bstr m_persistID;
     VARIANT_BOOL m_allDay = 0;
     VARIANT_BOOL m_isBusy = 0;
-    // The record without the zeros at its end: it is large, most appointments never recur, and few
-    // of those that do have exceptions.
-    std::vector<unsigned char> m_recurringInfo;
 };

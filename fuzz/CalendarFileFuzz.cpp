@@ -20,10 +20,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     file.Events().Snapshot(events);
     for (CVEvent* event : events)
     {
-        if (!file.Events().Find(event->uid))
+        if (!file.Events().Find(event->Id()))
             std::abort();
         const AppointmentView values = AppointmentFromEvent(file, *event);
-        if (values.entityId != event->uid)
+        if (values.entityId != event->Id())
             std::abort();
     }
 

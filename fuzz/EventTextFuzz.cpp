@@ -57,8 +57,9 @@ void CheckDuration(const std::wstring& text)
     CVEvent event;
     event.SetProperty(L"DTSTART", L"20060508T101500");
     event.SetProperty(L"DURATION", text);
-    Require(event.end.wYear >= 100 && event.end.wYear <= 9999);
-    Require(event.end.wMonth >= 1 && event.end.wMonth <= 12);
+    const SYSTEMTIME end = event.Fields().end;
+    Require(end.wYear >= 100 && end.wYear <= 9999);
+    Require(end.wMonth >= 1 && end.wMonth <= 12);
     CVEvent early;
     early.SetProperty(L"DURATION", text);
     CVEvent odd;
@@ -88,17 +89,18 @@ void CheckRule(const std::wstring& text)
     CVEvent event;
     event.SetProperty(L"RRULE", text);
     const std::wstring lines = event.GetProperties();
-    const RecurrenceHead head = RecurrenceFromEvent(event);
-    Require(static_cast<int>(head.eRecurType) == event.frequency);
-    CVEvent taken;
+    const EventView fields = event.Fields();
+    const RecurrenceHead head = RecurrenceFromEvent(fields);
+    Require(static_cast<int>(head.eRecurType) == fields.frequency);
+    EventNumbers taken;
     RecurrenceToEvent(head, taken);
-    Require(taken.frequency == event.frequency);
+    Require(taken.frequency == fields.frequency);
     // An interval of 0 is not written and comes back as 1.
-    if (!HasItsDigits(event.until) || event.interval == 0)
+    if (!HasItsDigits(fields.until) || fields.interval == 0)
         return;
     CVEvent back;
     back.SetProperty(L"RRULE", ValueOf(lines, L"RRULE"));
-    Require(back.frequency == event.frequency);
+    Require(back.Fields().frequency == fields.frequency);
     Require(back.GetProperties() == lines);
 }
 
@@ -106,8 +108,9 @@ void CheckStart(const std::wstring& parameters)
 {
     CVEvent event;
     event.SetProperty(L"DTSTART;" + parameters, L"20060508T101500");
-    Require(event.tzid.size() <= parameters.size());
-    Require(event.start.wYear == 2006 && !(event.allDay && !event.tzid.empty()));
+    const EventView fields = event.Fields();
+    Require(fields.tzid.size() <= parameters.size());
+    Require(fields.start.wYear == 2006 && !(fields.allDay && !fields.tzid.empty()));
 }
 
 } // namespace

@@ -41,9 +41,9 @@ double DaysToUtc(const CVStandard& standard)
 }
 
 // Sets timeZone and returns the days to add for UTC.
-double ReadZone(const CCalendarFile& file, const CVEvent& event, AppointmentView& values)
+double ReadZone(const CCalendarFile& file, std::wstring_view tzid, AppointmentView& values)
 {
-    const CVTimeZone* zone = event.tzid.empty() ? nullptr : file.TimeZones().Find(event.tzid);
+    const CVTimeZone* zone = tzid.empty() ? nullptr : file.TimeZones().Find(tzid);
     if (!zone)
     {
         values.timeZone = L"UTC";
@@ -141,19 +141,21 @@ void SetTime(SYSTEMTIME& field, const std::optional<DATE>& value, double addDays
 
 AppointmentView AppointmentFromEvent(const CCalendarFile& file, const CVEvent& event)
 {
+    EventView fields = event.Fields();
     AppointmentView values;
-    values.entityId = event.uid;
-    values.utcLastModified = SystemTimeToDate(event.stamp);
-    values.subject = event.summary;
-    values.place = event.location;
-    values.description = event.description;
-    const double daysToUtc = ReadZone(file, event, values);
-    values.recurrence = RecurrenceFromEvent(event);
+    values.entityId = fields.uid;
+    values.utcLastModified = SystemTimeToDate(fields.stamp);
+    values.subject = fields.summary;
+    values.place = fields.location;
+    values.description = fields.description;
+    values.texts = std::move(fields.texts);
+    const double daysToUtc = ReadZone(file, fields.tzid, values);
+    values.recurrence = RecurrenceFromEvent(fields);
 
-    const DATE start = SystemTimeToDate(event.start);
-    const DATE end = SystemTimeToDate(event.end);
+    const DATE start = SystemTimeToDate(fields.start);
+    const DATE end = SystemTimeToDate(fields.end);
     const bool allDay =
-        event.allDay && DateToUnixSeconds(end) - DateToUnixSeconds(start) == kSecondsPerDay;
+        fields.allDay && DateToUnixSeconds(end) - DateToUnixSeconds(start) == kSecondsPerDay;
     values.allDay = allDay;
     values.startTime = allDay ? start : start + daysToUtc;
     values.endTime = allDay ? end : end + daysToUtc;
@@ -169,14 +171,15 @@ DATE EventFromAppointment(CCalendarFile& file,
                           const SYSTEMTIME& utcNow,
                           CVEvent& event)
 {
-    const std::wstring oldId = event.uid;
-    SetText(event.uid, values.entityId);
-    if (event.uid != oldId)
+    EventFields& fields = event.Edit();
+    const std::wstring oldId = fields.uid;
+    SetText(fields.uid, values.entityId);
+    if (fields.uid != oldId)
         file.Events().IdsChanged();
-    event.stamp = utcNow;
-    SetText(event.summary, values.subject);
-    SetText(event.location, values.place);
-    SetText(event.description, values.description);
+    fields.stamp = utcNow;
+    SetText(fields.summary, values.subject);
+    SetText(fields.location, values.place);
+    SetText(fields.description, values.description);
 
     if (values.reminderMinutes && *values.reminderMinutes != kNoReminderMinutes &&
         !FirstAlarmOf(event))
@@ -187,16 +190,17 @@ DATE EventFromAppointment(CCalendarFile& file,
     }
 
     const auto [zone, standard] = MachineZoneIn(file, machine);
-    event.tzid = zone->tzid;
+    fields.tzid = zone->tzid;
 
     if (values.recurrence && values.startTime && values.endTime)
-        RecurrenceToEvent(*values.recurrence, event);
+        RecurrenceToEvent(*values.recurrence, fields);
 
     const bool allDay = values.allDay.value_or(false);
     if (allDay)
-        event.allDay = true;
+        fields.allDay = true;
     const double addDays = allDay ? 0.0 : DaysToLocal(*standard);
-    SetTime(event.start, values.startTime, addDays);
-    SetTime(event.end, values.endTime, addDays);
+    SetTime(fields.start, values.startTime, addDays);
+    SetTime(fields.end, values.endTime, addDays);
+    event.Pack();
     return SystemTimeToDate(utcNow);
 }

@@ -9,6 +9,7 @@
 #include "icalendar/RecurrenceMapping.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,8 +33,11 @@ template <typename Text> struct AppointmentProperties
 
 // With texts of its own.
 using AppointmentValues = AppointmentProperties<std::wstring>;
-// With texts that belong to an event and its file, good until those change.
-using AppointmentView = AppointmentProperties<std::wstring_view>;
+// With views of texts that are its own, the event's or its file's, good until those change.
+struct AppointmentView : AppointmentProperties<std::wstring_view>
+{
+    std::unique_ptr<wchar_t[]> texts;
+};
 
 // The reminder value that says there is none.
 inline constexpr std::uint32_t kNoReminderMinutes = 0xFFFFFFFF;

@@ -62,6 +62,7 @@ template <typename T> class CVComponentIndex
     }
 
     std::size_t Position(std::wstring_view id) const;
+    void Sort() const;
     static bool HoldsListable(const CVObject& component);
 
     std::wstring m_componentName;
@@ -103,6 +104,7 @@ void CVComponentIndex<T>::Rebuild(std::wstring_view componentName, CVObject* roo
             next = next->NextSibling();
         }
     }
+    m_entries.shrink_to_fit();
 }
 
 template <typename T> bool CVComponentIndex<T>::Attach(std::unique_ptr<T> component)
@@ -155,18 +157,27 @@ template <typename T> T* CVComponentIndex<T>::Find(std::wstring_view id) const
 
 template <typename T> std::size_t CVComponentIndex<T>::Position(std::wstring_view id) const
 {
-    const auto idAt = [this](std::size_t position) -> std::wstring_view {
+    if (m_sorted.empty())
+        Sort();
+    const auto idAt = [this](std::size_t position) -> decltype(auto) {
         return m_entries[position].component->Id();
     };
-    if (m_sorted.empty())
-    {
-        m_sorted.resize(m_entries.size());
-        for (std::size_t i = 0; i < m_sorted.size(); ++i)
-            m_sorted[i] = i;
-        std::ranges::stable_sort(m_sorted, Less, idAt);
-    }
     const auto found = std::ranges::lower_bound(m_sorted, id, Less, idAt);
     return found != m_sorted.end() && idAt(*found) == id ? *found : kNotFound;
+}
+
+template <typename T> void CVComponentIndex<T>::Sort() const
+{
+    // Components may make the text of their ID at every call.
+    std::vector<std::wstring> ids;
+    ids.reserve(m_entries.size());
+    for (const Entry& entry : m_entries)
+        ids.push_back(entry.component->Id());
+    m_sorted.resize(m_entries.size());
+    for (std::size_t i = 0; i < m_sorted.size(); ++i)
+        m_sorted[i] = i;
+    std::ranges::stable_sort(
+        m_sorted, Less, [&ids](std::size_t position) { return std::wstring_view(ids[position]); });
 }
 
 // Whether anything below the component may be listed by an index, this one or another.

@@ -23,6 +23,9 @@ class ItemIndex
     // Takes the ID of the item behind those taken so far. Lookups come after the last Append.
     void Append(std::wstring_view id);
 
+    // Gives back the memory that was set aside for more of them.
+    void ShrinkToFit() { m_entries.shrink_to_fit(); }
+
     // The item at that position has another ID from now on. Its former ID stays a candidate that
     // the caller's comparison refuses.
     void Change(std::size_t position, std::wstring_view id);

@@ -17,19 +17,19 @@ template <typename T> void SetUnlessZero(std::int32_t& field, T value)
         field = static_cast<std::int32_t>(value);
 }
 
-void PutWeekdays(const CVEvent& event, VARIANT_BOOL (&flags)[7])
+void PutWeekdays(const EventNumbers& event, VARIANT_BOOL (&flags)[7])
 {
     std::ranges::transform(
         event.weekdays, flags, [](bool set) { return set ? kTrue : VARIANT_BOOL(0); });
 }
 
-void TakeWeekdays(const VARIANT_BOOL (&flags)[7], CVEvent& event)
+void TakeWeekdays(const VARIANT_BOOL (&flags)[7], EventNumbers& event)
 {
     std::ranges::transform(
         flags, event.weekdays.begin(), [](VARIANT_BOOL flag) { return flag != 0; });
 }
 
-_tagEndInfo EndFromEvent(const CVEvent& event)
+_tagEndInfo EndFromEvent(const EventNumbers& event)
 {
     _tagEndInfo end{};
     if (event.until.wYear != 0)
@@ -45,7 +45,7 @@ _tagEndInfo EndFromEvent(const CVEvent& event)
     return end;
 }
 
-void EndToEvent(const _tagEndInfo& end, CVEvent& event)
+void EndToEvent(const _tagEndInfo& end, EventNumbers& event)
 {
     SYSTEMTIME until{};
     if (end.eEndType == EndByCount)
@@ -68,7 +68,7 @@ RecurrenceHead HeadOf(const _tagRecurringInfo& record)
     return head;
 }
 
-RecurrenceHead RecurrenceFromEvent(const CVEvent& event)
+RecurrenceHead RecurrenceFromEvent(const EventNumbers& event)
 {
     RecurrenceHead head{};
     if (event.frequency == 0)
@@ -114,7 +114,7 @@ RecurrenceHead RecurrenceFromEvent(const CVEvent& event)
     return head;
 }
 
-void RecurrenceToEvent(const RecurrenceHead& head, CVEvent& event)
+void RecurrenceToEvent(const RecurrenceHead& head, EventNumbers& event)
 {
     if (head.eRecurType == None)
         return;

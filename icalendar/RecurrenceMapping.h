@@ -31,8 +31,8 @@ RecurrenceHead HeadOf(const _tagRecurringInfo& record);
 
 // All zero for an event without a frequency. Kept as it is: a weekly rule without weekdays gives no
 // interval, and a yearly one loses its weekdays. Pinned by RecurrenceMappingTest.
-RecurrenceHead RecurrenceFromEvent(const CVEvent& event);
+RecurrenceHead RecurrenceFromEvent(const EventNumbers& event);
 
 // Sets the fields that the record's kind and end name and leaves the others; an interval, month,
 // day or ordinal of 0 leaves its field too. Nothing happens for a record of kind None.
-void RecurrenceToEvent(const RecurrenceHead& head, CVEvent& event);
+void RecurrenceToEvent(const RecurrenceHead& head, EventNumbers& event);

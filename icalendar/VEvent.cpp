@@ -7,6 +7,8 @@
 #include "service/TimeConversions.h"
 
 #include <algorithm>
+#include <new>
+#include <span>
 
 namespace
 {
@@ -40,14 +42,14 @@ std::wstring_view TrimQuotes(std::wstring_view text)
 
 // --- Reading: properties -----------------------------------------------------------------------
 
-void ReadStamp(CVEvent& event, std::wstring_view, std::wstring_view value)
+void ReadStamp(EventFields& event, std::wstring_view, std::wstring_view value)
 {
     ParseDateTime(value, event.stamp);
 }
 
 // Only the first of a TZID and a VALUE=DATE takes effect. Kept as it is: the semicolons and equals
 // signs of a quoted TZID divide it too. Pinned by VEventTest.
-void ReadStartParameters(CVEvent& event, std::wstring_view name)
+void ReadStartParameters(EventFields& event, std::wstring_view name)
 {
     TextPieces parameters(name, L';');
     std::wstring_view parameter;
@@ -74,13 +76,13 @@ void ReadStartParameters(CVEvent& event, std::wstring_view name)
     }
 }
 
-void ReadStart(CVEvent& event, std::wstring_view name, std::wstring_view value)
+void ReadStart(EventFields& event, std::wstring_view name, std::wstring_view value)
 {
     ReadStartParameters(event, name);
     ParseDateTime(value, event.start);
 }
 
-void ReadEnd(CVEvent& event, std::wstring_view, std::wstring_view value)
+void ReadEnd(EventFields& event, std::wstring_view, std::wstring_view value)
 {
     ParseDateTime(value, event.end);
 }
@@ -108,7 +110,7 @@ std::int32_t DurationMinutes(std::wstring_view value)
 }
 
 // The start is the one read so far. An end that cannot be told stays as it was.
-void ReadDuration(CVEvent& event, std::wstring_view, std::wstring_view value)
+void ReadDuration(EventFields& event, std::wstring_view, std::wstring_view value)
 {
     const DATE end = AddMinutesToDate(SystemTimeToDate(event.start), DurationMinutes(value));
     SYSTEMTIME time{};
@@ -118,14 +120,14 @@ void ReadDuration(CVEvent& event, std::wstring_view, std::wstring_view value)
 
 // --- Reading: the recurrence rule --------------------------------------------------------------
 
-void ReadFrequency(CVEvent& event, std::wstring_view value)
+void ReadFrequency(EventFields& event, std::wstring_view value)
 {
     const auto found = std::ranges::find(kFrequencyNames, value);
     if (found != std::end(kFrequencyNames))
         event.frequency = static_cast<std::int32_t>(found - std::begin(kFrequencyNames)) + 1;
 }
 
-void ReadWeekdays(CVEvent& event, std::wstring_view value)
+void ReadWeekdays(EventFields& event, std::wstring_view value)
 {
     TextPieces entries(value, L',');
     std::wstring_view entry;
@@ -143,12 +145,13 @@ void ReadWeekdays(CVEvent& event, std::wstring_view value)
     event.hasWeekdays = true;
 }
 
-void ReadUntil(CVEvent& event, std::wstring_view value)
+void ReadUntil(EventFields& event, std::wstring_view value)
 {
     ParseDateTime(value, event.until);
 }
 
-template <std::int32_t CVEvent::*field> void ReadRuleNumber(CVEvent& event, std::wstring_view value)
+template <std::int32_t EventNumbers::*field>
+void ReadRuleNumber(EventFields& event, std::wstring_view value)
 {
     event.*field = ParseInt(value);
 }
@@ -156,22 +159,22 @@ template <std::int32_t CVEvent::*field> void ReadRuleNumber(CVEvent& event, std:
 struct RuleRow
 {
     std::wstring_view key;
-    void (*read)(CVEvent& event, std::wstring_view value);
+    void (*read)(EventFields& event, std::wstring_view value);
 };
 
 // clang-format off
 constexpr RuleRow kRuleRows[] = {
     {L"FREQ",       ReadFrequency},
-    {L"INTERVAL",   ReadRuleNumber<&CVEvent::interval>},
+    {L"INTERVAL",   ReadRuleNumber<&EventNumbers::interval>},
     {L"BYDAY",      ReadWeekdays},
-    {L"BYMONTHDAY", ReadRuleNumber<&CVEvent::monthDay>},
-    {L"BYMONTH",    ReadRuleNumber<&CVEvent::month>},
+    {L"BYMONTHDAY", ReadRuleNumber<&EventNumbers::monthDay>},
+    {L"BYMONTH",    ReadRuleNumber<&EventNumbers::month>},
     {L"UNTIL",      ReadUntil},
-    {L"COUNT",      ReadRuleNumber<&CVEvent::count>},
+    {L"COUNT",      ReadRuleNumber<&EventNumbers::count>},
 };
 // clang-format on
 
-void ReadRule(CVEvent& event, std::wstring_view, std::wstring_view value)
+void ReadRule(EventFields& event, std::wstring_view, std::wstring_view value)
 {
     TextPieces pieces(value, L';');
     std::wstring_view piece;
@@ -189,8 +192,8 @@ void ReadRule(CVEvent& event, std::wstring_view, std::wstring_view value)
 
 // --- Reading: which property -------------------------------------------------------------------
 
-template <std::wstring CVEvent::*field>
-void ReadText(CVEvent& event, std::wstring_view, std::wstring_view value)
+template <std::wstring EventFields::*field>
+void ReadText(EventFields& event, std::wstring_view, std::wstring_view value)
 {
     event.*field = value;
 }
@@ -199,7 +202,7 @@ struct PropertyRow
 {
     std::wstring_view name;
     bool anyParameters; // whether whatever begins with the name counts
-    void (*read)(CVEvent& event, std::wstring_view name, std::wstring_view value);
+    void (*read)(EventFields& event, std::wstring_view name, std::wstring_view value);
 
     bool Takes(std::wstring_view property) const
     {
@@ -210,21 +213,21 @@ struct PropertyRow
 // The first that takes the name decides.
 // clang-format off
 constexpr PropertyRow kPropertyRows[] = {
-    {L"UID",         false, ReadText<&CVEvent::uid>},
+    {L"UID",         false, ReadText<&EventFields::uid>},
     {L"DTSTAMP",     true,  ReadStamp},
-    {L"SUMMARY",     false, ReadText<&CVEvent::summary>},
-    {L"LOCATION",    false, ReadText<&CVEvent::location>},
+    {L"SUMMARY",     false, ReadText<&EventFields::summary>},
+    {L"LOCATION",    false, ReadText<&EventFields::location>},
     {L"DTSTART",     true,  ReadStart},
     {L"DTEND",       true,  ReadEnd},
     {L"DURATION",    true,  ReadDuration},
-    {L"DESCRIPTION", false, ReadText<&CVEvent::description>},
+    {L"DESCRIPTION", false, ReadText<&EventFields::description>},
     {L"RRULE",       false, ReadRule},
 };
 // clang-format on
 
 // --- Writing -----------------------------------------------------------------------------------
 
-std::wstring WeekdayText(const CVEvent& event)
+std::wstring WeekdayText(const EventNumbers& event)
 {
     std::wstring text;
     if (!event.hasWeekdays)
@@ -240,7 +243,7 @@ std::wstring WeekdayText(const CVEvent& event)
     return text;
 }
 
-std::wstring RuleText(const CVEvent& event)
+std::wstring RuleText(const EventNumbers& event)
 {
     std::wstring rule;
     const auto add = [&rule](std::wstring_view key, std::wstring_view value) {
@@ -277,6 +280,29 @@ std::wstring RuleText(const CVEvent& event)
     return rule;
 }
 
+// --- Packing -----------------------------------------------------------------------------------
+
+template <typename From, typename To>
+void CopyFields(const EventProperties<From>& from, EventProperties<To>& to)
+{
+    static_cast<EventNumbers&>(to) = from;
+    to.uid = from.uid;
+    to.summary = from.summary;
+    to.location = from.location;
+    to.tzid = from.tzid;
+    to.description = from.description;
+}
+
+std::span<const unsigned char> BytesOf(const EventNumbers& numbers)
+{
+    return {reinterpret_cast<const unsigned char*>(&numbers), sizeof(numbers)};
+}
+
+std::span<unsigned char> BytesOf(EventNumbers& numbers)
+{
+    return {reinterpret_cast<unsigned char*>(&numbers), sizeof(numbers)};
+}
+
 } // namespace
 
 int CVEvent::SetProperty(std::wstring_view name, std::wstring_view value)
@@ -285,7 +311,7 @@ int CVEvent::SetProperty(std::wstring_view name, std::wstring_view value)
     {
         if (row.Takes(name))
         {
-            row.read(*this, name, value);
+            row.read(Edit(), name, value);
             break;
         }
     }
@@ -295,32 +321,98 @@ int CVEvent::SetProperty(std::wstring_view name, std::wstring_view value)
 std::wstring CVEvent::GetProperties() const
 {
     constexpr std::size_t kUsualLength = 400;
+    const EventView fields = Fields();
     std::wstring lines;
-    lines.reserve(kUsualLength + description.size());
+    lines.reserve(kUsualLength + fields.description.size());
     const auto addText = [&lines](std::wstring_view name, std::wstring_view value) {
         if (!value.empty())
             AppendLine(lines, name, value);
     };
 
-    addText(L"DESCRIPTION", description);
-    AppendLine(lines, L"DTSTAMP", FormatDateTime(stamp));
-    if (allDay)
+    addText(L"DESCRIPTION", fields.description);
+    AppendLine(lines, L"DTSTAMP", FormatDateTime(fields.stamp));
+    if (fields.allDay)
     {
-        AppendLine(lines, L"DTSTART;VALUE=DATE", FormatDate(start));
-        AppendLine(lines, L"DTEND;VALUE=DATE", FormatDate(end));
+        AppendLine(lines, L"DTSTART;VALUE=DATE", FormatDate(fields.start));
+        AppendLine(lines, L"DTEND;VALUE=DATE", FormatDate(fields.end));
     }
     else
     {
         // Kept as it is: an empty TZID is written too, and comes back as two quotes. Pinned by
         // VEventTest.
-        const std::wstring zone = L";TZID=\"" + tzid + L"\"";
-        AppendLine(lines, L"DTSTART" + zone, FormatDateTime(start));
-        AppendLine(lines, L"DTEND" + zone, FormatDateTime(end));
+        const std::wstring zone = L";TZID=\"" + std::wstring(fields.tzid) + L"\"";
+        AppendLine(lines, L"DTSTART" + zone, FormatDateTime(fields.start));
+        AppendLine(lines, L"DTEND" + zone, FormatDateTime(fields.end));
     }
-    addText(L"SUMMARY", summary);
-    addText(L"LOCATION", location);
-    addText(L"UID", uid);
-    if (frequency != 0)
-        AppendLine(lines, L"RRULE", RuleText(*this));
+    addText(L"SUMMARY", fields.summary);
+    addText(L"LOCATION", fields.location);
+    addText(L"UID", fields.uid);
+    if (fields.frequency != 0)
+        AppendLine(lines, L"RRULE", RuleText(fields));
     return lines;
+}
+
+std::wstring CVEvent::Id() const
+{
+    return m_fields ? m_fields->uid : m_packed.Get(kUid).Text();
+}
+
+EventView CVEvent::Fields() const
+{
+    EventView fields;
+    if (m_fields)
+    {
+        CopyFields(*m_fields, fields);
+        return fields;
+    }
+    const auto packed = m_packed.All();
+    if (!packed[kNumbers].IsAny())
+        return fields;
+    packed[kNumbers].CopyRecord(BytesOf(fields));
+    std::size_t length = 0;
+    for (const Packed text : {kUid, kSummary, kLocation, kTzid, kDescription})
+        length += packed[text].TextLength();
+    fields.texts = std::make_unique_for_overwrite<wchar_t[]>(length);
+    wchar_t* next = fields.texts.get();
+    const auto unpack = [&](const CompactValue& value) {
+        const std::wstring_view text(next, value.TextLength());
+        value.CopyText(next);
+        next += text.size();
+        return text;
+    };
+    fields.uid = unpack(packed[kUid]);
+    fields.summary = unpack(packed[kSummary]);
+    fields.location = unpack(packed[kLocation]);
+    fields.tzid = unpack(packed[kTzid]);
+    fields.description = unpack(packed[kDescription]);
+    return fields;
+}
+
+EventFields& CVEvent::Edit()
+{
+    if (!m_fields)
+    {
+        auto fields = std::make_unique<EventFields>();
+        CopyFields(Fields(), *fields);
+        m_fields = std::move(fields);
+    }
+    return *m_fields;
+}
+
+void CVEvent::Pack() noexcept
+try
+{
+    if (!m_fields)
+        return;
+    const EventFields& fields = *m_fields;
+    m_packed.Assign({CompactValue::OfText(fields.uid),
+                     CompactValue::OfText(fields.summary),
+                     CompactValue::OfText(fields.location),
+                     CompactValue::OfText(fields.tzid),
+                     CompactValue::OfText(fields.description),
+                     CompactValue::OfRecord(BytesOf(fields))});
+    m_fields.reset();
+}
+catch (const std::bad_alloc&)
+{
 }

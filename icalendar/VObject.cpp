@@ -15,7 +15,7 @@ namespace
 
 template <typename T> std::unique_ptr<CVObject> Make()
 {
-    return std::unique_ptr<CVObject>(new (std::nothrow) T);
+    return std::make_unique<T>();
 }
 
 struct ComponentRow
@@ -51,17 +51,25 @@ CVObject::~CVObject()
 
 void CVObject::MoveContentTo(std::unique_ptr<CVObject>& list) noexcept
 {
-    if (m_firstChild)
+    MoveChildrenTo(list);
+    if (!m_open)
+        return;
+    for (const auto& open : *m_open)
+        open->MoveChildrenTo(list);
+    for (; !m_open->empty(); m_open->pop_back())
     {
-        m_lastChild->m_nextSibling = std::move(list);
-        list = std::move(m_firstChild);
-        m_lastChild = nullptr;
+        m_open->back()->m_nextSibling = std::move(list);
+        list = std::move(m_open->back());
     }
-    if (m_openChild)
-    {
-        m_openChild->m_nextSibling = std::move(list);
-        list = std::move(m_openChild);
-    }
+}
+
+void CVObject::MoveChildrenTo(std::unique_ptr<CVObject>& list) noexcept
+{
+    if (!m_firstChild)
+        return;
+    m_lastChild->m_nextSibling = std::move(list);
+    list = std::move(m_firstChild);
+    m_lastChild = nullptr;
 }
 
 int CVObject::SetProperty(std::wstring_view, std::wstring_view)
@@ -84,33 +92,44 @@ void CVObject::AddLine(std::wstring_view line)
 
 int CVObject::RouteLine(std::wstring_view name, std::wstring_view value)
 {
-    CVObject* deepest = m_deepestOpen ? m_deepestOpen : this;
+    const bool anyOpen = m_open && !m_open->empty();
     if (name == L"BEGIN")
     {
         for (const ComponentRow& row : kComponents)
         {
-            if (value != row.name)
-                continue;
-            deepest->m_openChild = row.make();
-            if (deepest->m_openChild)
+            if (value == row.name)
             {
-                deepest->m_openChild->m_openParent = deepest;
-                m_deepestOpen = deepest->m_openChild.get();
+                Open(row.make);
+                return 1;
             }
-            return 1;
         }
         return 0;
     }
     if (name == L"END")
     {
-        if (deepest == this)
+        if (!anyOpen)
             return 0;
-        CVObject* parent = std::exchange(deepest->m_openParent, nullptr);
-        parent->AddChild(std::move(parent->m_openChild));
-        m_deepestOpen = parent == this ? nullptr : parent;
+        std::unique_ptr<CVObject> closed = std::move(m_open->back());
+        m_open->pop_back();
+        closed->Close();
+        CVObject& parent = m_open->empty() ? *this : *m_open->back();
+        parent.AddChild(std::move(closed));
         return 1;
     }
-    return deepest->SetProperty(name, value);
+    CVObject& deepest = anyOpen ? *m_open->back() : *this;
+    return deepest.SetProperty(name, value);
+}
+
+// Nothing is opened where memory is exhausted.
+void CVObject::Open(std::unique_ptr<CVObject> (*make)())
+try
+{
+    if (!m_open)
+        m_open = std::make_unique<std::vector<std::unique_ptr<CVObject>>>();
+    m_open->push_back(make());
+}
+catch (const std::bad_alloc&)
+{
 }
 
 void CVObject::Serialize(std::wstring& out) const

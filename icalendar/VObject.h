@@ -42,6 +42,9 @@ class CVObject
     // where the memory for a new component ran out.
     int RouteLine(std::wstring_view name, std::wstring_view value);
 
+    // Called once, when the END of this component was read: it takes no further lines from there.
+    virtual void Close() noexcept {}
+
     // Appends this node and its subtree. A node without property lines is left out with everything
     // below it.
     void Serialize(std::wstring& out) const;
@@ -57,7 +60,7 @@ class CVObject
 
     // Appends the closed children in order; this node keeps owning them.
     void GetChildren(std::vector<CVObject*>& list) const;
-    std::wstring GetName() const { return std::wstring(m_name); }
+    std::wstring GetName() const { return m_name; }
 
     // The same without copies. The siblings of a child follow it in order.
     std::wstring_view Name() const noexcept { return m_name; }
@@ -65,14 +68,18 @@ class CVObject
     CVObject* NextSibling() const noexcept { return m_nextSibling.get(); }
 
   private:
+    void Open(std::unique_ptr<CVObject> (*make)());
     // Puts everything this node owns in front of the list.
     void MoveContentTo(std::unique_ptr<CVObject>& list) noexcept;
+    // Puts its closed children in front of the list.
+    void MoveChildrenTo(std::unique_ptr<CVObject>& list) noexcept;
 
-    std::wstring_view m_name;
+    // Few members, since there are several nodes for each event.
+    const wchar_t* m_name;
     std::unique_ptr<CVObject> m_firstChild;
     CVObject* m_lastChild = nullptr;
     std::unique_ptr<CVObject> m_nextSibling;
-    std::unique_ptr<CVObject> m_openChild;
-    CVObject* m_openParent = nullptr;  // while this node is open: the one it opened in
-    CVObject* m_deepestOpen = nullptr; // of the node that lines are routed to
+    // Of the node that lines are routed to: the open components below it, the outermost first. Each
+    // is the open child of the one before it. Null until the first.
+    std::unique_ptr<std::vector<std::unique_ptr<CVObject>>> m_open;
 };

@@ -155,6 +155,8 @@ void CWindowsMailCalendar::GetItemIDs()
     {
         LoadFile(found.cFileName);
     } while (FindNextFileW(search.Get(), &found));
+    m_items.shrink_to_fit();
+    m_index.ShrinkToFit();
 }
 
 void CWindowsMailCalendar::LoadFile(const std::wstring& name)
@@ -168,7 +170,6 @@ void CWindowsMailCalendar::LoadFile(const std::wstring& name)
     CCalendarFile& loaded = *m_files.back();
     std::vector<CVEvent*> events;
     loaded.Events().Snapshot(events);
-    m_items.reserve(m_items.size() + events.size());
     for (const CVEvent* event : events)
     {
         ComPtr<INEntityItem> item;
@@ -176,7 +177,8 @@ void CWindowsMailCalendar::LoadFile(const std::wstring& name)
             continue;
         FillAppointment(loaded, item.Get(), *event);
         // As the item cuts it.
-        m_index.Append(std::wstring_view(event->uid).substr(0, event->uid.find(L'\0')));
+        const std::wstring id = event->Id();
+        m_index.Append(std::wstring_view(id).substr(0, id.find(L'\0')));
         m_items.push_back(std::move(item));
     }
 }

@@ -343,11 +343,11 @@ TEST(AppointmentMappingTest, WritesIdTextsAndStamp)
     values.place = L"p";
     values.description = L"d";
     written.Write(values);
-    EXPECT_EQ(written.event->uid, L"{u}");
-    EXPECT_EQ(written.event->summary, L"s");
-    EXPECT_EQ(written.event->location, L"p");
-    EXPECT_EQ(written.event->description, L"d");
-    EXPECT_EQ(Text(written.event->stamp), L"2006-5-8 18:1:2");
+    EXPECT_EQ(written.event->Fields().uid, L"{u}");
+    EXPECT_EQ(written.event->Fields().summary, L"s");
+    EXPECT_EQ(written.event->Fields().location, L"p");
+    EXPECT_EQ(written.event->Fields().description, L"d");
+    EXPECT_EQ(Text(written.event->Fields().stamp), L"2006-5-8 18:1:2");
     // 18:01:02 is 64,862 seconds.
     EXPECT_NEAR(written.lastModified, kDay20060508 + 64862.0 / 86400.0, 1e-9);
     EXPECT_EQ(written.file.Events().Find(L"{u}"), written.event);
@@ -357,7 +357,7 @@ TEST(AppointmentMappingTest, AnEventIsFoundByTheIdThatItWasGiven)
 {
     Written written;
     auto made = std::make_unique<CVEvent>();
-    made->uid = L"b";
+    made->Edit().uid = L"b";
     const CVEvent* other = made.get();
     written.file.Events().Attach(std::move(made));
     AppointmentValues values;
@@ -383,18 +383,18 @@ TEST(AppointmentMappingTest, AbsentValuesLeaveTheirFields)
                                       {L"RRULE", L"FREQ=DAILY"}})
         written.event->SetProperty(name, value);
     written.Write({});
-    EXPECT_EQ(written.event->uid, L"u");
-    EXPECT_EQ(written.event->summary, L"s");
-    EXPECT_EQ(written.event->location, L"l");
-    EXPECT_EQ(written.event->description, L"d");
-    EXPECT_EQ(Text(written.event->start), L"2006-5-8 10:15:0");
-    EXPECT_EQ(Text(written.event->end), L"2006-5-8 11:15:0");
-    EXPECT_EQ(written.event->frequency, 1);
-    EXPECT_FALSE(written.event->allDay);
+    EXPECT_EQ(written.event->Fields().uid, L"u");
+    EXPECT_EQ(written.event->Fields().summary, L"s");
+    EXPECT_EQ(written.event->Fields().location, L"l");
+    EXPECT_EQ(written.event->Fields().description, L"d");
+    EXPECT_EQ(Text(written.event->Fields().start), L"2006-5-8 10:15:0");
+    EXPECT_EQ(Text(written.event->Fields().end), L"2006-5-8 11:15:0");
+    EXPECT_EQ(written.event->Fields().frequency, 1);
+    EXPECT_FALSE(written.event->Fields().allDay);
     EXPECT_FALSE(written.event->FirstChild());
     // Stamp and zone are set in any case.
-    EXPECT_EQ(Text(written.event->stamp), L"2006-5-8 18:1:2");
-    EXPECT_EQ(written.event->tzid, L"Machine Time");
+    EXPECT_EQ(Text(written.event->Fields().stamp), L"2006-5-8 18:1:2");
+    EXPECT_EQ(written.event->Fields().tzid, L"Machine Time");
 }
 
 TEST(AppointmentMappingTest, AnEmptyTextClearsItsField)
@@ -406,10 +406,10 @@ TEST(AppointmentMappingTest, AnEmptyTextClearsItsField)
     written.Write(values);
     values.entityId = values.subject = values.place = values.description = L"";
     written.Write(values);
-    EXPECT_EQ(written.event->uid, L"");
-    EXPECT_EQ(written.event->summary, L"");
-    EXPECT_EQ(written.event->location, L"");
-    EXPECT_EQ(written.event->description, L"");
+    EXPECT_EQ(written.event->Fields().uid, L"");
+    EXPECT_EQ(written.event->Fields().summary, L"");
+    EXPECT_EQ(written.event->Fields().location, L"");
+    EXPECT_EQ(written.event->Fields().description, L"");
 }
 
 TEST(AppointmentMappingTest, TextsEndAtTheirFirstNul)
@@ -418,7 +418,7 @@ TEST(AppointmentMappingTest, TextsEndAtTheirFirstNul)
     AppointmentValues values;
     values.subject = std::wstring(L"a\0b", 3);
     written.Write(values);
-    EXPECT_EQ(written.event->summary, L"a");
+    EXPECT_EQ(written.event->Fields().summary, L"a");
 }
 
 TEST(AppointmentMappingTest, MakesAnAlarmWhereThereIsNone)
@@ -513,8 +513,8 @@ TEST(AppointmentMappingTest, UsesTheMachinesZoneThatIsThereUnchanged)
     written.Write(values);
     EXPECT_EQ(written.file.TimeZones().Size(), 1u);
     EXPECT_EQ(written.FirstStandard()->GetProperties(), L"TZOFFSETTO:+060000\r\n");
-    EXPECT_EQ(Text(written.event->start), L"2006-5-8 6:0:0");
-    EXPECT_EQ(Text(written.event->end), L"2006-5-8 12:0:0");
+    EXPECT_EQ(Text(written.event->Fields().start), L"2006-5-8 6:0:0");
+    EXPECT_EQ(Text(written.event->Fields().end), L"2006-5-8 12:0:0");
 }
 
 TEST(AppointmentMappingTest, AShortOffsetTextCountsAsZeroWhenWriting)
@@ -529,7 +529,7 @@ TEST(AppointmentMappingTest, AShortOffsetTextCountsAsZeroWhenWriting)
     AppointmentValues values;
     values.startTime = kDay20060508;
     written.Write(values);
-    EXPECT_EQ(Text(written.event->start), L"2006-5-8 0:0:0");
+    EXPECT_EQ(Text(written.event->Fields().start), L"2006-5-8 0:0:0");
 }
 
 TEST(AppointmentMappingTest, AZoneWithoutAStandardFirstIsGivenOneAndNotAgain)
@@ -554,7 +554,7 @@ TEST(AppointmentMappingTest, TheItemsOwnTimeZoneIsNotRead)
     AppointmentValues values;
     values.timeZone = L"Another";
     written.Write(values);
-    EXPECT_EQ(written.event->tzid, L"Machine Time");
+    EXPECT_EQ(written.event->Fields().tzid, L"Machine Time");
     EXPECT_EQ(written.file.TimeZones().Size(), 1u);
 }
 
@@ -565,8 +565,8 @@ TEST(AppointmentMappingTest, WritesUtcAsLocalDigitsAndReadsItBack)
     values.startTime = kDay20060508 + 10.0 / 24.0;
     values.endTime = kDay20060508 + 11.0 / 24.0;
     written.Write(values);
-    EXPECT_EQ(Text(written.event->start), L"2006-5-8 12:0:0");
-    EXPECT_EQ(Text(written.event->end), L"2006-5-8 13:0:0");
+    EXPECT_EQ(Text(written.event->Fields().start), L"2006-5-8 12:0:0");
+    EXPECT_EQ(Text(written.event->Fields().end), L"2006-5-8 13:0:0");
 
     const AppointmentView back = AppointmentFromEvent(written.file, *written.event);
     EXPECT_EQ(back.timeZone, L"Machine Time");
@@ -582,9 +582,9 @@ TEST(AppointmentMappingTest, AnAllDayItemKeepsItsTimes)
     values.startTime = kDay20060508;
     values.endTime = kDay20060508 + 1.0;
     written.Write(values);
-    EXPECT_TRUE(written.event->allDay);
-    EXPECT_EQ(Text(written.event->start), L"2006-5-8 0:0:0");
-    EXPECT_EQ(Text(written.event->end), L"2006-5-9 0:0:0");
+    EXPECT_TRUE(written.event->Fields().allDay);
+    EXPECT_EQ(Text(written.event->Fields().start), L"2006-5-8 0:0:0");
+    EXPECT_EQ(Text(written.event->Fields().end), L"2006-5-9 0:0:0");
 }
 
 TEST(AppointmentMappingTest, FromAllDayToTimedTheDateFlagStaysAndTheTimesShift)
@@ -599,9 +599,9 @@ TEST(AppointmentMappingTest, FromAllDayToTimedTheDateFlagStaysAndTheTimesShift)
     values.startTime = kDay20060508 + 23.0 / 24.0;
     values.endTime = kDay20060508 + 23.5 / 24.0;
     written.Write(values);
-    EXPECT_TRUE(written.event->allDay);
+    EXPECT_TRUE(written.event->Fields().allDay);
     // 23:00 UTC is 01:00 of the next day there.
-    EXPECT_EQ(Text(written.event->start), L"2006-5-9 1:0:0");
+    EXPECT_EQ(Text(written.event->Fields().start), L"2006-5-9 1:0:0");
     EXPECT_NE(written.event->GetProperties().find(L"DTSTART;VALUE=DATE:20060509\r\n"
                                                   L"DTEND;VALUE=DATE:20060509\r\n"),
               std::wstring::npos);
@@ -619,7 +619,7 @@ TEST(AppointmentMappingTest, AValueThatIsNoDateLeavesTheField)
     {
         values.startTime = noDate;
         written.Write(values);
-        EXPECT_EQ(Text(written.event->start), L"2006-5-8 10:15:0");
+        EXPECT_EQ(Text(written.event->Fields().start), L"2006-5-8 10:15:0");
     }
 }
 
@@ -631,23 +631,23 @@ TEST(AppointmentMappingTest, WritesARecurrenceOnlyTogetherWithBothTimes)
     values.recurrence->tDaily.ulIntervalDay = 2;
     Written noTimes;
     noTimes.Write(values);
-    EXPECT_EQ(noTimes.event->frequency, 0);
+    EXPECT_EQ(noTimes.event->Fields().frequency, 0);
 
     values.startTime = kDay20060508;
     Written noEnd;
     noEnd.Write(values);
-    EXPECT_EQ(noEnd.event->frequency, 0);
+    EXPECT_EQ(noEnd.event->Fields().frequency, 0);
 
     values.endTime = kDay20060508;
     Written all;
     all.Write(values);
-    EXPECT_EQ(all.event->frequency, 1);
-    EXPECT_EQ(all.event->interval, 2);
+    EXPECT_EQ(all.event->Fields().frequency, 1);
+    EXPECT_EQ(all.event->Fields().interval, 2);
 
     // An item without a recurrence doesn't take it away.
     values.recurrence = RecurrenceHead{};
     all.Write(values);
-    EXPECT_EQ(all.event->frequency, 1);
+    EXPECT_EQ(all.event->Fields().frequency, 1);
 }
 
 TEST(AppointmentMappingTest, TheFirstEventOfANewFileIsWrittenWithCalendarAndZone)

@@ -137,7 +137,7 @@ TEST(CalendarFileTest, RealCalendarsKeepInASecondSaveWhatTheFirstKept)
         for (const CVEvent* event : events)
         {
             const AppointmentView values = AppointmentFromEvent(file, *event);
-            EXPECT_EQ(values.entityId, event->uid);
+            EXPECT_EQ(values.entityId, event->Fields().uid);
         }
         EXPECT_TRUE(SurvivesASave(file)) << path;
         const std::string once = SavedTextOf(bytes);
@@ -254,7 +254,7 @@ TEST(CalendarFileTest, EachEmptyLineBehindABeginOpensOneMore)
     for (int depth = 0; depth < 3; ++depth)
     {
         ASSERT_TRUE(node) << depth;
-        EXPECT_EQ(static_cast<const CVEvent*>(node)->uid, depth == 2 ? L"1" : L"");
+        EXPECT_EQ(static_cast<const CVEvent*>(node)->Id(), depth == 2 ? L"1" : L"");
         EXPECT_FALSE(node->NextSibling());
         node = node->FirstChild();
     }
@@ -309,7 +309,7 @@ TEST(CalendarFileTest, AnEventIsAddedToTheCalendarOfAFileOfEventsOutsideIt)
     CCalendarFile file(L"", 0);
     file.LoadFromText(BytesOf(kSamples / "standard_then_daylight.ics"));
     auto event = std::make_unique<CVEvent>();
-    event->uid = L"new";
+    event->Edit().uid = L"new";
     EXPECT_TRUE(file.Events().Attach(std::move(event)));
     const std::string saved = file.SaveToText();
     EXPECT_LT(saved.find("UID:new\r\n"), saved.find("END:VCALENDAR\r\n"));

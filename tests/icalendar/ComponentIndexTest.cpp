@@ -20,7 +20,7 @@ class Impostor : public CVObject
 std::unique_ptr<CVEvent> Event(const wchar_t* uid)
 {
     auto event = std::make_unique<CVEvent>();
-    event->uid = uid;
+    event->Edit().uid = uid;
     return event;
 }
 
@@ -142,7 +142,7 @@ TEST(ComponentIndexTest, AttachesToTheFirstCalendarAmongTheChildrenOfTheRoot)
     events.Rebuild(L"VEVENT", &root);
     EXPECT_TRUE(events.Attach(Event(L"new")));
     ASSERT_TRUE(calendar->FirstChild());
-    EXPECT_EQ(static_cast<CVEvent*>(calendar->FirstChild())->uid, L"new");
+    EXPECT_EQ(static_cast<CVEvent*>(calendar->FirstChild())->Id(), L"new");
     EXPECT_EQ(IdsOf(events), L" new ");
 }
 
@@ -227,7 +227,7 @@ TEST(ComponentIndexTest, FindsAnIdThatChangedOnceItWasTold)
     events.Rebuild(L"VEVENT", &root);
     CVEvent* first = events.Find(L"1");
     ASSERT_TRUE(first);
-    first->uid = L"3";
+    first->Edit().uid = L"3";
     events.IdsChanged();
     EXPECT_EQ(events.Find(L"3"), first);
     EXPECT_FALSE(events.Find(L"1"));

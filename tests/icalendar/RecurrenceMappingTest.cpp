@@ -10,11 +10,12 @@ namespace
 
 constexpr DATE kDay20061231 = 39082.0; // 2006-12-31 00:00
 
-class EventWithRule : public CVEvent
+EventNumbers EventWithRule(const wchar_t* rule)
 {
-  public:
-    explicit EventWithRule(const wchar_t* rule) { SetProperty(L"RRULE", rule); }
-};
+    CVEvent event;
+    event.SetProperty(L"RRULE", rule);
+    return event.Fields();
+}
 
 template <typename Record> std::wstring Flags(const Record& record)
 {
@@ -24,7 +25,7 @@ template <typename Record> std::wstring Flags(const Record& record)
     return text;
 }
 
-std::wstring WeekdayFlags(const CVEvent& event)
+std::wstring WeekdayFlags(const EventNumbers& event)
 {
     std::wstring text;
     for (const bool flag : event.weekdays)
@@ -149,7 +150,7 @@ TEST(RecurrenceMappingTest, ARecordOfNoKindChangesNothing)
     head.tDaily.ulIntervalDay = 5;
     head.tEndInfo.eEndType = EndByCount;
     head.tEndInfo.ulTimesAfter = 5;
-    EventWithRule event(L"FREQ=WEEKLY;INTERVAL=2;COUNT=3");
+    EventNumbers event = EventWithRule(L"FREQ=WEEKLY;INTERVAL=2;COUNT=3");
     RecurrenceToEvent(head, event);
     EXPECT_EQ(event.frequency, 2);
     EXPECT_EQ(event.interval, 2);
@@ -161,7 +162,7 @@ TEST(RecurrenceMappingTest, DailyRecordToRule)
     RecurrenceHead head = Zero();
     head.eRecurType = Daily;
     head.tDaily.ulIntervalDay = 4;
-    CVEvent event;
+    EventNumbers event;
     RecurrenceToEvent(head, event);
     EXPECT_EQ(event.frequency, 1);
     EXPECT_EQ(event.interval, 4);
@@ -173,11 +174,11 @@ TEST(RecurrenceMappingTest, AnIntervalOfZeroLeavesTheField)
     {
         RecurrenceHead head = Zero();
         head.eRecurType = kind;
-        CVEvent fresh;
+        EventNumbers fresh;
         RecurrenceToEvent(head, fresh);
         EXPECT_EQ(fresh.frequency, static_cast<int>(kind));
         EXPECT_EQ(fresh.interval, 1);
-        EventWithRule existing(L"INTERVAL=6");
+        EventNumbers existing = EventWithRule(L"INTERVAL=6");
         RecurrenceToEvent(head, existing);
         EXPECT_EQ(existing.interval, 6);
     }
@@ -190,7 +191,7 @@ TEST(RecurrenceMappingTest, WeeklyRecordToRule)
     head.tWeekly.ulIntervalWeek = 2;
     head.tWeekly.bValidWeekday[0] = -1;
     head.tWeekly.bValidWeekday[3] = 1; // any bits but none count
-    EventWithRule event(L"BYDAY=MO");
+    EventNumbers event = EventWithRule(L"BYDAY=MO");
     RecurrenceToEvent(head, event);
     EXPECT_EQ(event.frequency, 2);
     EXPECT_EQ(event.interval, 2);
@@ -214,7 +215,7 @@ TEST(RecurrenceMappingTest, MonthlyRecordByMonthDayToRule)
     head.tMonthly.lMonthDay = 31;
     head.tMonthly.lNth = 2;
     head.tMonthly.bValidWeekday[1] = -1;
-    CVEvent event;
+    EventNumbers event;
     RecurrenceToEvent(head, event);
     EXPECT_EQ(event.frequency, 3);
     EXPECT_EQ(event.interval, 3);
@@ -236,7 +237,7 @@ TEST(RecurrenceMappingTest, MonthlyRecordByWeekdayToRule)
     head.tMonthly.lMonthDay = 31;
     head.tMonthly.lNth = -1;
     head.tMonthly.bValidWeekday[6] = -1;
-    CVEvent event;
+    EventNumbers event;
     RecurrenceToEvent(head, event);
     EXPECT_EQ(event.monthDay, 0);
     EXPECT_EQ(event.nth, -1);
@@ -259,7 +260,7 @@ TEST(RecurrenceMappingTest, AMonthlyRecordOfNeitherModeSetsItsIntervalOnly)
     head.tMonthly.lMonthDay = 31;
     head.tMonthly.lNth = 2;
     head.tMonthly.bValidWeekday[1] = -1;
-    CVEvent event;
+    EventNumbers event;
     RecurrenceToEvent(head, event);
     EXPECT_EQ(event.interval, 2);
     EXPECT_EQ(event.monthDay, 0);
@@ -277,7 +278,7 @@ TEST(RecurrenceMappingTest, YearlyRecordToRuleLosesItsWeekdays)
     head.tYearly.lDay = 8;
     head.tYearly.lNth = 2;
     head.tYearly.bValidWeekday[1] = -1;
-    CVEvent event;
+    EventNumbers event;
     RecurrenceToEvent(head, event);
     EXPECT_EQ(event.frequency, 4);
     EXPECT_EQ(event.interval, 2);
@@ -300,19 +301,19 @@ TEST(RecurrenceMappingTest, EndOfTheSeriesToRule)
     head.tEndInfo.dtEndDateTime = kDay20061231 + 0.25;
     head.tEndInfo.ulTimesAfter = 7;
 
-    CVEvent noEnd;
+    EventNumbers noEnd;
     RecurrenceToEvent(head, noEnd);
     EXPECT_EQ(noEnd.count, 0);
     EXPECT_EQ(noEnd.until.wYear, 0);
 
     head.tEndInfo.eEndType = EndByCount;
-    CVEvent byCount;
+    EventNumbers byCount;
     RecurrenceToEvent(head, byCount);
     EXPECT_EQ(byCount.count, 7);
     EXPECT_EQ(byCount.until.wYear, 0);
 
     head.tEndInfo.eEndType = EndByDate;
-    CVEvent byDate;
+    EventNumbers byDate;
     RecurrenceToEvent(head, byDate);
     EXPECT_EQ(byDate.count, 0);
     EXPECT_EQ(byDate.until.wYear, 2006);
@@ -334,7 +335,7 @@ TEST(RecurrenceMappingTest, ARecordTakesNothingBackThatTheRuleHad)
     head.eRecurType = Monthly;
     head.tMonthly.bIsByMonthDayMode = -1;
     head.tMonthly.lMonthDay = 20;
-    EventWithRule byMonthDay(kRule);
+    EventNumbers byMonthDay = EventWithRule(kRule);
     RecurrenceToEvent(head, byMonthDay);
     EXPECT_EQ(byMonthDay.monthDay, 20);
     EXPECT_EQ(byMonthDay.nth, 2);
@@ -348,7 +349,7 @@ TEST(RecurrenceMappingTest, ARecordTakesNothingBackThatTheRuleHad)
     head.eRecurType = Daily;
     head.tEndInfo.eEndType = EndByCount;
     head.tEndInfo.ulTimesAfter = 3;
-    EventWithRule daily(kRule);
+    EventNumbers daily = EventWithRule(kRule);
     RecurrenceToEvent(head, daily);
     EXPECT_EQ(daily.frequency, 1);
     EXPECT_EQ(daily.month, 5);
@@ -367,7 +368,7 @@ TEST(RecurrenceMappingTest, AKindThatIsNoneGoesBothWaysWithItsEnd)
     head.tDaily.ulIntervalDay = 4;
     head.tEndInfo.eEndType = EndByCount;
     head.tEndInfo.ulTimesAfter = 3;
-    CVEvent event;
+    EventNumbers event;
     RecurrenceToEvent(head, event);
     EXPECT_EQ(event.frequency, 9);
     EXPECT_EQ(event.interval, 1);

@@ -55,7 +55,7 @@ inline bool HasItsDigits(const SYSTEMTIME& time)
 }
 
 // Whether the TZID comes back from between the quotes that it is written in.
-inline bool FitsItsQuotes(const std::wstring& tzid)
+inline bool FitsItsQuotes(std::wstring_view tzid)
 {
     return tzid.find(L'"') == std::wstring::npos ||
            (tzid.find_first_not_of(L'"') == std::wstring::npos && tzid.size() % 2 == 0);
@@ -72,9 +72,10 @@ inline bool SurvivesASave(const CVObject& root)
         nodes.pop_back();
         if (const auto* event = dynamic_cast<const CVEvent*>(node))
         {
-            if (!FitsItsQuotes(event->tzid) || (event->frequency != 0 && event->interval == 0))
+            const EventView fields = event->Fields();
+            if (!FitsItsQuotes(fields.tzid) || (fields.frequency != 0 && fields.interval == 0))
                 return false;
-            for (const SYSTEMTIME& time : {event->stamp, event->start, event->end, event->until})
+            for (const SYSTEMTIME& time : {fields.stamp, fields.start, fields.end, fields.until})
             {
                 if (!HasItsDigits(time))
                     return false;

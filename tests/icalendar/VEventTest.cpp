@@ -42,7 +42,7 @@ std::wstring RuleRewritten(const wchar_t* rule)
 std::wstring Weekdays(const CVEvent& event)
 {
     std::wstring flags;
-    for (const bool flag : event.weekdays)
+    for (const bool flag : event.Fields().weekdays)
         flags += flag ? L'1' : L'0';
     return flags;
 }
@@ -51,16 +51,16 @@ TEST(VEventTest, StartsWithTheStatedValues)
 {
     const CVEvent event;
     EXPECT_EQ(event.GetName(), L"VEVENT");
-    EXPECT_EQ(event.frequency, 0);
-    EXPECT_EQ(event.interval, 1);
+    EXPECT_EQ(event.Fields().frequency, 0);
+    EXPECT_EQ(event.Fields().interval, 1);
     EXPECT_EQ(Weekdays(event), L"0000000");
-    EXPECT_FALSE(event.hasWeekdays);
-    EXPECT_FALSE(event.allDay);
-    EXPECT_EQ(event.nth, 0);
-    EXPECT_EQ(event.month, 0);
-    EXPECT_EQ(event.monthDay, 0);
-    EXPECT_EQ(event.count, 0);
-    EXPECT_EQ(Text(event.until), L"0-0-0 0:0:0");
+    EXPECT_FALSE(event.Fields().hasWeekdays);
+    EXPECT_FALSE(event.Fields().allDay);
+    EXPECT_EQ(event.Fields().nth, 0);
+    EXPECT_EQ(event.Fields().month, 0);
+    EXPECT_EQ(event.Fields().monthDay, 0);
+    EXPECT_EQ(event.Fields().count, 0);
+    EXPECT_EQ(Text(event.Fields().until), L"0-0-0 0:0:0");
 }
 
 // --- Properties --------------------------------------------------------------------------------
@@ -76,16 +76,16 @@ TEST(VEventTest, ReadsItsProperties)
           {L"DTSTART;TZID=\"Zone\"", L"20060508T101500"},
           {L"DTEND;TZID=\"Other\"", L"20060508T111500"},
           {L"DESCRIPTION", L"text"}});
-    EXPECT_EQ(event.uid, L"u 1 ");
+    EXPECT_EQ(event.Fields().uid, L"u 1 ");
     EXPECT_EQ(event.Id(), L"u 1 ");
-    EXPECT_EQ(Text(event.stamp), L"2006-5-1 1:2:3");
-    EXPECT_EQ(event.summary, L"a\\, b\\n");
-    EXPECT_EQ(event.location, L"somewhere");
-    EXPECT_EQ(event.tzid, L"Zone");
-    EXPECT_EQ(Text(event.start), L"2006-5-8 10:15:0");
-    EXPECT_EQ(Text(event.end), L"2006-5-8 11:15:0");
-    EXPECT_EQ(event.description, L"text");
-    EXPECT_FALSE(event.allDay);
+    EXPECT_EQ(Text(event.Fields().stamp), L"2006-5-1 1:2:3");
+    EXPECT_EQ(event.Fields().summary, L"a\\, b\\n");
+    EXPECT_EQ(event.Fields().location, L"somewhere");
+    EXPECT_EQ(event.Fields().tzid, L"Zone");
+    EXPECT_EQ(Text(event.Fields().start), L"2006-5-8 10:15:0");
+    EXPECT_EQ(Text(event.Fields().end), L"2006-5-8 11:15:0");
+    EXPECT_EQ(event.Fields().description, L"text");
+    EXPECT_FALSE(event.Fields().allDay);
 }
 
 TEST(VEventTest, TextPropertiesWithParametersAreDropped)
@@ -116,19 +116,19 @@ TEST(VEventTest, DatePropertiesAreToldByTheirBeginning)
          {{L"DTSTAMPX;A=1", L"20060501T010203"},
           {L"DTSTARTED", L"20060502T010203"},
           {L"DTENDING", L"20060503T010203"}});
-    EXPECT_EQ(Text(event.stamp), L"2006-5-1 1:2:3");
-    EXPECT_EQ(Text(event.start), L"2006-5-2 1:2:3");
-    EXPECT_EQ(Text(event.end), L"2006-5-3 1:2:3");
+    EXPECT_EQ(Text(event.Fields().stamp), L"2006-5-1 1:2:3");
+    EXPECT_EQ(Text(event.Fields().start), L"2006-5-2 1:2:3");
+    EXPECT_EQ(Text(event.Fields().end), L"2006-5-3 1:2:3");
     Read(event, {{L"DURATION;X=1", L"PT1H"}});
-    EXPECT_EQ(Text(event.end), L"2006-5-2 2:2:3");
+    EXPECT_EQ(Text(event.Fields().end), L"2006-5-2 2:2:3");
 }
 
 TEST(VEventTest, ARepeatedPropertyOverwrites)
 {
     CVEvent event;
     Read(event, {{L"SUMMARY", L"first"}, {L"SUMMARY", L"second"}, {L"UID", L"1"}, {L"UID", L""}});
-    EXPECT_EQ(event.summary, L"second");
-    EXPECT_EQ(event.uid, L"");
+    EXPECT_EQ(event.Fields().summary, L"second");
+    EXPECT_EQ(event.Fields().uid, L"");
 }
 
 // --- The parameters of DTSTART -----------------------------------------------------------------
@@ -137,18 +137,18 @@ std::wstring TzidOf(const wchar_t* name)
 {
     CVEvent event;
     Read(event, {{name, L"20060508T101500"}});
-    EXPECT_EQ(Text(event.start), L"2006-5-8 10:15:0") << name;
-    EXPECT_FALSE(event.allDay) << name;
-    return event.tzid;
+    EXPECT_EQ(Text(event.Fields().start), L"2006-5-8 10:15:0") << name;
+    EXPECT_FALSE(event.Fields().allDay) << name;
+    return std::wstring(event.Fields().tzid);
 }
 
 bool IsAllDay(const wchar_t* name)
 {
     CVEvent event;
     Read(event, {{name, L"20060508"}});
-    EXPECT_EQ(Text(event.start), L"2006-5-8 0:0:0") << name;
-    EXPECT_EQ(event.tzid, L"") << name;
-    return event.allDay;
+    EXPECT_EQ(Text(event.Fields().start), L"2006-5-8 0:0:0") << name;
+    EXPECT_EQ(event.Fields().tzid, L"") << name;
+    return event.Fields().allDay;
 }
 
 TEST(VEventTest, ReadsTheTzidOfTheStart)
@@ -229,16 +229,16 @@ TEST(VEventTest, ADateAloneLeavesTheClock)
 {
     CVEvent event;
     Read(event, {{L"DTSTART", L"20060508T101530"}, {L"DTSTART;VALUE=DATE", L"20070102"}});
-    EXPECT_EQ(Text(event.start), L"2007-1-2 10:15:30");
+    EXPECT_EQ(Text(event.Fields().start), L"2007-1-2 10:15:30");
 }
 
 TEST(VEventTest, TheEndHasNoParameters)
 {
     CVEvent event;
     Read(event, {{L"DTEND;VALUE=DATE;TZID=Zone", L"20060509"}});
-    EXPECT_FALSE(event.allDay);
-    EXPECT_EQ(event.tzid, L"");
-    EXPECT_EQ(Text(event.end), L"2006-5-9 0:0:0");
+    EXPECT_FALSE(event.Fields().allDay);
+    EXPECT_EQ(event.Fields().tzid, L"");
+    EXPECT_EQ(Text(event.Fields().end), L"2006-5-9 0:0:0");
 }
 
 // --- DURATION ----------------------------------------------------------------------------------
@@ -276,7 +276,7 @@ TEST(VEventTest, ReadsADurationInItsSimpleWay)
     {
         CVEvent event;
         Read(event, {{L"DTSTART", L"20060508T100000"}, {L"DURATION", row.duration}});
-        EXPECT_EQ(Text(event.end), row.end) << row.duration;
+        EXPECT_EQ(Text(event.Fields().end), row.end) << row.duration;
     }
 }
 
@@ -286,7 +286,7 @@ TEST(VEventTest, ALongDurationWrapsAsA32BitNumberDoes)
     // and 768 minutes back from 2006-05-08 10:00.
     CVEvent event;
     Read(event, {{L"DTSTART", L"20060508T100000"}, {L"DURATION", L"P8888888D"}});
-    EXPECT_EQ(Text(event.end), L"1844-12-2 21:12:0");
+    EXPECT_EQ(Text(event.Fields().end), L"1844-12-2 21:12:0");
 }
 
 TEST(VEventTest, ADurationUsesTheStartReadSoFarAndTheLaterOfEndAndDurationWins)
@@ -316,7 +316,7 @@ TEST(VEventTest, ADurationInFebruaryOfALeapYearIsOneDayLate)
     // The seconds of that month count a day too many (see TimeConversions.h).
     CVEvent event;
     Read(event, {{L"DTSTART", L"20080210T100000"}, {L"DURATION", L"PT1H"}});
-    EXPECT_EQ(Text(event.end), L"2008-2-11 11:0:0");
+    EXPECT_EQ(Text(event.Fields().end), L"2008-2-11 11:0:0");
 }
 
 TEST(VEventTest, ADurationFromMarchOfALeapYearOnIsOneSecondLate)
@@ -324,7 +324,7 @@ TEST(VEventTest, ADurationFromMarchOfALeapYearOnIsOneSecondLate)
     const auto endOf = [](const wchar_t* start, const wchar_t* duration) {
         CVEvent event;
         Read(event, {{L"DTSTART", start}, {L"DURATION", duration}});
-        return Text(event.end);
+        return Text(event.Fields().end);
     };
     EXPECT_EQ(endOf(L"20240115T100000", L"PT30M"), L"2024-1-16 10:30:0");
     EXPECT_EQ(endOf(L"20240229T100000", L"PT30M"), L"2024-3-1 10:30:0");
@@ -353,7 +353,7 @@ TEST(VEventTest, ReadsTheFrequency)
     {
         CVEvent event;
         Read(event, {{L"RRULE", rule}});
-        EXPECT_EQ(event.frequency, frequency) << rule;
+        EXPECT_EQ(event.Fields().frequency, frequency) << rule;
     }
 }
 
@@ -362,18 +362,18 @@ TEST(VEventTest, ReadsTheNumbersOfARule)
     CVEvent event;
     Read(event,
          {{L"RRULE", L"INTERVAL=3;BYMONTHDAY=15,16;BYMONTH=11,12;COUNT=7;UNTIL=20061231T235959Z"}});
-    EXPECT_EQ(event.interval, 3);
-    EXPECT_EQ(event.monthDay, 15);
-    EXPECT_EQ(event.month, 11);
-    EXPECT_EQ(event.count, 7);
-    EXPECT_EQ(Text(event.until), L"2006-12-31 23:59:59");
+    EXPECT_EQ(event.Fields().interval, 3);
+    EXPECT_EQ(event.Fields().monthDay, 15);
+    EXPECT_EQ(event.Fields().month, 11);
+    EXPECT_EQ(event.Fields().count, 7);
+    EXPECT_EQ(Text(event.Fields().until), L"2006-12-31 23:59:59");
 
     Read(event, {{L"RRULE", L"INTERVAL=x;BYMONTHDAY=-1;BYMONTH=;COUNT=99999999999;UNTIL=2007"}});
-    EXPECT_EQ(event.interval, 0);
-    EXPECT_EQ(event.monthDay, -1);
-    EXPECT_EQ(event.month, 0);
-    EXPECT_EQ(event.count, 2147483647);
-    EXPECT_EQ(Text(event.until), L"2006-12-31 23:59:59");
+    EXPECT_EQ(event.Fields().interval, 0);
+    EXPECT_EQ(event.Fields().monthDay, -1);
+    EXPECT_EQ(event.Fields().month, 0);
+    EXPECT_EQ(event.Fields().count, 2147483647);
+    EXPECT_EQ(Text(event.Fields().until), L"2006-12-31 23:59:59");
 }
 
 TEST(VEventTest, DropsUnknownPartsOfARule)
@@ -381,7 +381,7 @@ TEST(VEventTest, DropsUnknownPartsOfARule)
     CVEvent event;
     Read(event,
          {{L"RRULE", L";;BYSETPOS=1;BYYEARDAY=2;BYWEEKNO=3;WKST=MO;byday=mo;NONSENSE;=;A=B=C;"}});
-    EXPECT_FALSE(event.hasWeekdays);
+    EXPECT_FALSE(event.Fields().hasWeekdays);
     EXPECT_EQ(RuleLineOf(event), L"");
 }
 
@@ -423,9 +423,9 @@ TEST(VEventTest, ReadsWeekdaysAndTheirOrdinal)
     {
         CVEvent event;
         Read(event, {{L"RRULE", (std::wstring(L"BYDAY=") + row.value).c_str()}});
-        EXPECT_TRUE(event.hasWeekdays) << row.value;
+        EXPECT_TRUE(event.Fields().hasWeekdays) << row.value;
         EXPECT_EQ(Weekdays(event), row.flags) << row.value;
-        EXPECT_EQ(event.nth, row.nth) << row.value;
+        EXPECT_EQ(event.Fields().nth, row.nth) << row.value;
     }
 }
 
@@ -495,13 +495,13 @@ TEST(VEventTest, ReadingEmptyQuotesBackGivesATzidOfTwoQuotes)
 {
     CVEvent event;
     Read(event, {{L"DTSTART;TZID=\"\"", L"20060508T101500"}});
-    EXPECT_EQ(event.tzid, L"\"\"");
+    EXPECT_EQ(event.Fields().tzid, L"\"\"");
 }
 
 TEST(VEventTest, FoldsALongLine)
 {
     CVEvent event;
-    event.summary = std::wstring(100, L'x');
+    event.Edit().summary = std::wstring(100, L'x');
     // "SUMMARY:" is 8 characters, so 67 of the text stay on the first line.
     const std::wstring lines = event.GetProperties();
     EXPECT_NE(lines.find(L"SUMMARY:" + std::wstring(67, L'x') + L"\r\n " + std::wstring(33, L'x') +
@@ -558,7 +558,7 @@ TEST(VEventTest, AQuoteInsideATzidHidesTheDateFromTheNextLoad)
 {
     CVEvent event;
     Read(event, {{L"DTSTART;TZID=\"a\"b", L"20060508T101500"}});
-    EXPECT_EQ(event.tzid, L"a\"b");
+    EXPECT_EQ(event.Fields().tzid, L"a\"b");
     const std::wstring line = L"DTSTART;TZID=\"a\"b\":20060508T101500\r\n";
     EXPECT_NE(event.GetProperties().find(line), std::wstring::npos);
     // Three quotes: the colon counts as quoted, so the line is refused.
@@ -578,11 +578,11 @@ TEST(VEventTest, WritesAnUntilOfADateAloneWithAZeroClock)
 TEST(VEventTest, WritesAnUnknownFrequencyWithoutFreq)
 {
     CVEvent event;
-    event.frequency = 9;
-    event.count = -4;
+    event.Edit().frequency = 9;
+    event.Edit().count = -4;
     EXPECT_EQ(RuleLineOf(event), L"RRULE:INTERVAL=1;COUNT=-4\r\n");
-    event.interval = 0;
-    event.count = 0;
+    event.Edit().interval = 0;
+    event.Edit().count = 0;
     EXPECT_EQ(RuleLineOf(event), L"RRULE:\r\n");
 }
 

@@ -122,10 +122,10 @@ TEST(VObjectTest, GivesAPropertyToTheDeepestOpenComponent)
     ASSERT_TRUE(outer);
     const auto* inner = dynamic_cast<CVEvent*>(ChildrenOf(*outer).at(0));
     ASSERT_TRUE(inner);
-    EXPECT_EQ(outer->uid, L"outer");
-    EXPECT_EQ(outer->summary, L"outer text");
-    EXPECT_EQ(inner->uid, L"inner");
-    EXPECT_EQ(inner->summary, L"");
+    EXPECT_EQ(outer->Fields().uid, L"outer");
+    EXPECT_EQ(outer->Fields().summary, L"outer text");
+    EXPECT_EQ(inner->Fields().uid, L"inner");
+    EXPECT_EQ(inner->Fields().summary, L"");
 }
 
 TEST(VObjectTest, ReturnsTheResultOfSetPropertyAndRoutesARefusedLineWithEmptyParts)
