@@ -32,7 +32,8 @@ struct EventNumbers
     std::array<bool, 7> weekdays{};
     bool hasWeekdays = false; // a BYDAY was there, whether it named a day or not
     bool allDay = false;      // DTSTART is a date
-    std::array<bool, 3> unused{}; // in the place of padding, which copies of the bytes would take along
+    std::array<bool, 3>
+        unused{}; // in the place of padding, which copies of the bytes would take along
 };
 static_assert(std::has_unique_object_representations_v<EventNumbers>);
 

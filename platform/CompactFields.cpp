@@ -53,9 +53,8 @@ template <typename Convert> void InBlocks(std::size_t count, Convert convert) no
 bool IsNarrow(std::wstring_view text) noexcept
 {
     unsigned all = 0;
-    InBlocks(text.size(), [&, from = text.data()](std::size_t i) {
-        all |= static_cast<unsigned>(from[i]);
-    });
+    InBlocks(text.size(),
+             [&, from = text.data()](std::size_t i) { all |= static_cast<unsigned>(from[i]); });
     return (all & 0xFF00) == 0;
 }
 
@@ -189,7 +188,8 @@ void CompactBlock::Assign(std::span<const CompactValue> values)
     for (std::size_t i = 0; i < values.size(); ++i)
     {
         const std::size_t head = HeadOf(values, i);
-        const bool isSame = (head & kKindMask) == static_cast<std::size_t>(CompactValue::Kind::Same);
+        const bool isSame =
+            (head & kKindMask) == static_cast<std::size_t>(CompactValue::Kind::Same);
         size += HeadSize(head) + (isSame ? 0 : values[i].m_size);
         isAny = isAny || values[i].IsAny();
     }

@@ -4,12 +4,14 @@
 #include "platform/Bstr.h"
 #include "support/ComAssert.h"
 #include "support/Dispatch.h"
+#include "support/LargeNewFails.h"
 #include "tests/automation/CollectionFixture.h"
 #include "tests/automation/ItemProperties.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <iterator>
 #include <vector>
 
 using Microsoft::WRL::ComPtr;
@@ -141,12 +143,33 @@ TEST_F(AppointmentTest, ATextThatFindsNoMemoryIsOutOfMemory)
     BSTR untouched = text.Get();
     {
         const LongTextsFail fail;
-        EXPECT_EQ(E_OUTOFMEMORY, m_appointment->put_Place(text.Get()));
-        EXPECT_EQ(E_OUTOFMEMORY, m_entity->put_FolderID(text.Get()));
         EXPECT_EQ(E_OUTOFMEMORY, m_appointment->get_Subject(&untouched));
     }
     EXPECT_EQ(nullptr, untouched);
+    {
+        const LargeNewFails fail(text.View().size());
+        EXPECT_EQ(E_OUTOFMEMORY, m_appointment->put_Place(text.Get()));
+        EXPECT_EQ(E_OUTOFMEMORY, m_entity->put_FolderID(text.Get()));
+        const Bstr small(L"small");
+        EXPECT_EQ(E_OUTOFMEMORY, m_appointment->put_Place(small.Get())); // moves the others along
+    }
     EXPECT_EQ(held.View(), Get(kTexts[0], m_appointment.Get()).View());
+    EXPECT_FALSE(Get(kTexts[1], m_appointment.Get()));
+    EXPECT_FALSE(Get(kFolderID, m_entity.Get()));
+}
+
+TEST_F(AppointmentTest, APropertyTakesItsOwnTextAndThoseOfOthers)
+{
+    const Bstr text(L"the same");
+    for (const auto& property : kTexts)
+        EXPECT_EQ(S_OK, (m_appointment.Get()->*property.put)(text.Get()));
+    for (const auto& property : kTexts)
+        EXPECT_EQ(S_OK, (m_appointment.Get()->*property.put)(text.Get()));
+    const Bstr other(L"other");
+    EXPECT_EQ(S_OK, m_appointment->put_Subject(other.Get()));
+    EXPECT_EQ(L"other", Get(kTexts[0], m_appointment.Get()).View());
+    for (std::size_t i = 1; i < std::size(kTexts); ++i)
+        EXPECT_EQ(L"the same", Get(kTexts[i], m_appointment.Get()).View()) << kTexts[i].name;
 }
 
 TEST_F(AppointmentTest, ANullFolderIdClearsIt)

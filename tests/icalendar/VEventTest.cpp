@@ -131,6 +131,99 @@ TEST(VEventTest, ARepeatedPropertyOverwrites)
     EXPECT_EQ(event.Fields().uid, L"");
 }
 
+// --- Packed fields -----------------------------------------------------------------------------
+
+// Every field with a value of its own.
+void ReadEverything(CVEvent& event)
+{
+    Read(event,
+         {{L"UID", L"{u}"},
+          {L"DTSTAMP", L"20060501T010203Z"},
+          {L"SUMMARY", L"\x65E5\x672C"},
+          {L"LOCATION", L"R\x00E9union"},
+          {L"DTSTART;TZID=\"Zone\"", L"20060508T101500"},
+          {L"DTEND", L"20060509T111600"},
+          {L"DESCRIPTION", L"text"},
+          {L"RRULE",
+           L"FREQ=MONTHLY;INTERVAL=4;BYDAY=-2MO,-2SA;BYMONTH=5;BYMONTHDAY=6;COUNT=7;"
+           L"UNTIL=20101112T131415Z"}});
+}
+
+void ExpectEverything(const CVEvent& event)
+{
+    const EventView fields = event.Fields();
+    EXPECT_EQ(fields.uid, L"{u}");
+    EXPECT_EQ(event.Id(), L"{u}");
+    EXPECT_EQ(Text(fields.stamp), L"2006-5-1 1:2:3");
+    EXPECT_EQ(fields.summary, L"\x65E5\x672C");
+    EXPECT_EQ(fields.location, L"R\x00E9union");
+    EXPECT_EQ(fields.tzid, L"Zone");
+    EXPECT_EQ(Text(fields.start), L"2006-5-8 10:15:0");
+    EXPECT_EQ(Text(fields.end), L"2006-5-9 11:16:0");
+    EXPECT_EQ(fields.description, L"text");
+    EXPECT_EQ(fields.frequency, 3);
+    EXPECT_EQ(fields.interval, 4);
+    EXPECT_EQ(Weekdays(event), L"0100001");
+    EXPECT_TRUE(fields.hasWeekdays);
+    EXPECT_FALSE(fields.allDay);
+    EXPECT_EQ(fields.nth, -2);
+    EXPECT_EQ(fields.month, 5);
+    EXPECT_EQ(fields.monthDay, 6);
+    EXPECT_EQ(fields.count, 7);
+    EXPECT_EQ(Text(fields.until), L"2010-11-12 13:14:15");
+}
+
+TEST(VEventTest, KeepsEveryFieldWhenItIsPacked)
+{
+    CVEvent event;
+    ReadEverything(event);
+    ExpectEverything(event);
+    const std::wstring lines = event.GetProperties();
+    event.Close();
+    ExpectEverything(event);
+    EXPECT_EQ(event.GetProperties(), lines);
+    event.Pack();
+    ExpectEverything(event);
+    EXPECT_EQ(event.Edit().uid, L"{u}"); // unpacked without a change
+    ExpectEverything(event);
+    event.Pack();
+    ExpectEverything(event);
+}
+
+TEST(VEventTest, APackedEventTakesFurtherChanges)
+{
+    CVEvent event;
+    ReadEverything(event);
+    event.Close();
+    Read(event, {{L"SUMMARY", L"new"}, {L"DTSTART;VALUE=DATE", L"20070102"}});
+    EXPECT_EQ(event.Fields().summary, L"new");
+    EXPECT_TRUE(event.Fields().allDay);
+    event.Pack();
+    EXPECT_EQ(event.Fields().summary, L"new");
+    EXPECT_EQ(event.Fields().location, L"R\x00E9union");
+    EXPECT_TRUE(event.Fields().allDay);
+    EXPECT_EQ(event.Fields().interval, 4);
+    EXPECT_EQ(Text(event.Fields().start), L"2007-1-2 10:15:0");
+    event.Edit().uid = L"";
+    EXPECT_EQ(event.Id(), L"");
+    event.Pack();
+    EXPECT_EQ(event.Id(), L"");
+    EXPECT_EQ(event.Fields().uid, L"");
+    EXPECT_EQ(event.Fields().summary, L"new");
+}
+
+TEST(VEventTest, AnEventWithoutAnyPropertyKeepsItsStartValues)
+{
+    CVEvent event;
+    event.Close();
+    EXPECT_EQ(event.Fields().interval, 1);
+    EXPECT_EQ(event.Id(), L"");
+    EXPECT_EQ(event.Edit().interval, 1);
+    event.Edit().interval = 0;
+    event.Pack();
+    EXPECT_EQ(event.Fields().interval, 0);
+}
+
 // --- The parameters of DTSTART -----------------------------------------------------------------
 
 std::wstring TzidOf(const wchar_t* name)

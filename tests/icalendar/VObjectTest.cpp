@@ -90,6 +90,22 @@ TEST(VObjectTest, OpensTheFiveKnownComponentsAndNoOther)
     EXPECT_EQ(children[4]->GetName(), L"VEVENT");
 }
 
+TEST(VObjectTest, AMissingEndLeavesAComponentOutOfTheChildren)
+{
+    CVObject root;
+    AddLines(root, {L"BEGIN:VCALENDAR", L"BEGIN:VEVENT", L"UID:1", L"BEGIN:VALARM", L"END:VALARM"});
+    EXPECT_TRUE(ChildrenOf(root).empty());
+    // It takes lines and components again, as the deepest one.
+    AddLines(root, {L"BEGIN:VALARM", L"END:VALARM", L"UID:2", L"END:VEVENT", L"END:VCALENDAR"});
+    ASSERT_EQ(ChildrenOf(root).size(), 1u);
+    const auto events = ChildrenOf(*ChildrenOf(root)[0]);
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_EQ(static_cast<CVEvent*>(events[0])->Id(), L"2");
+    EXPECT_EQ(ChildrenOf(*events[0]).size(), 2u);
+    AddLines(root, {L"BEGIN:VEVENT", L"UID:3"});
+    EXPECT_EQ(ChildrenOf(root).size(), 1u);
+}
+
 TEST(VObjectTest, AnEndWithNothingOpenIsRefused)
 {
     CVObject root;
