@@ -393,7 +393,8 @@ EventFields& CVEvent::Edit()
     if (!m_fields)
     {
         auto fields = std::make_unique<EventFields>();
-        CopyFields(Fields(), *fields);
+        if (m_packed.IsAny())
+            CopyFields(Fields(), *fields);
         m_fields = std::move(fields);
     }
     return *m_fields;

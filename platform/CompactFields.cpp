@@ -3,6 +3,7 @@
 #include "platform/SparseBytes.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace
@@ -37,25 +38,34 @@ const unsigned char* ReadHead(const unsigned char* from, std::size_t& head) noex
     return from;
 }
 
-// Calls convert(i) for every i below the count, most of them in fixed numbers that the compiler can
+// Converts each element; what does not fit is cut. Most go in fixed numbers, which the compiler can
 // do at once: texts are converted in both directions for every item of a table.
-template <typename Convert> void InBlocks(std::size_t count, Convert convert) noexcept
+template <typename From, typename To>
+void ConvertUnits(const From* __restrict from, std::size_t count, To* __restrict to) noexcept
 {
     constexpr std::size_t kBlock = 8;
-    std::size_t i = 0;
-    for (; count - i >= kBlock; i += kBlock)
-        for (std::size_t k = 0; k < kBlock; ++k)
-            convert(i + k);
-    for (; i < count; ++i)
-        convert(i);
+    for (; count >= kBlock; count -= kBlock, from += kBlock, to += kBlock)
+        for (std::size_t i = 0; i < kBlock; ++i)
+            to[i] = static_cast<To>(from[i]);
+    for (; count > 0; --count)
+        *to++ = static_cast<To>(*from++);
 }
 
+// Whether all code units are below 256.
 bool IsNarrow(std::wstring_view text) noexcept
 {
-    unsigned all = 0;
-    InBlocks(text.size(),
-             [&, from = text.data()](std::size_t i) { all |= static_cast<unsigned>(from[i]); });
-    return (all & 0xFF00) == 0;
+    constexpr std::size_t kUnitsPerWord = sizeof(std::uint64_t) / sizeof(wchar_t);
+    constexpr std::uint64_t kUpper = sizeof(wchar_t) == 2 ? 0xFF00FF00FF00FF00 : 0xFF000000FF00;
+    std::uint64_t all = 0;
+    for (; text.size() >= kUnitsPerWord; text.remove_prefix(kUnitsPerWord))
+    {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data(), sizeof(word));
+        all |= word;
+    }
+    for (const wchar_t unit : text)
+        all |= static_cast<std::uint64_t>(unit);
+    return (all & kUpper) == 0;
 }
 
 wchar_t UnitIn(const unsigned char* bytes, std::size_t index) noexcept
@@ -93,9 +103,10 @@ void CompactValue::CopyText(wchar_t* to) const noexcept
 {
     const unsigned char* const from = m_bytes.data();
     if (m_kind == Kind::Units)
-        InBlocks(m_size / 2, [=](std::size_t i) { to[i] = UnitIn(from, i); });
+        for (std::size_t i = 0; i < m_size / 2; ++i)
+            to[i] = UnitIn(from, i);
     else
-        InBlocks(m_size, [=](std::size_t i) { to[i] = from[i]; });
+        ConvertUnits(from, m_size, to);
 }
 
 std::wstring CompactValue::Text() const
@@ -145,13 +156,14 @@ void CompactValue::WriteText(unsigned char* to) const noexcept
     const wchar_t* const from = m_text.data();
     if (m_kind == Kind::Bytes)
     {
-        InBlocks(m_size, [=](std::size_t i) { to[i] = static_cast<unsigned char>(from[i]); });
+        ConvertUnits(from, m_size, to);
         return;
     }
-    InBlocks(m_text.size(), [=](std::size_t i) {
+    for (std::size_t i = 0; i < m_text.size(); ++i)
+    {
         to[2 * i] = static_cast<unsigned char>(from[i]);
         to[2 * i + 1] = static_cast<unsigned char>(from[i] >> 8);
-    });
+    }
 }
 
 void CompactBlock::Read(std::span<CompactValue> values) const noexcept

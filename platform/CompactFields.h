@@ -77,6 +77,8 @@ class CompactBlock
     // Replaces all values; they may be views of this block. Throws std::bad_alloc; nothing has
     // changed then.
     void Assign(std::span<const CompactValue> values);
+    // Whether there is any value.
+    bool IsAny() const noexcept { return m_bytes != nullptr; }
     // What stands for this value in a block with the others: itself or an equal text.
     static CompactValue Shared(const CompactValue& value,
                                std::span<const CompactValue> others) noexcept;
@@ -100,6 +102,8 @@ template <std::size_t kCount> class CompactFields
         return values;
     }
     CompactValue Get(std::size_t index) const noexcept { return All()[index]; }
+    // Whether there is any value.
+    bool IsAny() const noexcept { return m_block.IsAny(); }
 
     // Replaces one value. Throws std::bad_alloc; nothing has changed then.
     void Set(std::size_t index, const CompactValue& value)

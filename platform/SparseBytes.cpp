@@ -8,6 +8,36 @@
 namespace
 {
 constexpr std::size_t kGroupBytes = 8;
+
+std::uint64_t WordAt(const unsigned char* words, std::size_t index) noexcept
+{
+    std::uint64_t word = 0;
+    std::memcpy(&word, words + index * sizeof(word), sizeof(word));
+    return word;
+}
+
+// The bits of those bytes of the group that are not zero.
+unsigned SetBytesOf(const unsigned char* group, std::size_t count) noexcept
+{
+    unsigned set = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        set |= static_cast<unsigned>(group[i] != 0) << i;
+    return set;
+}
+
+// Calls take(set, group) for every eight bytes up to the last that is not zero.
+template <typename Take> void ForEachGroup(std::span<const unsigned char> bytes, Take take) noexcept
+{
+    const auto used = WithoutZerosAtEnd(bytes);
+    const unsigned char* group = used.data();
+    std::size_t left = used.size();
+    for (; left >= kGroupBytes; left -= kGroupBytes, group += kGroupBytes)
+    {
+        take(WordAt(group, 0) ? SetBytesOf(group, kGroupBytes) : 0, group);
+    }
+    if (left > 0)
+        take(SetBytesOf(group, left), group);
+}
 } // namespace
 
 std::span<const unsigned char> WithoutZerosAtEnd(std::span<const unsigned char> bytes) noexcept
@@ -17,14 +47,9 @@ std::span<const unsigned char> WithoutZerosAtEnd(std::span<const unsigned char> 
     std::size_t used = bytes.size();
     while (used >= kBlockBytes)
     {
-        std::uint64_t any = 0;
-        for (std::size_t at = used - kBlockBytes; at < used; at += sizeof(any))
-        {
-            std::uint64_t word = 0;
-            std::memcpy(&word, bytes.data() + at, sizeof(word));
-            any |= word;
-        }
-        if (any)
+        const unsigned char* const block = bytes.data() + used - kBlockBytes;
+        if (((WordAt(block, 0) | WordAt(block, 1)) | (WordAt(block, 2) | WordAt(block, 3))) |
+            ((WordAt(block, 4) | WordAt(block, 5)) | (WordAt(block, 6) | WordAt(block, 7))))
             break;
         used -= kBlockBytes;
     }
@@ -35,29 +60,20 @@ std::span<const unsigned char> WithoutZerosAtEnd(std::span<const unsigned char> 
 
 std::size_t SparseSize(std::span<const unsigned char> bytes) noexcept
 {
-    const auto used = WithoutZerosAtEnd(bytes);
-    const auto zeros = static_cast<std::size_t>(std::ranges::count(used, 0));
-    return (used.size() + kGroupBytes - 1) / kGroupBytes + used.size() - zeros;
+    std::size_t size = 0;
+    ForEachGroup(bytes, [&size](unsigned set, const unsigned char*) {
+        size += 1 + static_cast<std::size_t>(std::popcount(set));
+    });
+    return size;
 }
 
 void PackSparse(std::span<const unsigned char> bytes, unsigned char* to) noexcept
 {
-    const auto used = WithoutZerosAtEnd(bytes);
-    for (std::size_t group = 0; group < used.size(); group += kGroupBytes)
-    {
-        unsigned char* const mask = to++;
-        unsigned set = 0;
-        const std::size_t end = std::min(group + kGroupBytes, used.size());
-        for (std::size_t at = group; at < end; ++at)
-        {
-            // A zero is written over by what follows it: the last byte is none.
-            const bool isSet = used[at] != 0;
-            *to = used[at];
-            to += isSet;
-            set |= static_cast<unsigned>(isSet) << (at - group);
-        }
-        *mask = static_cast<unsigned char>(set);
-    }
+    ForEachGroup(bytes, [&to](unsigned set, const unsigned char* group) {
+        *to++ = static_cast<unsigned char>(set);
+        for (; set; set &= set - 1)
+            *to++ = group[std::countr_zero(set)];
+    });
 }
 
 void UnpackSparse(std::span<const unsigned char> packed, std::span<unsigned char> to) noexcept

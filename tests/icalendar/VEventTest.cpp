@@ -293,29 +293,29 @@ TEST(VEventTest, OnlyTheFirstOfTzidAndDateTakesEffect)
 {
     CVEvent zoned;
     Read(zoned, {{L"DTSTART;TZID=Zone;VALUE=DATE", L"20060508"}});
-    EXPECT_EQ(zoned.tzid, L"Zone");
-    EXPECT_FALSE(zoned.allDay);
+    EXPECT_EQ(zoned.Fields().tzid, L"Zone");
+    EXPECT_FALSE(zoned.Fields().allDay);
 
     CVEvent dated;
     Read(dated, {{L"DTSTART;VALUE=DATE;TZID=Zone", L"20060508"}});
-    EXPECT_EQ(dated.tzid, L"");
-    EXPECT_TRUE(dated.allDay);
+    EXPECT_EQ(dated.Fields().tzid, L"");
+    EXPECT_TRUE(dated.Fields().allDay);
 }
 
 TEST(VEventTest, ALaterStartWithoutParametersTakesNeitherTzidNorDateFlagBack)
 {
     CVEvent zoned;
     Read(zoned, {{L"DTSTART;TZID=Zone", L"20060508T101500"}, {L"DTSTART", L"20060509T101500"}});
-    EXPECT_EQ(zoned.tzid, L"Zone");
-    EXPECT_EQ(Text(zoned.start), L"2006-5-9 10:15:0");
+    EXPECT_EQ(zoned.Fields().tzid, L"Zone");
+    EXPECT_EQ(Text(zoned.Fields().start), L"2006-5-9 10:15:0");
 
     CVEvent dated;
     Read(dated,
          {{L"DTSTART;VALUE=DATE", L"20060508"},
           {L"DTSTART;VALUE=DATE-TIME", L"20060508T101500"},
           {L"DTSTART;TZID=Zone", L"20060509T101500"}});
-    EXPECT_TRUE(dated.allDay);
-    EXPECT_EQ(dated.tzid, L"Zone");
+    EXPECT_TRUE(dated.Fields().allDay);
+    EXPECT_EQ(dated.Fields().tzid, L"Zone");
 }
 
 TEST(VEventTest, ADateAloneLeavesTheClock)
@@ -388,13 +388,13 @@ TEST(VEventTest, ADurationUsesTheStartReadSoFarAndTheLaterOfEndAndDurationWins)
     Read(
         before,
         {{L"DURATION", L"PT1H"}, {L"DTSTART", L"20060508T100000"}, {L"DTEND", L"20060508T120000"}});
-    EXPECT_EQ(Text(before.end), L"2006-5-8 12:0:0");
+    EXPECT_EQ(Text(before.Fields().end), L"2006-5-8 12:0:0");
 
     CVEvent after;
     Read(
         after,
         {{L"DTSTART", L"20060508T100000"}, {L"DTEND", L"20060508T120000"}, {L"DURATION", L"PT1H"}});
-    EXPECT_EQ(Text(after.end), L"2006-5-8 11:0:0");
+    EXPECT_EQ(Text(after.Fields().end), L"2006-5-8 11:0:0");
 }
 
 TEST(VEventTest, ADurationWithoutAStartDoesNotFail)
@@ -659,7 +659,7 @@ TEST(VEventTest, AQuoteInsideATzidHidesTheDateFromTheNextLoad)
     root.AddLine(L"BEGIN:VEVENT");
     root.AddLine(line.substr(0, line.size() - 2));
     root.AddLine(L"END:VEVENT");
-    EXPECT_EQ(dynamic_cast<CVEvent&>(*root.FirstChild()).start.wYear, 0);
+    EXPECT_EQ(dynamic_cast<CVEvent&>(*root.FirstChild()).Fields().start.wYear, 0);
 }
 
 TEST(VEventTest, WritesAnUntilOfADateAloneWithAZeroClock)

@@ -28,7 +28,7 @@ std::vector<std::wstring> TextsOf(const Fields& fields)
 using Texts = std::vector<std::wstring>;
 
 // Every code unit from the first on, so many.
-std::wstring Units(unsigned first, std::size_t count)
+std::wstring Units(std::size_t first, std::size_t count)
 {
     std::wstring text;
     for (std::size_t i = 0; i < count; ++i)
@@ -88,7 +88,7 @@ TEST(CompactFieldsTest, KeepsEveryCodeUnitOfTextsOfAnyLength)
                                          Units(0, few),
                                          Units(150, few),
                                          Units(0xD7F0, few),
-                                         Units(0xFFFF - few + 1, few)})
+                                         Units(0x10000 - few, few)})
         {
             SetText(fields, 1, text);
             SetText(fields, 3, L"end");
