@@ -159,7 +159,8 @@ void FillStore(const ScratchDirectory& scratch, const std::vector<ULONG>& sizes)
     if (!file.Open(path, reason))
         throw std::runtime_error("the store's contents cannot be read");
     Database database = OpenStore(StorePath());
-    LoadStore(database, file, LoadMode::Merge);
+    // A run that was killed may have left contents under this name.
+    LoadStore(database, file, LoadMode::Replace);
 }
 
 class BenchStore
