@@ -257,6 +257,8 @@ TEST(ZoneDefinitionTest, ReadsWhatMailClientsWrote)
         EXPECT_EQ(definition->keyName, sample->second.name) << path;
         ASSERT_EQ(definition->rules.size(), sample->second.rules) << path;
         if (!definition->rules.empty())
+        {
             EXPECT_TRUE(Same(definition->rules[0], sample->second.first)) << path;
+        }
     }
 }
