@@ -2,6 +2,11 @@
 
 #include <algorithm>
 
+std::string JsonPathBelow(const std::string& path, std::string_view step)
+{
+    return path.empty() ? std::string(step) : path + "/" + std::string(step);
+}
+
 JsonPlace JsonPlace::At(size_t index) const
 {
     return JsonPlace(Array()[index], {}, this, index);
@@ -57,7 +62,7 @@ void JsonPlace::ExpectKeys(std::initializer_list<std::string_view> keys) const
     for (const auto& [name, node] : Object())
     {
         if (std::find(keys.begin(), keys.end(), name) == keys.end())
-            throw JsonProblem(node.line, Path() + "/" + name, "there is no such key here");
+            throw JsonProblem(node.line, JsonPathBelow(Path(), name), "there is no such key here");
     }
 }
 
@@ -70,6 +75,6 @@ std::string JsonPlace::Path() const
 {
     if (!m_parent)
         return std::string(m_key);
-    return m_parent->Path() + "/" +
-           (m_index == kNoIndex ? std::string(m_key) : std::to_string(m_index));
+    return JsonPathBelow(m_parent->Path(),
+                         m_index == kNoIndex ? std::string(m_key) : std::to_string(m_index));
 }

@@ -19,7 +19,7 @@ class JsonProblem : public std::runtime_error
     {
     }
     size_t Line() const noexcept { return m_line; }
-    // As /root/folders/0/name; empty for the whole text.
+    // As "folders/0/name", from the outermost value inwards; empty for that value itself.
     const std::string& Path() const noexcept { return m_path; }
 
   private:
@@ -44,6 +44,9 @@ struct JsonNode
                  Object>
         value = nullptr;
 };
+
+// The way to a value one step below that one: a key, or an index in an array.
+std::string JsonPathBelow(const std::string& path, std::string_view step);
 
 // A node with the way to it, for messages. Must not outlive what it was made from.
 class JsonPlace

@@ -166,10 +166,7 @@ class Handler : public nlohmann::json_sax<nlohmann::json>
     {
         std::string path;
         for (const Level& level : m_levels)
-        {
-            path += '/';
-            path += level.isArray ? std::to_string(level.next) : level.key;
-        }
+            path = JsonPathBelow(path, level.isArray ? std::to_string(level.next) : level.key);
         return path;
     }
 

@@ -437,57 +437,57 @@ TEST_F(StoreLoadTest, TellsWhereAWrongFileIsWrongAndWritesNothing)
         {"7", "1: : an object is needed here"},
         {"{}", "1: : the key \"format\" is missing"},
         {R"({"format": "PimStoreBridge store"})", "1: : the key \"version\" is missing"},
-        {R"({"format": "other", "version": 1})", "1: /format: this is no store"},
-        {R"({"format": 1, "version": 1})", "1: /format: a text is needed"},
-        {R"({"format": "PimStoreBridge store", "version": 2})", "1: /version: this version"},
-        {R"({"format": "PimStoreBridge store", "version": 1.5})", "1: /version: a whole number"},
-        {head + "\n\"oops\": 1}", "2: /oops: there is no such key here"},
-        {head + R"("root": [])" + "}", "1: /root: an object is needed here"},
-        {head + R"("root": {}, "root": {}})", "1: /root: the key \"root\" stands twice"},
-        {head + R"("root": {"folders": {}}})", "1: /root/folders: an array is needed here"},
-        {head + R"("root": {"folders": [[]]}})", "1: /root/folders/0: an object is needed here"},
-        {head + R"("root": {"messages": 5}})", "1: /root/messages: an "},
-        {head + R"("root": {"messages": [5]}})", "1: /root/messages/0: an object is needed here"},
+        {R"({"format": "other", "version": 1})", "1: format: this is no store"},
+        {R"({"format": 1, "version": 1})", "1: format: a text is needed"},
+        {R"({"format": "PimStoreBridge store", "version": 2})", "1: version: this version"},
+        {R"({"format": "PimStoreBridge store", "version": 1.5})", "1: version: a whole number"},
+        {head + "\n\"oops\": 1}", "2: oops: there is no such key here"},
+        {head + R"("root": [])" + "}", "1: root: an object is needed here"},
+        {head + R"("root": {}, "root": {}})", "1: root: the key \"root\" stands twice"},
+        {head + R"("root": {"folders": {}}})", "1: root/folders: an array is needed here"},
+        {head + R"("root": {"folders": [[]]}})", "1: root/folders/0: an object is needed here"},
+        {head + R"("root": {"messages": 5}})", "1: root/messages: an "},
+        {head + R"("root": {"messages": [5]}})", "1: root/messages/0: an object is needed here"},
         {head + R"("root": {"messages": [{"oops": 1}]}})",
-         "1: /root/messages/0/oops: there is no such key here"},
+         "1: root/messages/0/oops: there is no such key here"},
         {head + R"("root": {"messages": [{"entryId": 5}]}})",
-         "1: /root/messages/0/entryId: a text is needed here"},
+         "1: root/messages/0/entryId: a text is needed here"},
         {head + R"("root": {"messages": [{"entryId": "00"}]}})",
-         "1: /root/messages/0/entryId: this is no entry ID"},
+         "1: root/messages/0/entryId: this is no entry ID"},
         {head + R"("root": {"entryId": "000000005053050100000000000000000000000000000001"}})",
-         "1: /root/entryId: this is no entry ID"},
+         "1: root/entryId: this is no entry ID"},
         {head + R"("root": {"messages": [
            {"entryId": "000000005053050100000000000000000000000000000001"},
            {"entryId": "000000005053050100000000000000000000000000000001"}]}})",
-         "3: /root/messages/1: two objects of the file have this entry ID"},
+         "3: root/messages/1: two objects of the file have this entry ID"},
         {head + R"("root": {"messages": [{"created": "today"}]}})",
-         "1: /root/messages/0/created: a UTC time"},
+         "1: root/messages/0/created: a UTC time"},
         {head + R"("root": {"messages": [{"modified": 18446744073709551615}]}})",
-         "1: /root/messages/0/modified: the time is too far"},
+         "1: root/messages/0/modified: the time is too far"},
         {head + R"("root": {"messages": [{"attachments": [{"number": 0}, {"number": 0}]}]}})",
-         "1: /root/messages/0/attachments/1: two attachments"},
+         "1: root/messages/0/attachments/1: two attachments"},
         {head + R"("root": {"messages": [{"attachments": [{"number": -1}]}]}})",
-         "1: /root/messages/0/attachments/0/number: a whole number"},
-        {head + R"("root": {"roles": ["king"]}})", "1: /root/roles/0: there is no role \"king\""},
+         "1: root/messages/0/attachments/0/number: a whole number"},
+        {head + R"("root": {"roles": ["king"]}})", "1: root/roles/0: there is no role \"king\""},
         {head + R"("root": {"roles": ["inbox"], "folders": [{"roles": ["inbox"]}]}})",
-         "1: /root/folders/0/roles/0: two folders have the role"},
-        {head + R"("root": {"receives": [""]}})", "1: /root/receives/0: a message class"},
+         "1: root/folders/0/roles/0: two folders have the role"},
+        {head + R"("root": {"receives": [""]}})", "1: root/receives/0: a message class"},
         {head + R"("root": {"receives": ["A"], "folders": [{"receives": ["a"]}]}})",
-         "1: /root/folders/0/receives/0: two folders receive"},
+         "1: root/folders/0/receives/0: two folders receive"},
         {head +
              R"("root": {"name": "A", "properties": [{"tag": "PR_DISPLAY_NAME_W", "value": ""}]}})",
-         "1: /root/properties: this property stands twice"},
+         "1: root/properties: this property stands twice"},
         {head +
              R"("root": {"properties": [{"tag": "PR_DISPLAY_NAME_W", "value": ""}], "name": "A"}})",
-         "1: /root/name: this property stands twice"},
-        {head + R"("store": {"properties": {}}})", "1: /store/properties: an array is needed here"},
+         "1: root/name: this property stands twice"},
+        {head + R"("store": {"properties": {}}})", "1: store/properties: an array is needed here"},
         {head + R"("identity": {"entryId": "000000005053030100000000000000000000000000000001"}})",
-         "1: /identity/entryId: this is no entry ID"},
-        {head + "\"root\": {\"name\": \"\xC3(\"}}", "1: /root/name: syntax error"},
-        {head + "\"root\": {\"name\": \"\\ud800\"}}", "1: /root/name: syntax error"},
-        {head + R"("root": {"name": "A")", "1: /root/name: syntax error"},
+         "1: identity/entryId: this is no entry ID"},
+        {head + "\"root\": {\"name\": \"\xC3(\"}}", "1: root/name: syntax error"},
+        {head + "\"root\": {\"name\": \"\\ud800\"}}", "1: root/name: syntax error"},
+        {head + R"("root": {"name": "A")", "1: root/name: syntax error"},
         {head + R"("root": {}} x)", "1: : syntax error"},
-        {head + R"("root": {"messages": [{"created": 1e999}]}})", "1: /root/messages/0"},
+        {head + R"("root": {"messages": [{"created": 1e999}]}})", "1: root/messages/0"},
     };
     for (const Row& row : rows)
         EXPECT_THAT(Problem(row.json), testing::StartsWith(row.problem)) << row.json;
@@ -595,13 +595,12 @@ TEST_F(StoreLoadTest, TellsWhichPropertyIsWrong)
     for (const Row& row : rows)
         EXPECT_THAT(Problem(WithProperties(R"({"tag": "0x66000003", "value": 1},)" +
                                            std::string(row.property))),
-                    testing::StartsWith("1: /root/messages/0/properties/1" +
-                                        std::string(row.place) + ": " + row.text))
+                    testing::StartsWith("1: root/messages/0/properties/1" + std::string(row.place) +
+                                        ": " + row.text))
             << row.property;
-    EXPECT_THAT(
-        Problem(WithProperties(R"({"tag": "0x66000003", "value": 1},
+    EXPECT_THAT(Problem(WithProperties(R"({"tag": "0x66000003", "value": 1},
                                           {"tag": "0x6600001F", "value": "1"})")),
-        testing::StartsWith("2: /root/messages/0/properties/1: this property stands twice"));
+                testing::StartsWith("2: root/messages/0/properties/1: this property stands twice"));
 }
 
 TEST_F(StoreLoadTest, HostileSizesEndWithAMessage)
@@ -627,7 +626,7 @@ TEST_F(StoreLoadTest, HostileSizesEndWithAMessage)
         properties += R"(,{"set": "PSETID_Common", "id": )" + std::to_string(i) +
                       R"(, "type": "PT_LONG", "value": 1})";
     EXPECT_THAT(Problem(head + R"({"properties": [)" + properties + "], \"oops\": 1}}"),
-                HasSubstr("/root/oops: there is no such key"));
+                HasSubstr("root/oops: there is no such key"));
 }
 
 TEST_F(StoreLoadTest, AFailureWhileWritingTakesEverythingBack)
@@ -650,7 +649,7 @@ TEST_F(StoreLoadTest, AFailureWhileWritingTakesEverythingBack)
     catch (const JsonProblem& problem)
     {
         EXPECT_STREQ("the store has the folder of this entry ID in another place", problem.what());
-        EXPECT_EQ("/root/folders/0/folders/0", problem.Path());
+        EXPECT_EQ("root/folders/0/folders/0", problem.Path());
         EXPECT_EQ(3u, problem.Line());
     }
     EXPECT_EQ(before, Dump(database));
