@@ -1,6 +1,7 @@
 #include "localstore/BookContainer.h"
 
-#include "localstore/BookTable.h"
+#include "localstore/BookEntries.h"
+#include "localstore/StoreTable.h"
 
 namespace
 {
@@ -36,7 +37,9 @@ STDMETHODIMP BookContainer::GetContentsTable(ULONG flags, LPMAPITABLE* table)
     if (flags & ~kContentsFlags)
         return MAPI_E_UNKNOWN_FLAGS;
     return Session().Run([&] {
-        *table = MakeObject<BookTable>(SharedSession(), m_id).Detach();
+        *table =
+            MakeObject<StoreTable>(SharedSession(), MakeBookEntriesSource(SharedSession(), m_id))
+                .Detach();
         return S_OK;
     });
 }

@@ -11,7 +11,7 @@ class BookContainer
   public:
     BookContainer(std::shared_ptr<BookSession> session, std::int64_t id);
 
-    // The entries, as they stand at this call: see BookTable.h.
+    // The entries, as they stand at this call: see StoreTable.h.
     STDMETHODIMP GetContentsTable(ULONG flags, LPMAPITABLE* table) override;
     STDMETHODIMP GetHierarchyTable(ULONG flags, LPMAPITABLE* table) override;
     STDMETHODIMP OpenEntry(ULONG entryIdBytes,

@@ -14,7 +14,8 @@ constexpr ULONG kMaxSorts = 32;
 
 } // namespace
 
-StoreTable::StoreTable(std::shared_ptr<StoreSession> session, std::unique_ptr<TableSource> source)
+StoreTable::StoreTable(std::shared_ptr<StoreConnection> session,
+                       std::unique_ptr<TableSource> source)
     : m_session(std::move(session)), m_source(std::move(source)), m_keys(m_source->Keys()),
       m_columns(m_source->DefaultColumns())
 {

@@ -1,6 +1,6 @@
-// The tables of the store: the rows as they stood when the table was made, read at QueryRows. A row
-// that is gone by then is left out. Rows come in one buffer each and the set in another, as row
-// sets are freed.
+// The tables of the message store and of the address book: the rows as they stood when the table
+// was made, read at QueryRows. A row that is gone by then is left out. Rows come in one buffer each
+// and the set in another, as row sets are freed.
 #pragma once
 
 #include "localstore/ComObject.h"
@@ -15,8 +15,8 @@
 class StoreTable : public ComObject<IMAPITable, &IID_IMAPITable>
 {
   public:
-    // Inside StoreSession::Run.
-    StoreTable(std::shared_ptr<StoreSession> session, std::unique_ptr<TableSource> source);
+    // Inside StoreConnection::Run.
+    StoreTable(std::shared_ptr<StoreConnection> session, std::unique_ptr<TableSource> source);
 
     STDMETHODIMP GetLastError(HRESULT result, ULONG flags, LPMAPIERROR* error) override;
     STDMETHODIMP Advise(ULONG events, LPMAPIADVISESINK sink, ULONG* connection) override;
@@ -58,7 +58,7 @@ class StoreTable : public ComObject<IMAPITable, &IID_IMAPITable>
     HRESULT Origin(BOOKMARK origin, std::int64_t& row) const;
     void Sort(std::vector<std::int64_t>& keys) const;
 
-    std::shared_ptr<StoreSession> m_session;
+    std::shared_ptr<StoreConnection> m_session;
     std::unique_ptr<TableSource> m_source;
     std::vector<std::int64_t> m_keys;
     // The keys are all of the source in its own order.

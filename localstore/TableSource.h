@@ -16,7 +16,7 @@ class TableSource
   public:
     virtual ~TableSource() = default;
 
-    // All inside StoreSession::Run:
+    // All inside StoreConnection::Run:
 
     // The keys of the rows as they are now, ascending.
     virtual std::vector<std::int64_t> Keys() = 0;
