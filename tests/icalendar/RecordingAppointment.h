@@ -71,10 +71,7 @@ class RecordingAppointment final : public INAppointment, public INEntityItem
     STDMETHODIMP put_PersistID(BSTR value) override { return PutText("PersistID", value); }
     STDMETHODIMP get_AllDay(VARIANT_BOOL* value) override { return Get("AllDay", value, allDay); }
     STDMETHODIMP put_AllDay(VARIANT_BOOL value) override { return PutNumber("AllDay", value); }
-    STDMETHODIMP get_IsBusy(VARIANT_BOOL* value) override
-    {
-        return Get("IsBusy", value, isBusy);
-    }
+    STDMETHODIMP get_IsBusy(VARIANT_BOOL* value) override { return Get("IsBusy", value, isBusy); }
     STDMETHODIMP put_IsBusy(VARIANT_BOOL value) override { return PutNumber("IsBusy", value); }
     STDMETHODIMP get_RecurringInfo(_tagRecurringInfo* value) override
     {
