@@ -389,6 +389,15 @@ TEST_F(AppointmentReadingTest, WantsTheClassOfAppointmentsAlone)
     EXPECT_FALSE(table->IsWantedRow({2, row}));
 }
 
+TEST_F(AppointmentReadingTest, PutsNoPersistIdWhereTheMessageHasNoClass)
+{
+    store.AddMessage("classless", "calendar", StoreProps().Text(PR_SUBJECT_W, L"Subject"));
+    const std::uint64_t time = FileTimeOf(DateOf(2024, 1, 2, 3, 4));
+    store.SetTimes("classless", time, time);
+    EXPECT_EQ(Expected("classless", {{"PersistID", std::nullopt}, {"Subject", "Subject"}}),
+              TextOfAppointment(Read("classless").Get()));
+}
+
 TEST_F(AppointmentReadingTest, AsksForTheColumnsInTheirOrder)
 {
     Open();
@@ -561,8 +570,6 @@ TEST_F(AppointmentReadingTest, ReadsNothingBehindTheDeliveredCount)
 {
     AddAppointment("ann", {});
     Open();
-    // Once all names were known, the flag stays, whatever comes later.
-    table->GetPropertyNames();
     std::vector<std::byte> definition = Definition("India", {kIndia});
     std::vector<SPropValue> values(16);
     for (SPropValue& value : values)
@@ -578,6 +585,10 @@ TEST_F(AppointmentReadingTest, ReadsNothingBehindTheDeliveredCount)
                 return call;
         return std::string();
     };
+    // A column that was not asked for is not read either.
+    EXPECT_EQ("put TimeZone [Machine's own]", zoneOf(15));
+    // Once all names were known, the definition counts, whatever comes later.
+    table->GetPropertyNames();
     EXPECT_EQ("put TimeZone [India]", zoneOf(15));
     EXPECT_EQ("put TimeZone [Machine's own]", zoneOf(14));
     EXPECT_EQ("put TimeZone [Machine's own]", zoneOf(0));
