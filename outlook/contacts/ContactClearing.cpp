@@ -162,7 +162,8 @@ bool DeleteAttachments(IMessage& message, CNProxcy& proxy)
 void SaveWithoutPicture(IMAPIProp& message, CNProxcy& proxy)
 {
     const ULONG tag = FindNamedTag(message, proxy, kAddressNames, kHasPicture);
-    if (IsNamedTag(tag))
+    // An unknown name stands for nothing here too: the store refuses the tag of no property.
+    if (tag != 0)
     {
         PropertyArray values;
         values.AddBool(WithType(tag, PT_BOOLEAN), false);

@@ -1,6 +1,8 @@
 #include "outlook/contacts/ContactWriting.h"
 
 #include "outlook/contacts/ContactColumns.h"
+#include "outlook/contacts/ContactEmails.h"
+#include "outlook/contacts/ContactNameTags.h"
 #include "outlook/contacts/ContactPicture.h"
 #include "outlook/contacts/ContactValues.h"
 #include "outlook/store/NamedTags.h"
@@ -9,8 +11,6 @@
 #include "service/ServiceManager.h"
 #include "service/TimeConversions.h"
 
-#include <algorithm>
-#include <array>
 #include <iterator>
 #include <span>
 #include <string>
@@ -30,49 +30,10 @@ constexpr ULONG kSubject = 0x0037001F;      // PR_SUBJECT
 constexpr ULONG kIconIndex = 0x10800003;    // PR_ICON_INDEX
 constexpr LONG kContactIcon = 0x200;
 
-// clang-format off
-constexpr LONG kNames[] = {
-    0x8062, // PidLidInstantMessagingAddress
-    0x8083, // PidLidEmail1EmailAddress
-    0x8080, // PidLidEmail1DisplayName
-    0x8084, // PidLidEmail1OriginalDisplayName
-    0x8082, // PidLidEmail1AddressType
-    0x8093, // PidLidEmail2EmailAddress
-    0x8090, // PidLidEmail2DisplayName
-    0x8094, // PidLidEmail2OriginalDisplayName
-    0x8092, // PidLidEmail2AddressType
-    0x80A3, // PidLidEmail3EmailAddress
-    0x80A0, // PidLidEmail3DisplayName
-    0x80A4, // PidLidEmail3OriginalDisplayName
-    0x80A2, // PidLidEmail3AddressType
-    0x80DE, // PidLidBirthdayLocal
-    0x80DF, // PidLidWeddingAnniversaryLocal
-    0x8005, // PidLidFileUnder
-    0x8006, // PidLidFileUnderId
-    0x8028, // PidLidAddressBookProviderEmailList
-    0x8029, // PidLidAddressBookProviderArrayType
-};
-// clang-format on
-static_assert(std::size(kNames) == 19);
-
 constexpr LONG kHasPicture = 0x8015; // PidLidHasPicture
 constexpr LONG kStampNames[] = {
     0x8581, // PidLidInternetAccountStamp
     0x8580, // PidLidInternetAccountName
-};
-
-struct EmailSlot
-{
-    LONG address;
-    LONG display;
-    LONG originalDisplay;
-    LONG type;
-};
-
-constexpr EmailSlot kEmailSlots[] = {
-    {0x8083, 0x8080, 0x8084, 0x8082},
-    {0x8093, 0x8090, 0x8094, 0x8092},
-    {0x80A3, 0x80A0, 0x80A4, 0x80A2},
 };
 
 // How a text is written.
@@ -141,28 +102,6 @@ std::vector<std::wstring> TextsOf(SAFEARRAY* array)
         texts.push_back(TextOf(elements.Data()[i]));
     return texts;
 }
-
-// The tags of kNames, by their numbers.
-class NamedTags
-{
-  public:
-    NamedTags(IMAPIProp& container, CNProxcy& proxy)
-    {
-        if (const auto found = TryFindNamedTags(container, proxy, kAddressNames, kNames))
-            std::copy(found->begin(), found->end(), m_tags.begin());
-    }
-
-    // With the type; 0 where the store does not know the name.
-    ULONG Of(LONG name, ULONG type) const
-    {
-        const auto place = std::find(std::begin(kNames), std::end(kNames), name);
-        const ULONG tag = m_tags[static_cast<std::size_t>(place - std::begin(kNames))];
-        return IsNamedTag(tag) ? WithType(tag, type) : 0;
-    }
-
-  private:
-    std::array<ULONG, std::size(kNames)> m_tags = {};
-};
 
 class Writer
 {
@@ -242,38 +181,7 @@ class Writer
         UniqueSafeArray array;
         if (FAILED(m_contact.get_Emails(array.Put())))
             return;
-        LONG mask = 0;
-        std::vector<LONG> used;
-        std::size_t slot = 0;
-        for (const std::wstring& address : TextsOf(array.Get()))
-        {
-            if (address.empty())
-                continue;
-            if (slot == std::size(kEmailSlots))
-                break;
-            if (AddEmail(kEmailSlots[slot], address))
-            {
-                mask |= 1 << slot;
-                used.push_back(static_cast<LONG>(slot));
-            }
-            ++slot;
-        }
-        if (used.empty())
-            return;
-        if (const ULONG tag = m_tags.Of(0x8029, PT_LONG))
-            m_values.AddLong(tag, mask);
-        if (const ULONG tag = m_tags.Of(0x8028, PT_MV_LONG))
-            m_values.AddLongs(tag, used);
-    }
-
-    // Whether the address itself could be written.
-    bool AddEmail(const EmailSlot& slot, const std::wstring& address)
-    {
-        AddNamedText(slot.address, address);
-        AddNamedText(slot.display, m_displayName + L" (" + address + L")");
-        AddNamedText(slot.originalDisplay, address);
-        AddNamedText(slot.type, L"SMTP");
-        return m_tags.Of(slot.address, PT_UNICODE) != 0;
+        AddContactEmails(m_values, TextsOf(array.Get()), m_displayName, m_tags);
     }
 
     void AddAddresses()
@@ -388,7 +296,7 @@ class Writer
     INContactItem& m_contact;
     double m_zoneBiasDays;
     const ContactTarget& m_target;
-    NamedTags m_tags;
+    ContactNameTags m_tags;
     std::wstring m_displayName;
     FileAs m_fileAs;
     PropertyArray m_values;
