@@ -170,17 +170,26 @@ ContactColumnTags FindContactColumns(IMAPIProp& container, IMAPIProp* message, C
     const std::size_t dates = named.size() - 2;
     const bool hasLocalDates = PROP_TYPE(named.front()) != PT_ERROR && PROP_ID(named[dates]) != 0 &&
                                PROP_ID(named[dates + 1]) != 0;
-    ContactColumnTags columns = {{}, hasLocalDates};
     auto nextName = named.begin();
     auto nextWork = work.begin();
-    for (const Column& column : kColumns)
-    {
-        if (column.source == Source::LocalDate && !hasLocalDates)
+    const auto tagOf = [&](const Column& column) {
+        switch (column.source)
+        {
+        case Source::Name:
+        case Source::LocalDate:
+            return *nextName++;
+        case Source::Work:
+            return *nextWork++;
+        case Source::Keywords:
+            return keywords;
+        case Source::Tag:
             break;
-        columns.tags.push_back(column.source == Source::Tag        ? column.tag
-                               : column.source == Source::Work     ? *nextWork++
-                               : column.source == Source::Keywords ? keywords
-                                                                   : *nextName++);
-    }
+        }
+        return column.tag;
+    };
+    ContactColumnTags columns = {{}, hasLocalDates};
+    for (const Column& column : kColumns)
+        if (column.source != Source::LocalDate || hasLocalDates)
+            columns.tags.push_back(tagOf(column));
     return columns;
 }

@@ -3,9 +3,13 @@
 #include "outlook/contacts/ContactTableFixture.h"
 #include "tests/recordingstore/FaultHarness.h"
 
+#include <gmock/gmock.h>
+
 #include <fstream>
 
 using Microsoft::WRL::ComPtr;
+using testing::Contains;
+using testing::ElementsAre;
 
 namespace
 {
@@ -72,8 +76,11 @@ class ContactFaultTest : public testing::Test
         return folder;
     }
 
-    // A session with a table, and what to do with it.
-    void Run(const char* name, const std::function<void(COutlookAddressTable&)>& work)
+    // A session with a table, and what to do with it; without a failure that gives what the check
+    // expects.
+    void Run(const char* name,
+             const std::function<void(COutlookAddressTable&)>& work,
+             const std::function<void(RecordingStore&)>& checkSuccess)
     {
         const FaultTotals totals =
             RunFaults({.name = name,
@@ -97,7 +104,11 @@ class ContactFaultTest : public testing::Test
                                    {{folder, true, 1, HexOf(contactsID), L"Contacts"}});
                                work(table);
                            },
-                       .check = {}},
+                       .check =
+                           [&](const FaultRun& run, RecordingStore& store) {
+                               if (run.fault == StoreFault::None)
+                                   checkSuccess(store);
+                           }},
                       kAllFaults);
         EXPECT_GT(totals.runs, 30u);
     }
@@ -124,43 +135,74 @@ class ContactFaultTest : public testing::Test
 
 TEST_F(ContactFaultTest, LoadingAndReading)
 {
-    Run("load and read", [](COutlookAddressTable& table) {
-        table.GetItemIDs();
-        table.ResetItem();
-        table.GetNextItem();
-        table.GetNextItem();
-        EXPECT_FALSE(CurrentItem(table));
-    });
+    TextLines read;
+    Run(
+        "load and read",
+        [&](COutlookAddressTable& table) {
+            table.GetItemIDs();
+            table.ResetItem();
+            table.GetNextItem();
+            const auto contact = QueryItem<INContactItem>(CurrentItem(table).Get());
+            read = contact ? TextOfContact(contact.Get()) : TextLines();
+            table.GetNextItem();
+            EXPECT_FALSE(CurrentItem(table));
+        },
+        [&](RecordingStore&) {
+            std::erase_if(read,
+                          [](const std::string& line) { return line.starts_with("Picture"); });
+            EXPECT_THAT(read,
+                        ElementsAre("FirstName \"Ann\"",
+                                    "Notes \"note\"",
+                                    "Email \"a@b\"",
+                                    "Business.City \"Bonn\"",
+                                    testing::StartsWith("Birthday "),
+                                    "Category \"Friends\""));
+        });
 }
 
 TEST_F(ContactFaultTest, Adding)
 {
     const std::wstring picture = files.File(L"a.jpg");
     std::ofstream(std::filesystem::path(picture), std::ios::binary) << "abc";
-    Run("add", [&](COutlookAddressTable& table) {
-        std::wstring folderID;
-        const auto contact = Ann(picture);
-        table.AddItem(QueryItem<INEntityItem>(contact.Get()).Get(), folderID);
-        EXPECT_EQ(L"", folderID);
-    });
+    Run(
+        "add",
+        [&](COutlookAddressTable& table) {
+            std::wstring folderID;
+            const auto contact = Ann(picture);
+            table.AddItem(QueryItem<INEntityItem>(contact.Get()).Get(), folderID);
+            EXPECT_EQ(L"", folderID);
+        },
+        [](RecordingStore& store) {
+            EXPECT_THAT(store.PropsOf("new 1"), Contains("3A06001F \"Ann\""));
+            EXPECT_THAT(store.PropsOf("new 1#0"), Contains("37010102 <616263>"));
+        });
 }
 
 TEST_F(ContactFaultTest, Updating)
 {
     const std::wstring picture = files.File(L"a.jpg");
     std::ofstream(std::filesystem::path(picture), std::ios::binary) << "abc";
-    Run("update", [&](COutlookAddressTable& table) {
-        table.GetItemIDs();
-        table.ResetItem();
-        const auto contact = Ann(picture);
-        table.UpdateItem(QueryItem<INEntityItem>(contact.Get()).Get());
-    });
+    Run(
+        "update",
+        [&](COutlookAddressTable& table) {
+            table.GetItemIDs();
+            table.ResetItem();
+            const auto contact = Ann(picture);
+            table.UpdateItem(QueryItem<INEntityItem>(contact.Get()).Get());
+        },
+        [](RecordingStore& store) {
+            EXPECT_THAT(store.PropsOf("ann"), Contains("8083001F \"a@b\""));
+            EXPECT_THAT(store.ChildrenOf("ann"), testing::SizeIs(1));
+        });
 }
 
 TEST_F(ContactFaultTest, Deleting)
 {
-    Run("delete", [this](COutlookAddressTable& table) {
-        table.GetItemIDs();
-        table.DeleteItem(annID);
-    });
+    Run(
+        "delete",
+        [this](COutlookAddressTable& table) {
+            table.GetItemIDs();
+            table.DeleteItem(annID);
+        },
+        [](RecordingStore& store) { EXPECT_FALSE(store.Exists("ann")); });
 }
