@@ -109,6 +109,33 @@ DATE MinutesToDate(std::uint32_t minutes)
     return FileTimeToDate(FileTimeFromTicks(minutes * kTicksPerMinute));
 }
 
+std::uint32_t FileTimeToMinutes(FILETIME time)
+{
+    return static_cast<std::uint32_t>(TicksFromFileTime(time) / kTicksPerMinute);
+}
+
+std::uint32_t DateToMinutes(DATE date)
+{
+    // Plain arithmetic where no platform could come to another minute: for DATEs above zero, whose
+    // time counts forward, and away from the half second that may make a minute full.
+    constexpr std::uint32_t kDayOfZeroDate = 109205; // 1899-12-30 from 1601-01-01
+    constexpr DATE kLastDay = 2'958'465.0;           // 9999-12-31
+    constexpr double kMinutesPerDay = 1440.0;
+    constexpr double kHalfSecond = 0.5 / 60.0;
+    constexpr double kDoubt = 0.01 / 60.0;
+    if (date >= 1.0 && date < kLastDay)
+    {
+        const int day = static_cast<int>(date);
+        const double time = (date - day) * kMinutesPerDay + kHalfSecond;
+        const int minutes = static_cast<int>(time);
+        const double rest = time - minutes;
+        if (rest > kDoubt && rest < 1.0 - kDoubt)
+            return (static_cast<std::uint32_t>(day) + kDayOfZeroDate) * 1440 +
+                   static_cast<std::uint32_t>(minutes);
+    }
+    return FileTimeToMinutes(DateToFileTime(date));
+}
+
 std::int64_t DateToUnixSeconds(DATE date)
 {
     SYSTEMTIME time{};

@@ -26,6 +26,13 @@ FILETIME DateToFileTime(DATE date);
 // Minutes since 1601-01-01 00:00.
 DATE MinutesToDate(std::uint32_t minutes);
 
+// The other way: whole minutes, cut, and the low 32 bits of them.
+std::uint32_t FileTimeToMinutes(FILETIME time);
+
+// The same of a DATE, cut to whole minutes behind the platform's rounding to the nearest second.
+// 0 for one that is no time from 1601 on.
+std::uint32_t DateToMinutes(DATE date);
+
 // --- Arithmetic --------------------------------------------------------------------------------
 
 // Seconds since 1970 for the years 1971 to 2070, else 0. Kept as it is: a leap year's February

@@ -113,6 +113,50 @@ TEST(TimeConversionsTest, CountsMinutesFrom1601)
     EXPECT_NEAR(2873411.0 + 255.0 / 1440.0, MinutesToDate(UINT_MAX), kTolerance);
 }
 
+TEST(TimeConversionsTest, CutsFileTimesToWholeMinutes)
+{
+    const auto fileTimeOf = [](std::uint64_t ticks) {
+        return FILETIME{static_cast<decltype(FILETIME::dwLowDateTime)>(ticks),
+                        static_cast<decltype(FILETIME::dwHighDateTime)>(ticks >> 32)};
+    };
+    EXPECT_EQ(0u, FileTimeToMinutes(fileTimeOf(599'999'999)));
+    EXPECT_EQ(1u, FileTimeToMinutes(fileTimeOf(600'000'000)));
+    EXPECT_EQ(UINT_MAX, FileTimeToMinutes(fileTimeOf(0xFFFFFFFFull * 600'000'000)));
+    EXPECT_EQ(0u, FileTimeToMinutes(fileTimeOf(0x100000000ull * 600'000'000)));
+}
+
+TEST(TimeConversionsTest, CutsDatesToWholeMinutes)
+{
+    constexpr std::uint32_t kMillennium = 145731u * 1440u; // 2000-01-01, day 36526
+    EXPECT_EQ(0u, DateToMinutes(-109205.0));
+    EXPECT_EQ(109205u * 1440u, DateToMinutes(0.0));
+    EXPECT_EQ(109204u * 1440u + 720u, DateToMinutes(-1.5)); // 1899-12-29 12:00
+    EXPECT_EQ(kMillennium + 570u, DateToMinutes(36526.0 + 570.0 / 1440.0));
+    // To the nearest second first.
+    EXPECT_EQ(kMillennium + 570u, DateToMinutes(36526.0 + (570.0 * 60.0 - 0.4) * kSecond));
+    EXPECT_EQ(kMillennium + 569u, DateToMinutes(36526.0 + (570.0 * 60.0 - 0.6) * kSecond));
+    EXPECT_EQ(kMillennium + 570u, DateToMinutes(36526.0 + (570.0 * 60.0 + 59.4) * kSecond));
+    EXPECT_EQ(kMillennium + 1440u, DateToMinutes(36527.0 - 0.4 * kSecond));
+    // 4417444800 minutes, less 2^32.
+    EXPECT_EQ(122477504u, DateToMinutes(2958465.0));
+    for (const double none :
+         {-109206.0, -657434.0, 2958466.0, 1e300, -1e300, kInfinity, kNotANumber})
+        EXPECT_EQ(0u, DateToMinutes(none)) << none;
+}
+
+TEST(TimeConversionsTest, CutsAnyDateAsItsFileTime)
+{
+    // Every kind of second of a minute, halves and what lies just beside them among them.
+    for (double date = -1000.0; date < 2'958'470.0; date += 4711.0)
+        for (const double minute : {0.0, 1.0, 719.0, 720.0, 1439.0})
+            for (const double second : {0.0, 0.3, 29.5, 59.0, 59.4, 59.4999, 59.5, 59.5001, 59.9})
+            {
+                const double time = (minute * 60.0 + second) * kSecond;
+                const DATE whole = date < 0.0 ? date - time : date + time;
+                ASSERT_EQ(FileTimeToMinutes(DateToFileTime(whole)), DateToMinutes(whole)) << whole;
+            }
+}
+
 TEST(TimeConversionsTest, CountsUnixSecondsThroughACommonYear)
 {
     // 2001-01-01 is 11,323 days after 1970-01-01; the months add their own days.
