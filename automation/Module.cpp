@@ -6,7 +6,10 @@ namespace
 {
 std::unique_ptr<IRegistration> MakeRegistration(CServerModule& module)
 {
-    return std::make_unique<CRegistration>(module, GetModulePath(nullptr));
+    return std::make_unique<CRegistration>(
+        RegistrationScope::Machine, GetModulePath(nullptr), [&](IRegistrar* registrar) {
+            return module.AddCommonRGSReplacements(registrar);
+        });
 }
 } // namespace
 
@@ -66,9 +69,12 @@ HRESULT CPimStoreBridgeModule::ApplyRegistration(ServerSwitch action) noexcept
 {
     try
     {
+        std::vector<WORD> scripts;
+        for (const ObjectMapEntry& row : m_map)
+            scripts.push_back(row.script);
         const std::unique_ptr<IRegistration> registration = m_system.makeRegistration(*this);
-        return action == ServerSwitch::RegServer ? RegisterServer(*registration, m_map)
-                                                 : UnregisterServer(*registration, m_map);
+        return action == ServerSwitch::RegServer ? RegisterServer(*registration, scripts)
+                                                 : UnregisterServer(*registration, scripts);
     }
     catch (...)
     {
@@ -121,7 +127,7 @@ LONG CPimStoreBridgeModule::Unlock() noexcept
 
 HRESULT CPimStoreBridgeModule::AddCommonRGSReplacements(IRegistrar* registrar) noexcept
 {
-    return registrar->AddReplacement(L"APPID", L"{7D0DF4B7-8A10-4AA6-900B-9B106B7D0331}");
+    return registrar->AddReplacement(L"APPID", kApplicationId);
 }
 
 bool CPimStoreBridgeModule::StartMonitor() noexcept

@@ -13,6 +13,8 @@
 #include "platform/UniqueHandle.h"
 
 #include <atomic>
+#include <memory>
+#include <vector>
 
 // What the module asks of the system, replaceable in tests.
 struct ModuleSystem

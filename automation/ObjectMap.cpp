@@ -9,10 +9,13 @@
 #include "automation/Enumerator.h"
 #include "automation/ObjectFactory.h"
 #include "automation/PersonalInformationService.h"
+#include "automation/RegistrationScripts.h"
 #include "automation/UserProperties.h"
 
 namespace
 {
+using namespace RegistrationScript;
+
 void NothingToStart(bool) noexcept {}
 
 constexpr ObjectMapEntry Row(const CLSID& clsid, WORD script, CreatorFunction* create)
@@ -22,16 +25,16 @@ constexpr ObjectMapEntry Row(const CLSID& clsid, WORD script, CreatorFunction* c
 
 // clang-format off
 constexpr ObjectMapEntry kObjectMap[] = {
-    Row(CLSID_NAddressBook,                103, &CNAddressBook::CreateInstance),
-    Row(CLSID_NAppointment,                107, &CNAppointment::CreateInstance),
-    Row(CLSID_NCalendar,                   104, &CNCalendar::CreateInstance),
-    Row(CLSID_NContactCategory,            109, &CNContactCategory::CreateInstance),
-    Row(CLSID_NContactGroup,               106, &CNContactGroup::CreateInstance),
-    Row(CLSID_NContactItem,                105, &CNContactItem::CreateInstance),
-    Row(CLSID_NEnumerator,                 110, &CNEnumerator::CreateInstance),
-    Row(CLSID_NObjectFactory64,            112, &CNObjectFactory::CreateInstance),
-    Row(CLSID_NPersonalInformationService, 102, &CNPersonalInformationService::CreateInstance),
-    Row(CLSID_NUserProperties,             108, &CNUserProperties::CreateInstance),
+    Row(CLSID_NAddressBook,                kAddressBook, &CNAddressBook::CreateInstance),
+    Row(CLSID_NAppointment,                kAppointment, &CNAppointment::CreateInstance),
+    Row(CLSID_NCalendar,                   kCalendar, &CNCalendar::CreateInstance),
+    Row(CLSID_NContactCategory,            kContactCategory, &CNContactCategory::CreateInstance),
+    Row(CLSID_NContactGroup,               kContactGroup, &CNContactGroup::CreateInstance),
+    Row(CLSID_NContactItem,                kContactItem, &CNContactItem::CreateInstance),
+    Row(CLSID_NEnumerator,                 kEnumerator, &CNEnumerator::CreateInstance),
+    Row(CLSID_NObjectFactory64,            kObjectFactory64, &CNObjectFactory::CreateInstance),
+    Row(CLSID_NPersonalInformationService, kPersonalInformationService, &CNPersonalInformationService::CreateInstance),
+    Row(CLSID_NUserProperties,             kUserProperties, &CNUserProperties::CreateInstance),
 };
 // clang-format on
 } // namespace

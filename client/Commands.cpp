@@ -312,15 +312,17 @@ int RunDelete(const Context& context)
 
 int RunRegister(const Context& context)
 {
-    ChangeRegistration(RegistrationChange::Register);
-    context.Print(L"The server is registered.\n");
+    ChangeRegistration(RegistrationChange::Register, context.command.forUser);
+    context.Print(context.command.forUser ? L"The server is registered for this user.\n"
+                                          : L"The server is registered.\n");
     return kExitOk;
 }
 
 int RunUnregister(const Context& context)
 {
-    ChangeRegistration(RegistrationChange::Unregister);
-    context.Print(L"The server is no longer registered.\n");
+    ChangeRegistration(RegistrationChange::Unregister, context.command.forUser);
+    context.Print(context.command.forUser ? L"The server is no longer registered for this user.\n"
+                                          : L"The server is no longer registered.\n");
     return kExitOk;
 }
 } // namespace

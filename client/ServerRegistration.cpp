@@ -1,5 +1,7 @@
 #include "client/ServerRegistration.h"
 
+#include "automation/Registrar.h"
+#include "automation/Registration.h"
 #include "client/Failure.h"
 #include "client/core/CommandLine.h"
 #include "platform/UniqueHandle.h"
@@ -58,9 +60,17 @@ HRESULT RunServer(const std::wstring& path, const wchar_t* change)
         return HRESULT_FROM_WIN32(GetLastError());
     return static_cast<HRESULT>(exitCode);
 }
+HRESULT ChangeUserRegistration(const std::wstring& path, bool isRegister)
+{
+    CRegistration registration(RegistrationScope::User, path, [](IRegistrar* registrar) {
+        return registrar->AddReplacement(L"APPID", kApplicationId);
+    });
+    return isRegister ? RegisterServer(registration, kClassScripts)
+                      : UnregisterServer(registration, kClassScripts);
+}
 } // namespace
 
-void ChangeRegistration(RegistrationChange change)
+void ChangeRegistration(RegistrationChange change, bool forUser)
 {
     const bool isRegister = change == RegistrationChange::Register;
     const std::wstring path = PathBeside(kServerName);
@@ -68,14 +78,15 @@ void ChangeRegistration(RegistrationChange change)
         throw Failure{kExitNoServer,
                       L"The server's program is not there: " + path +
                           L". Put pim.exe and PimStoreBridge.exe into one folder."};
-    const HRESULT result = RunServer(path, isRegister ? L"-RegServer" : L"-UnregServer");
+    const HRESULT result = forUser ? ChangeUserRegistration(path, isRegister)
+                                   : RunServer(path, isRegister ? L"-RegServer" : L"-UnregServer");
     if (SUCCEEDED(result))
         return;
     std::wstring text = isRegister ? L"The server could not be registered ("
                                    : L"The server's registration could not be taken back (";
     text += ResultText(result) + L").";
-    if (result == E_ACCESSDENIED)
-        text += L" Run it again as an administrator.";
+    if (result == E_ACCESSDENIED && !forUser)
+        text += L" Run it again as an administrator, or for yourself alone with --user.";
     throw Failure{kExitFailed, text};
 }
 } // namespace pim

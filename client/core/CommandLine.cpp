@@ -48,6 +48,7 @@ struct TypedOptions
     bool isTimed = false;
     bool asJson = false;
     bool isWide = false;
+    bool forUser = false;
 };
 
 // A wrong value of an option.
@@ -277,9 +278,11 @@ CommandLineResult ParseCommandLine(std::vector<std::string> arguments, const std
     AddItemOptions(*update, typed);
     CLI::App* remove = calendar->add_subcommand("delete", "Delete appointments");
     remove->add_option("ID", typed.ids, "The items' IDs, or their beginnings")->required();
-    const CLI::App* enroll =
+    CLI::App* enroll =
         app.add_subcommand("register", "Register the server that lies beside this program");
-    const CLI::App* withdraw = app.add_subcommand("unregister", "Take that registration back");
+    CLI::App* withdraw = app.add_subcommand("unregister", "Take that registration back");
+    for (CLI::App* change : {enroll, withdraw})
+        change->add_flag("--user", typed.forUser, "For this user alone; needs no administrator");
 
     CommandLineResult result;
     try
@@ -320,6 +323,7 @@ CommandLineResult ParseCommandLine(std::vector<std::string> arguments, const std
     command.kind = choice->kind;
     command.asJson = typed.asJson;
     command.isWide = typed.isWide;
+    command.forUser = typed.forUser;
     command.ids = WideList(typed.ids);
     if (app.count("--provider") > 0)
         command.provider = WideFromUtf8(typed.provider);

@@ -37,6 +37,7 @@ struct Command
     std::optional<std::wstring> provider;
     bool asJson = false;
     bool isWide = false;
+    bool forUser = false; // a registration among the user's own classes
     std::vector<std::wstring> ids;
     ItemOptions item;
 };

@@ -1,5 +1,6 @@
 // The object map against the list of classes that the server serves.
 #include "automation/ObjectMap.h"
+#include "automation/RegistrationScripts.h"
 
 #include "support/ComAssert.h"
 
@@ -34,6 +35,14 @@ TEST(ObjectMapTest, ServesTenClassesInOrderWithTheirScripts)
         EXPECT_TRUE(IsEqualGUID(clsid, *map[i].clsid)) << i;
         EXPECT_EQ(expected[i].script, map[i].script) << i;
     }
+}
+
+TEST(ObjectMapTest, TheListOfScriptsIsThatOfTheMap)
+{
+    std::vector<WORD> scripts;
+    for (const ObjectMapEntry& row : GetObjectMap())
+        scripts.push_back(row.script);
+    EXPECT_EQ(scripts, std::vector<WORD>(std::begin(kClassScripts), std::end(kClassScripts)));
 }
 
 TEST(ObjectMapTest, EveryCreatorClearsItsOutputAndRefusesNull)

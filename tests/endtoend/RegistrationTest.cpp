@@ -212,3 +212,76 @@ TEST_F(RegistrationTest, AnotherWordIsNoSwitchAndTheServerServes)
         EXPECT_EQ(m_clean, DumpClasses());
     }
 }
+
+namespace
+{
+// The system's own keys among the user's classes, there while a test runs: a registration leaves
+// them behind, whoever made them.
+class UserClassesTest : public RegistrationTest
+{
+  protected:
+    static constexpr const wchar_t* kSystemKeys[] = {L"AppID", L"CLSID", L"Interface", L"TypeLib"};
+
+    void SetUp() override
+    {
+        RegistrationTest::SetUp();
+        ASSERT_EQ(ERROR_SUCCESS,
+                  RegCreateKeyW(HKEY_CURRENT_USER, L"Software\\Classes", m_classes.Put()));
+        for (const wchar_t* name : kSystemKeys)
+        {
+            UniqueRegistryKey key;
+            DWORD made = 0;
+            ASSERT_EQ(
+                ERROR_SUCCESS,
+                RegCreateKeyExW(
+                    m_classes.Get(), name, 0, nullptr, 0, KEY_READ, nullptr, key.Put(), &made));
+            if (made == REG_CREATED_NEW_KEY)
+                m_made.push_back(name);
+        }
+        m_userClean = DumpUserClasses();
+        m_allClean = DumpClasses();
+    }
+    void TearDown() override
+    {
+        for (const wchar_t* name : m_made)
+            EXPECT_EQ(ERROR_SUCCESS, RegDeleteKeyW(m_classes.Get(), name));
+        RegistrationTest::TearDown();
+    }
+    static std::wstring Pim(const wchar_t* arguments)
+    {
+        return L'"' + DirectoryOf(ServerPath()) + L"pim.exe\" " + arguments;
+    }
+
+    UniqueRegistryKey m_classes;
+    std::vector<const wchar_t*> m_made;
+    std::set<std::wstring> m_userClean;
+    std::set<std::wstring> m_allClean;
+};
+} // namespace
+
+// That a client is then served is the system's business, which shows the user's classes among all
+// classes; the runtime of these tests does not do so.
+TEST_F(UserClassesTest, PimWritesTheSameKeysForTheUserAloneAndTakesThemOut)
+{
+    EXPECT_EQ(0u, RunProgram(Pim(L"register --user"), kTimeoutMilliseconds));
+    ExpectRegistered(Difference(DumpUserClasses(), m_userClean), ServerPath());
+    // Nothing stands among the machine's classes.
+    ExpectRegistered(Difference(DumpClasses(), m_allClean), ServerPath());
+    // Taking back the machine's registration, which there is none of, leaves the user's alone.
+    EXPECT_NE(0u, RunProgram(Pim(L"unregister"), kTimeoutMilliseconds));
+    ExpectRegistered(Difference(DumpUserClasses(), m_userClean), ServerPath());
+
+    EXPECT_EQ(0u, RunProgram(Pim(L"unregister --user"), kTimeoutMilliseconds));
+    EXPECT_EQ(m_userClean, DumpUserClasses());
+    EXPECT_EQ(m_allClean, DumpClasses());
+}
+
+TEST_F(UserClassesTest, TheUsersRegistrationLeavesTheMachinesAlone)
+{
+    ASSERT_EQ(0u, RegisterServerAt(ServerPath()));
+    const auto registered = DumpClasses();
+    EXPECT_EQ(0u, RunProgram(Pim(L"register --user"), kTimeoutMilliseconds));
+    EXPECT_EQ(0u, RunProgram(Pim(L"unregister --user"), kTimeoutMilliseconds));
+    EXPECT_EQ(registered, DumpClasses());
+    EXPECT_EQ(0u, UnregisterServerAt(ServerPath()));
+}

@@ -70,6 +70,13 @@ std::set<std::wstring> DumpClasses()
 {
     std::set<std::wstring> lines;
     DumpKey(HKEY_LOCAL_MACHINE, L"Software\\Classes", L"", lines);
+    lines.merge(DumpUserClasses());
+    return lines;
+}
+
+std::set<std::wstring> DumpUserClasses()
+{
+    std::set<std::wstring> lines;
     DumpKey(HKEY_CURRENT_USER, L"Software\\Classes", L"", lines);
     return lines;
 }

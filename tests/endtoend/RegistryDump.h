@@ -8,3 +8,6 @@
 // "key | name | text"; values that are no text as "key | name | (type N)". Keys that a runtime
 // keeps once more for the other processor width are folded into the plain ones.
 std::set<std::wstring> DumpClasses();
+
+// The user's alone.
+std::set<std::wstring> DumpUserClasses();

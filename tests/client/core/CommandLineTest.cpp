@@ -39,6 +39,10 @@ TEST(CommandLineTest, KnowsTheCommands)
     EXPECT_EQ(Parsed({"whoami"}).kind, CommandKind::WhoAmI);
     EXPECT_EQ(Parsed({"folders", "--json"}).kind, CommandKind::Folders);
     EXPECT_EQ(Parsed({"register"}).kind, CommandKind::Register);
+    EXPECT_FALSE(Parsed({"register"}).forUser);
+    EXPECT_EQ(Parsed({"register", "--user"}).kind, CommandKind::Register);
+    EXPECT_TRUE(Parsed({"register", "--user"}).forUser);
+    EXPECT_TRUE(Parsed({"unregister", "--user"}).forUser);
     EXPECT_EQ(Parsed({"unregister"}).kind, CommandKind::Unregister);
     EXPECT_EQ(Parsed({"calendar", "list"}).kind, CommandKind::List);
     EXPECT_TRUE(Parsed({"calendar", "list", "--wide"}).isWide);
