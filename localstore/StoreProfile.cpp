@@ -1,5 +1,7 @@
 #include "localstore/StoreProfile.h"
 
+#include "localstore/UsualNames.h"
+
 #include <algorithm>
 #include <cstring>
 #include <iterator>
@@ -237,7 +239,8 @@ UserIdentity LoggedOnUser()
 
 bool LacksProfile(Database& database)
 {
-    return !RootFolder(database) || database.QueryInteger("SELECT count(*) FROM identity") == 0;
+    return !RootFolder(database) ||
+           database.QueryInteger("SELECT count(*) FROM identity") == 0 || LacksUsualNames(database);
 }
 
 bool EnsureDefaultProfile(Database& database, const UserIdentity& user)
@@ -252,6 +255,8 @@ bool EnsureDefaultProfile(Database& database, const UserIdentity& user)
         AddIdentity(database, user);
     if (!RootFolder(database))
         AddFolders(database);
+    if (LacksUsualNames(database))
+        MakeUsualNames(database);
     transaction.Commit();
     return true;
 }

@@ -72,8 +72,8 @@ UserIdentity LoggedOnUser();
 // Whether a store lacks something that EnsureDefaultProfile makes.
 bool LacksProfile(Database& database);
 
-// Makes what a store needs for a logon, where it is missing: the identity; a root with the
-// subtree "Top of Personal Folders" and in it Inbox, Deleted Items, Calendar and Contacts. A store
-// that has a root keeps its folders as they are. In one transaction.
+// Makes what a store needs for a logon, where it is missing: the identity; the usual names of
+// properties; a root with the subtree "Top of Personal Folders" and in it Inbox, Deleted Items,
+// Calendar and Contacts. A store that has a root keeps its folders as they are. In one transaction.
 // Returns: whether anything was made.
 bool EnsureDefaultProfile(Database& database, const UserIdentity& user);

@@ -1,5 +1,6 @@
 // The server's calendar table over the embedded store: appointments that were added come back.
 #include "automation/ClassObjects.h"
+#include "localstore/StoreProfile.h"
 #include "outlook/calendar/OutlookCalendarTable.h"
 #include "outlook/store/MAPIProxcy.h"
 #include "platform/Bstr.h"
@@ -11,11 +12,6 @@
 
 namespace
 {
-constexpr GUID kAppointmentSet = {
-    0x00062002, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
-constexpr GUID kCommonSet = {
-    0x00062008, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
-
 // 2024-03-05 00:00
 constexpr DATE kDay = 45356.0;
 
@@ -44,44 +40,6 @@ class StoreCalendarTest : public StoreTest
         m_table.reset();
         m_calendar.Reset();
         m_helper.reset();
-    }
-
-    // What mail clients have named in every store.
-    void NameProperties(const GUID& set, std::initializer_list<LONG> numbers)
-    {
-        GUID copy = set;
-        for (const LONG number : numbers)
-        {
-            MAPINAMEID name{};
-            name.lpguid = &copy;
-            name.ulKind = MNID_ID;
-            name.Kind.lID = number;
-            MAPINAMEID* pointer = &name;
-            SPropTagArray* tags = nullptr;
-            EXPECT_EQ(S_OK, m_calendar->GetIDsFromNames(1, &pointer, MAPI_CREATE, &tags));
-            m_library.FreeBuffer(tags);
-        }
-    }
-    void NameAllProperties()
-    {
-        NameProperties(kAppointmentSet,
-                       {0x8205,
-                        0x8208,
-                        0x820D,
-                        0x820E,
-                        0x8213,
-                        0x8215,
-                        0x8216,
-                        0x8223,
-                        0x8231,
-                        0x8233,
-                        0x8234,
-                        0x8235,
-                        0x8236,
-                        0x825E,
-                        0x825F});
-        NameProperties(kCommonSet,
-                       {0x8501, 0x8502, 0x8503, 0x8510, 0x8516, 0x8517, 0x851C, 0x851E, 0x851F});
     }
 
     std::unique_ptr<COutlookCalendarTable> NewTable()
@@ -129,11 +87,24 @@ class StoreCalendarTest : public StoreTest
     ComPtr<IMAPIFolder> m_calendar;
     std::unique_ptr<COutlookCalendarTable> m_table;
 };
+// The same over a store in which nobody has made names.
+class NamelessStoreCalendarTest : public StoreCalendarTest
+{
+  protected:
+    void SetUp() override
+    {
+        {
+            Database database = OpenStore(m_path);
+            EnsureDefaultProfile(database, LoggedOnUser());
+            database.Execute("DELETE FROM named_property");
+        }
+        StoreCalendarTest::SetUp();
+    }
+};
 } // namespace
 
 TEST_F(StoreCalendarTest, KeepsAnAppointmentWithARuleAndAnException)
 {
-    NameAllProperties();
     const ComPtr<INEntityItem> item = NewItem(L"Review");
     const ComPtr<INAppointment> review = QueryItem<INAppointment>(item.Get());
     review->put_Place(Bstr(L"Room 5").Get());
@@ -192,7 +163,6 @@ TEST_F(StoreCalendarTest, KeepsAnAppointmentWithARuleAndAnException)
 
 TEST_F(StoreCalendarTest, KeepsAnAllDayAppointmentOfTheMachinesZone)
 {
-    NameAllProperties();
     const ComPtr<INEntityItem> item = NewItem(L"Holiday");
     const ComPtr<INAppointment> holiday = QueryItem<INAppointment>(item.Get());
     holiday->put_AllDay(VARIANT_TRUE);
@@ -211,7 +181,6 @@ TEST_F(StoreCalendarTest, KeepsAnAllDayAppointmentOfTheMachinesZone)
 
 TEST_F(StoreCalendarTest, ChangesAndDeletesAnAppointment)
 {
-    NameAllProperties();
     const ComPtr<INEntityItem> item = NewItem(L"First");
     std::wstring folderID;
     const std::wstring id = m_table->AddItem(item.Get(), folderID);
@@ -224,7 +193,7 @@ TEST_F(StoreCalendarTest, ChangesAndDeletesAnAppointment)
 }
 
 // The server makes no names: what the store cannot keep under one is left out.
-TEST_F(StoreCalendarTest, KeepsWhatAStoreWithoutNamesCan)
+TEST_F(NamelessStoreCalendarTest, KeepsWhatAStoreWithoutNamesCan)
 {
     const ComPtr<INEntityItem> item = NewItem(L"Bare");
     const ComPtr<INAppointment> bare = QueryItem<INAppointment>(item.Get());

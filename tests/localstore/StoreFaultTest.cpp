@@ -25,6 +25,7 @@ class StoreFaultTest : public testing::Test
     {
         Database database = OpenStore(m_path);
         EnsureDefaultProfile(database, LoggedOnUser());
+        database.Execute("DELETE FROM named_property");
         const auto contacts = FolderOfRole(database, *FindFolderRole("contacts"));
         m_session = std::make_shared<StoreSession>(std::move(database));
         m_contacts = MakeObject<StoreFolder>(

@@ -1,6 +1,7 @@
 #include "localstore/StoreProfile.h"
 
 #include "localstore/StoredProperties.h"
+#include "localstore/UsualNames.h"
 
 #include <gtest/gtest.h>
 
@@ -76,6 +77,43 @@ TEST(StoreProfileTest, WhatIsThereStays)
     EXPECT_EQ(root, RootFolder(database));
     EXPECT_FALSE(EnsureDefaultProfile(database, {L"carol", L"Carol"}));
     EXPECT_EQ(L"bob", Text(database, {OwnerKind::Identity, 1}, 0x3A00));
+}
+
+TEST(StoreProfileTest, AStoreKnowsTheUsualNamesOnce)
+{
+    Database database = OpenStore(L":memory:");
+    // A name that is there keeps its ID.
+    const PropertyName keywords{{0x00020329, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}},
+                                std::wstring(L"Keywords")};
+    EXPECT_EQ(0x8000, MakeNamedProperty(database, keywords));
+    EnsureDefaultProfile(database, {L"bob", L"Bob"});
+    const std::vector<PropertyName> names = UsualNames();
+    EXPECT_EQ(15u + 32u + 12u + 1u, names.size());
+    for (const PropertyName& name : names)
+        EXPECT_TRUE(FindNamedProperty(database, name));
+    EXPECT_EQ(0x8000, FindNamedProperty(database, keywords));
+    EXPECT_EQ(60, database.QueryInteger("SELECT count(*) FROM named_property"));
+
+    // What was taken away since is not made again.
+    database.Execute("DELETE FROM named_property");
+    EXPECT_FALSE(LacksProfile(database));
+    EXPECT_FALSE(EnsureDefaultProfile(database, {L"bob", L"Bob"}));
+    EXPECT_EQ(0, database.QueryInteger("SELECT count(*) FROM named_property"));
+    // An older store gets what became usual later.
+    database.Execute("UPDATE meta SET value = 0 WHERE name = 'usual_names'");
+    EXPECT_TRUE(EnsureDefaultProfile(database, {L"bob", L"Bob"}));
+    EXPECT_EQ(60, database.QueryInteger("SELECT count(*) FROM named_property"));
+}
+
+TEST(StoreProfileTest, AStoreThatIsFullOfNamesGetsNoMore)
+{
+    Database database = OpenStore(L":memory:");
+    database.Execute("WITH RECURSIVE ids (id) AS (VALUES (32768) UNION ALL SELECT id + 1 FROM ids "
+                     "WHERE id < 65533) INSERT INTO named_property (property_id, property_set, "
+                     "number) SELECT id, zeroblob(16), id FROM ids");
+    EXPECT_TRUE(EnsureDefaultProfile(database, {L"bob", L"Bob"}));
+    EXPECT_EQ(32767, database.QueryInteger("SELECT count(*) FROM named_property"));
+    EXPECT_FALSE(LacksProfile(database));
 }
 
 TEST(StoreProfileTest, ARoleThatLeadsNowhereIsNone)
