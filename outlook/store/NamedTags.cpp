@@ -4,30 +4,72 @@
 
 #include <algorithm>
 
-std::vector<ULONG> FindNamedTags(IMAPIProp& object,
-                                 CNProxcy& proxy,
-                                 const GUID& set,
-                                 std::span<const LONG> numbers)
+namespace
+{
+constexpr ULONG kNoCreation = 0;
+
+std::optional<std::vector<ULONG>> FindTags(IMAPIProp& object,
+                                           CNProxcy& proxy,
+                                           std::span<MAPINAMEID> names)
+{
+    std::vector<MAPINAMEID*> pointers(names.size());
+    std::ranges::transform(names, pointers.begin(), [](MAPINAMEID& name) { return &name; });
+    SPropTagArray* delivered = nullptr;
+    const HRESULT result = object.GetIDsFromNames(
+        static_cast<ULONG>(pointers.size()), pointers.data(), kNoCreation, &delivered);
+    // What a failed call left in its output is nobody's.
+    const MapiBuffer<SPropTagArray> found =
+        AdoptMapiBuffer(SUCCEEDED(result) ? delivered : nullptr, proxy);
+    if (!found)
+        return std::nullopt;
+    std::vector<ULONG> tags(names.size());
+    std::copy_n(
+        found->aulPropTag, std::min<std::size_t>(found->cValues, tags.size()), tags.begin());
+    return tags;
+}
+} // namespace
+
+std::optional<std::vector<ULONG>> TryFindNamedTags(IMAPIProp& object,
+                                                   CNProxcy& proxy,
+                                                   const GUID& set,
+                                                   std::span<const LONG> numbers)
 {
     GUID setCopy = set; // names hold plain pointers; the interface does not write through them
     std::vector<MAPINAMEID> names(numbers.size());
-    std::vector<MAPINAMEID*> pointers(numbers.size());
     for (std::size_t i = 0; i < numbers.size(); ++i)
     {
         names[i].lpguid = &setCopy;
         names[i].ulKind = MNID_ID;
         names[i].Kind.lID = numbers[i];
-        pointers[i] = &names[i];
     }
-    std::vector<ULONG> tags(numbers.size(), kUnknownNameTag);
-    SPropTagArray* delivered = nullptr;
-    const HRESULT result =
-        object.GetIDsFromNames(static_cast<ULONG>(names.size()), pointers.data(), 0, &delivered);
-    // What a failed call left in its output is nobody's.
-    const MapiBuffer<SPropTagArray> found =
-        AdoptMapiBuffer(SUCCEEDED(result) ? delivered : nullptr, proxy);
-    if (found)
-        std::copy_n(
-            found->aulPropTag, std::min<std::size_t>(found->cValues, tags.size()), tags.begin());
-    return tags;
+    return FindTags(object, proxy, names);
+}
+
+std::vector<ULONG> FindNamedTags(IMAPIProp& object,
+                                 CNProxcy& proxy,
+                                 const GUID& set,
+                                 std::span<const LONG> numbers)
+{
+    auto tags = TryFindNamedTags(object, proxy, set, numbers);
+    if (!tags)
+        return std::vector<ULONG>(numbers.size(), kUnknownNameTag);
+    std::ranges::replace(*tags, 0ul, kUnknownNameTag);
+    return *std::move(tags);
+}
+
+ULONG FindNamedTag(IMAPIProp& object, CNProxcy& proxy, const GUID& set, LONG number)
+{
+    const auto tags = TryFindNamedTags(object, proxy, set, {&number, 1});
+    return tags ? tags->front() : 0;
+}
+
+ULONG FindNamedTag(IMAPIProp& object, CNProxcy& proxy, const GUID& set, const wchar_t* name)
+{
+    GUID setCopy = set;
+    MAPINAMEID named = {};
+    named.lpguid = &setCopy;
+    named.ulKind = MNID_STRING;
+    named.Kind.lpwstrName = const_cast<wchar_t*>(name);
+    const auto tags = FindTags(object, proxy, {&named, 1});
+    return tags ? tags->front() : 0;
 }

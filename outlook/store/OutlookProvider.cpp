@@ -1,6 +1,7 @@
 #include "outlook/store/OutlookProvider.h"
 
 #include "outlook/calendar/OutlookCalendarTable.h"
+#include "outlook/contacts/OutlookAddressTable.h"
 #include "outlook/store/MAPIProxcy.h"
 #include "outlook/store/MapiMemory.h"
 #include "outlook/store/TagArray.h"
@@ -133,6 +134,11 @@ struct COutlookProvider::TableKind
 };
 
 const COutlookProvider::TableKind COutlookProvider::kTableKinds[] = {
+    {AddressBook,
+     [](COutlookProvider& provider) -> std::unique_ptr<IEnumerator> {
+         return std::make_unique<COutlookAddressTable>(
+             provider.m_pContactFolder.Get(), provider.m_pHelper.get(), provider.m_contactFolders);
+     }},
     {Calendar,
      [](COutlookProvider& provider) -> std::unique_ptr<IEnumerator> {
          return std::make_unique<COutlookCalendarTable>(provider.m_pCalendarFolder.Get(),

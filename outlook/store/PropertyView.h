@@ -6,6 +6,8 @@
 #include "platform/WindowsHeaders.h"
 
 #include <optional>
+#include <string>
+#include <vector>
 
 class PropertyView
 {
@@ -34,6 +36,16 @@ class PropertyView
     {
         const SPropValue* const value = FindTyped(position, PT_UNICODE);
         return value ? value->Value.lpszW : nullptr;
+    }
+    // Empty where the value is absent; a null among the texts is an empty one. Throws
+    // std::bad_alloc.
+    std::vector<std::wstring> Texts(ULONG position) const
+    {
+        std::vector<std::wstring> texts;
+        const SPropValue* const value = FindTyped(position, PT_MV_UNICODE);
+        for (ULONG i = 0; value && value->Value.MVszW.lppszW && i < value->Value.MVszW.cValues; ++i)
+            texts.emplace_back(value->Value.MVszW.lppszW[i] ? value->Value.MVszW.lppszW[i] : L"");
+        return texts;
     }
     // UTC.
     const FILETIME* Time(ULONG position) const noexcept

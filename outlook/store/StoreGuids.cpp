@@ -4,6 +4,7 @@
 #define USES_IID_IMAPIProp
 #define USES_IID_IMAPIFolder
 #define USES_IID_IMessage
+#define USES_IID_IAttachment
 
 #include "platform/WindowsHeaders.h"
 

@@ -1,0 +1,164 @@
+#include "outlook/contacts/ContactPicture.h"
+
+#include "outlook/contacts/PictureFile.h"
+#include "outlook/contacts/PictureJournal.h"
+#include "outlook/store/PropertyArray.h"
+#include "platform/UniqueHandle.h"
+#include "service/Log.h"
+
+#include <algorithm>
+#include <array>
+
+using Microsoft::WRL::ComPtr;
+
+namespace
+{
+constexpr ULONG kDataTag = 0x37010102; // PR_ATTACH_DATA_BIN
+constexpr std::size_t kReadPieceBytes = 16384;
+constexpr std::size_t kWritePieceBytes = 8192;
+
+// The data of an attachment; null where it cannot be opened.
+ComPtr<IStream> OpenData(IAttach& attachment, ULONG flags)
+{
+    IUnknown* opened = nullptr;
+    ComPtr<IStream> stream;
+    // What a failed call left in its output is nobody's; else it is the interface asked for.
+    if (SUCCEEDED(attachment.OpenProperty(kDataTag, &IID_IStream, 0, flags, &opened)))
+        *stream.GetAddressOf() = static_cast<IStream*>(opened);
+    return stream;
+}
+
+// Where a picture goes.
+struct NewFile
+{
+    std::wstring placeholder; // made, so that no other program takes the name
+    std::wstring path;
+};
+
+// Empty where the system gives no name, and where the name would lead out of the folder.
+NewFile ReserveFile(const wchar_t* fileName, const wchar_t* extension)
+{
+    wchar_t folder[MAX_PATH] = {};
+    const DWORD length = GetTempPathW(MAX_PATH, folder);
+    wchar_t placeholder[MAX_PATH] = {};
+    if (length == 0 || length >= MAX_PATH ||
+        GetTempFileNameW(folder, PicturePrefix(fileName).c_str(), 0, placeholder) == 0)
+        return {};
+    NewFile file = {placeholder, placeholder + PictureExtension(extension)};
+    RememberPictureFiles({file.placeholder, file.path});
+    if (!IsFileOfFolder(folder, file.path))
+        file.path.clear();
+    return file;
+}
+
+// Copies until a read gives nothing or fails, or a write falls short.
+void CopyToFile(IStream& data, IStream& file)
+{
+    std::array<BYTE, kReadPieceBytes> piece;
+    for (std::uint64_t total = 0; total < kLongestPictureBytes;)
+    {
+        ULONG read = 0;
+        if (FAILED(data.Read(piece.data(), static_cast<ULONG>(piece.size()), &read)) || read == 0)
+            return;
+        read = std::min(read, static_cast<ULONG>(piece.size()));
+        ULONG written = 0;
+        if (FAILED(file.Write(piece.data(), read, &written)) || written < read)
+            return;
+        total += read;
+    }
+}
+
+// The same the other way. Returns the bytes that were read.
+LONG CopyFromFile(HANDLE file, IStream& data)
+{
+    std::array<BYTE, kWritePieceBytes> piece;
+    std::uint32_t total = 0;
+    for (;;)
+    {
+        DWORD read = 0;
+        if (!ReadFile(file, piece.data(), static_cast<DWORD>(piece.size()), &read, nullptr) ||
+            read == 0)
+            return static_cast<LONG>(total);
+        total += read;
+        ULONG written = 0;
+        if (FAILED(data.Write(piece.data(), read, &written)) || written < read)
+            return static_cast<LONG>(total);
+    }
+}
+
+// What marks an attachment as a contact's picture. Its format is not looked at.
+PropertyArray PictureProperties(LONG bytes)
+{
+    constexpr wchar_t kName[] = L"ContactPicture.jpg";
+    constexpr FILETIME kNoTime = {0, 0x0CB34557}; // the year 4501
+    PropertyArray values;
+    values.AddText(0x3703001F, L".jpg"); // PR_ATTACH_EXTENSION
+    values.AddText(0x3704001F, L"");     // PR_ATTACH_FILENAME
+    values.AddText(0x3707001F, kName);   // PR_ATTACH_LONG_FILENAME
+    values.AddLong(0x37050003, 1);       // PR_ATTACH_METHOD: by value
+    values.AddLong(0x0E200003, bytes);   // PR_ATTACH_SIZE
+    values.AddText(0x3001001F, kName);   // PR_DISPLAY_NAME
+    values.AddLong(0x370B0003, -1);      // PR_RENDERING_POSITION: not in the text
+    values.AddLong(0x7FFD0003, 0);       // PR_ATTACHMENT_FLAGS
+    values.AddBool(0x7FFE000B, false);   // PR_ATTACHMENT_HIDDEN
+    values.AddLong(0x7FFA0003, 0);       // PR_ATTACHMENT_LINKID
+    values.AddBool(0x7FFF000B, true);    // PR_ATTACHMENT_CONTACTPHOTO
+    values.AddTime(0x7FFC0040, kNoTime); // PR_EXCEPTION_STARTTIME
+    values.AddTime(0x7FFB0040, kNoTime); // PR_EXCEPTION_ENDTIME
+    values.AddBinary(0x37020102, {});    // PR_ATTACH_ENCODING
+    values.AddLong(0x37140003, 0);       // PR_ATTACH_FLAGS
+    return values;
+}
+} // namespace
+
+std::wstring SavePictureFile(IMessage& message,
+                             ULONG attachmentNumber,
+                             const wchar_t* fileName,
+                             const wchar_t* extension)
+{
+    ComPtr<IAttach> attachment;
+    if (FAILED(message.OpenAttach(
+            attachmentNumber, &IID_IAttachment, MAPI_BEST_ACCESS, attachment.GetAddressOf())) ||
+        !attachment)
+        return {};
+    const ComPtr<IStream> data = OpenData(*attachment.Get(), 0);
+    if (!data)
+        return {};
+    const NewFile target = ReserveFile(fileName, extension);
+    ComPtr<IStream> file;
+    if (target.path.empty() ||
+        FAILED(SHCreateStreamOnFileW(
+            target.path.c_str(), STGM_CREATE | STGM_WRITE, file.GetAddressOf())) ||
+        !file)
+        return {};
+    CopyToFile(*data.Get(), *file.Get());
+    file->Commit(STGC_DEFAULT);
+    return target.path;
+}
+
+void CreatePicture(const std::wstring& path, IAttach* attachment)
+{
+    if (path.empty() || !attachment)
+        return;
+    LogPrintf(L"CMAPIAddrBook::Create Picture");
+    constexpr DWORD kNoSharing = 0;
+    UniqueFile file(CreateFileW(path.c_str(),
+                                GENERIC_READ,
+                                kNoSharing,
+                                nullptr,
+                                OPEN_EXISTING,
+                                FILE_ATTRIBUTE_NORMAL,
+                                nullptr));
+    if (!file)
+        return;
+    ComPtr<IStream> data = OpenData(*attachment, MAPI_CREATE | MAPI_MODIFY);
+    if (!data)
+        return;
+    const LONG bytes = CopyFromFile(file.Get(), *data.Get());
+    file.Reset();
+    data->Commit(STGC_OVERWRITE);
+    data.Reset();
+    PropertyArray values = PictureProperties(bytes);
+    attachment->SetProps(values.Count(), values.Get(), nullptr);
+    attachment->SaveChanges(FORCE_SAVE);
+}

@@ -1,0 +1,25 @@
+// Moves the picture of a contact between an attachment of its message and a file.
+#pragma once
+
+#include "platform/WindowsHeaders.h"
+
+#include <cstdint>
+#include <string>
+
+// Copies an attachment into a new file of the user's temporary folder. Its name takes prefix and
+// extension from those of the attachment, see PictureFile.h. Both the file and the empty one that
+// reserves its name are remembered, see PictureJournal.h.
+// Limits:  kLongestPictureBytes; a longer attachment is cut there.
+// Returns: the path, also where the copy broke off; empty where there is no file.
+// Throws std::bad_alloc.
+std::wstring SavePictureFile(IMessage& message,
+                             ULONG attachmentNumber,
+                             const wchar_t* fileName,
+                             const wchar_t* extension);
+
+inline constexpr std::uint64_t kLongestPictureBytes = 64u << 20;
+
+// Fills an open attachment from a file, marks it as a contact's picture and saves it. Nothing for
+// an empty path or a null attachment; where the file or the attachment's data cannot be opened,
+// nothing is set or saved. Throws std::bad_alloc.
+void CreatePicture(const std::wstring& path, IAttach* attachment);

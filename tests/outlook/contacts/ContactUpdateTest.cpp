@@ -1,0 +1,374 @@
+// Adding, updating and deleting contacts through the table. The sequences of calls were written
+// down from the order of the steps, by hand.
+#include "outlook/contacts/ContactTableFixture.h"
+#include "support/DebugOutputCapture.h"
+#include "support/RegistrySandbox.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+using Microsoft::WRL::ComPtr;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+using Lines = std::vector<std::string>;
+
+namespace
+{
+class ContactUpdateTest : public ContactTableTest
+{
+  protected:
+    BOOL Update(INContactItem* contact)
+    {
+        return table->UpdateItem(QueryItem<INEntityItem>(contact).Get());
+    }
+    std::wstring Add(INContactItem* contact)
+    {
+        return table->AddItem(QueryItem<INEntityItem>(contact).Get(), addedTo);
+    }
+    static void SetId(INContactItem* contact, const std::wstring& id)
+    {
+        contact->put_PersistentID(Bstr(std::wstring_view(id)).Get());
+    }
+    ComPtr<INContactItem> ContactFor(const char* name, const std::string& text)
+    {
+        auto contact = ContactOf(LinesOf(text));
+        SetId(contact.Get(), IdOf(name));
+        return contact;
+    }
+    // What the store holds of a contact, without the values that every contact has.
+    Lines Stored(const char* name) const { return store.PropsOf(name); }
+
+    std::wstring addedTo = L"untouched";
+};
+
+const std::string kAskFolder = std::string("IMAPIFolder(contacts).GetIDsFromNames([");
+
+Lines Writing()
+{
+    return {kAskFolder + kAddressSetText +
+                " 8062 8083 8080 8084 8082 8093 8090 8094 8092 80A3 80A0 80A4 80A2 80DE 80DF 8005 "
+                "8006 8028 8029], 00000000)",
+            kAskFolder + kAddressSetText + " 8015], 00000000)"};
+}
+} // namespace
+
+TEST_F(ContactUpdateTest, UpdatesInThisOrder)
+{
+    AddContact("ann", "contacts");
+    AddContact("bob", "family");
+    LoadTable();
+    const auto contact = ContactFor("bob", R"(FirstName "Bob")");
+    EXPECT_EQ(TRUE, Update(contact.Get()));
+    Lines calls = store.Calls();
+    // Opened through its own folder; clearing has its own tests.
+    EXPECT_EQ("IMAPIFolder(family).OpenEntry(bob, null, 00000001, type)", calls.front());
+    ASSERT_GT(calls.size(), 10u);
+    EXPECT_THAT(calls[1], StartsWith("IMessage(bob).DeleteProps([3A51001E"));
+    const auto cleared =
+        std::find(calls.begin(), calls.end(), "IMessage(bob).SaveChanges(00000002)");
+    ASSERT_NE(calls.end(), cleared);
+    Lines expected = Writing();
+    expected.push_back("IMessage(bob).SetProps({3A06001F \"Bob\", 3A17001F \"\", 3A16001F \"\", "
+                       "3001001F \"Bob\", 0037001F \"Bob\", 8005001F \"Bob\", 80060003 32823, "
+                       "10800003 512}, problems)");
+    expected.push_back("IMessage(bob).SaveChanges(00000004)");
+    expected.push_back("IMessage(bob).GetProps([0FFF0102 30080040], 80000000)");
+    EXPECT_THAT(Lines(cleared + 1, calls.end()), ElementsAreArray(expected));
+}
+
+TEST_F(ContactUpdateTest, AddsInThisOrder)
+{
+    OpenTable();
+    store.SetClock(FileTimeOf(kFirstDay + 9), 0);
+    const auto contact = ContactOf(LinesOf(R"(FirstName "New")"));
+    const std::wstring id = Add(contact.Get());
+    Lines expected = {"IMAPIFolder(contacts).QueryInterface(IMAPIFolder)",
+                      "IMAPIFolder(contacts).CreateMessage(null, 00000000)",
+                      "IMessage(new 1).QueryInterface(IMAPIProp)"};
+    for (const std::string& line : Writing())
+        expected.push_back(line);
+    expected.push_back(
+        "IMessage(new 1).SetProps({001A001F \"IPM.Contact\", 3A06001F \"New\", 3A17001F \"\", "
+        "3A16001F \"\", 3001001F \"New\", 0037001F \"New\", 8005001F \"New\", 80060003 32823, "
+        "10800003 512}, problems)");
+    expected.push_back("IMessage(new 1).SaveChanges(00000004)");
+    expected.push_back("IMessage(new 1).GetProps([0FFF0102 30080040], 80000000)");
+    // The new entry's ID is resolved like that of any row.
+    expected.push_back("IMAPIFolder(contacts).OpenEntry(new 1, null, 00000002, type)");
+    expected.push_back("IMessage(new 1).GetProps([0FFF0102 30080040], 80000000)");
+    EXPECT_THAT(store.Calls(), ElementsAreArray(expected));
+    EXPECT_EQ(IdOf("new 1"), id);
+    EXPECT_EQ(L"", addedTo);
+    EXPECT_EQ(id, TextIn(contact.Get(), &INContactItem::get_PersistentID));
+    ASSERT_EQ(1u, Entries().size());
+    EXPECT_EQ(L"", Entries().front().folderKey);
+    EXPECT_EQ(0.0, Entries().front().lastModified);
+    // What was added is read back.
+    EXPECT_THAT(
+        TextOfContact(Read("new 1").Get()),
+        ElementsAre(
+            "FirstName \"New\"", "DisplayName \"New\"", "JobTitle \"\"", "CompanyName \"\""));
+}
+
+TEST_F(ContactUpdateTest, TheCountOfValuesIsLogged)
+{
+    OpenTable();
+    const ScopedLogSettings settings;
+    DebugOutputCapture capture;
+    Add(ContactOf({}).Get());
+    EXPECT_EQ("========COutlookAddressTable::ReadItem return PropertyValues [8]\r\n",
+              capture.TakeLogMessages().front());
+}
+
+TEST_F(ContactUpdateTest, AnItemThatIsNoContactWritesNothing)
+{
+    AddContact("ann", "contacts");
+    LoadTable();
+    ComPtr<INEntityItem> group;
+    CoCreateInstance(CLSID_NContactGroup,
+                     nullptr,
+                     CLSCTX_ALL,
+                     IID_INEntityItem,
+                     reinterpret_cast<void**>(group.GetAddressOf()));
+    ASSERT_TRUE(group);
+    EXPECT_EQ(L"", table->AddItem(group.Get(), addedTo));
+    EXPECT_EQ(1u, store.ChildrenOf("contacts").size() - 1); // beside "family"
+    EXPECT_THAT(store.Calls(), Not(Contains(StartsWith("IMessage(new 1).SetProps"))));
+    EXPECT_THAT(store.Calls(), Not(Contains(StartsWith("IMessage(new 1).SaveChanges"))));
+}
+
+// --- What an update keeps and loses --------------------------------------------------------------
+
+TEST_F(ContactUpdateTest, ANicknameIsGoneAndASuffixAndANoteOutliveTheirClearing)
+{
+    AddContact("ann",
+               "contacts",
+               StoreProps()
+                   .Text(0x3A4F001F, L"nick")
+                   .Text(0x3A18001F, L"department")
+                   .Text(0x3A05001F, L"Jr.")
+                   .Text(PR_BODY_W, L"note")
+                   .Bytes(0x10090102, {0}));
+    LoadTable();
+    const auto contact = Read("ann");
+    contact->put_Suffix(nullptr);
+    contact->put_Notes(nullptr);
+    EXPECT_EQ(TRUE, Update(contact.Get()));
+    EXPECT_THAT(Stored("ann"), Not(Contains(StartsWith("3A4F"))));
+    EXPECT_THAT(Stored("ann"), Not(Contains(StartsWith("3A18"))));
+    EXPECT_THAT(Stored("ann"), Contains("3A05001F \"Jr.\""));
+    EXPECT_THAT(Stored("ann"), Contains("1000001F \"note\""));
+    // The RTF went, so that the note is there and no longer read.
+    EXPECT_THAT(
+        TextOfContact(Read("ann").Get()),
+        ElementsAre("Suffix \"Jr.\"", "DisplayName \"\"", "JobTitle \"\"", "CompanyName \"\""));
+}
+
+TEST_F(ContactUpdateTest, EveryFieldComesBackAfterIt)
+{
+    AddContact("ann", "contacts");
+    LoadTable();
+    const Lines written = LinesOf(R"(
+        FirstName "John"
+        MiddleName "Q"
+        LastName "Public"
+        Suffix "Jr."
+        JobTitle "Clerk"
+        CompanyName "Acme"
+        InstantMessagingAddress "im"
+        Website "http://a"
+        Phone0 "n0"
+        Phone1 "n1"
+        Phone2 "n2"
+        Phone3 "n3"
+        Phone4 "n4"
+        Phone5 "n5"
+        Phone6 "n6"
+        Phone7 "n7"
+        Phone8 "n8"
+        Phone9 "n9"
+        Phone10 "n10"
+        Phone11 "n11"
+        Phone12 "n12"
+        Email "a@b"
+        Email "c@d"
+        Email "e@f"
+        Home.Country "hc"
+        Home.StateOrProvince "hs"
+        Home.City "hi"
+        Home.Street "ht"
+        Home.PostOfficeBox "hp"
+        Home.PostalCode "ho"
+        Business.Country "bc"
+        Business.StateOrProvince "bs"
+        Business.City "bi"
+        Business.Street "bt"
+        Business.PostOfficeBox "bp"
+        Business.PostalCode "bo"
+        Other.Country "oc"
+        Other.StateOrProvince "os"
+        Other.City "oi"
+        Other.Street "ot"
+        Other.PostOfficeBox "op"
+        Other.PostalCode "oo"
+        Birthday 25569
+        Anniversary 36526
+        Category "Friends"
+        Category "Work")");
+    const auto contact = ContactOf(written);
+    SetId(contact.Get(), IdOf("ann"));
+    EXPECT_EQ(TRUE, Update(contact.Get()));
+    Lines expected = written;
+    expected.insert(expected.begin() + 4, "DisplayName \"Public John Q\"");
+    EXPECT_EQ(expected, TextOfContact(Read("ann").Get()));
+}
+
+// A note is written as plain text alone, and reading wants RTF beside it.
+TEST_F(ContactUpdateTest, ANoteNeedsRtfToComeBack)
+{
+    OpenTable();
+    const auto contact = ContactOf(LinesOf(R"(Notes "note")"));
+    ASSERT_NE(L"", Add(contact.Get()));
+    EXPECT_THAT(Stored("new 1"), Contains("1000001F \"note\""));
+    EXPECT_THAT(TextOfContact(Read("new 1").Get()), Not(Contains(StartsWith("Notes"))));
+    store.SetProps("new 1", StoreProps().Bytes(0x10090102, {0}));
+    EXPECT_THAT(TextOfContact(Read("new 1").Get()), Contains("Notes \"note\""));
+}
+
+TEST_F(ContactUpdateTest, APictureGoesThereAndBack)
+{
+    AddContact("ann", "contacts");
+    store.AddAttachment("ann", StoreProps().Text(0x3704001F, L"old"));
+    LoadTable();
+    const ScratchDirectory files;
+    const std::wstring path = files.File(L"a.png");
+    std::ofstream(std::filesystem::path(path), std::ios::binary) << "picture";
+    const auto contact = ContactFor("ann", "Picture " + QuotedText(path));
+    EXPECT_EQ(TRUE, Update(contact.Get()));
+    EXPECT_THAT(Stored("ann"), Contains("8015000B 1"));
+    ASSERT_EQ(1u, store.ChildrenOf("ann").size());
+    const std::wstring read = TextIn(Read("ann").Get(), &INContactItem::get_Picture);
+    std::ifstream file(std::filesystem::path(read), std::ios::binary);
+    EXPECT_EQ("picture", std::string(std::istreambuf_iterator<char>(file), {}));
+    EXPECT_TRUE(read.ends_with(L".jpg"));
+    file.close();
+    // An update without one takes it off.
+    const auto without = ContactFor("ann", "");
+    EXPECT_EQ(TRUE, Update(without.Get()));
+    EXPECT_THAT(Stored("ann"), Contains("8015000B 0"));
+    EXPECT_THAT(store.ChildrenOf("ann"), IsEmpty());
+}
+
+TEST_F(ContactUpdateTest, WhatTheUserChoseForNamesCounts)
+{
+    OpenTable();
+    {
+        RegistrySandbox registry(HKEY_CURRENT_USER);
+        const DWORD order = 0x8017;
+        const wchar_t key[] = L"Software\\Microsoft\\Office\\14.0\\Outlook\\Contact";
+        registry.SetValue(key, L"FileAsOrder", REG_DWORD, &order, sizeof order);
+        registry.SetText(key, L"NameParserStyle", L"E");
+        Add(ContactOf(LinesOf("FirstName \"John\"\nLastName \"Public\"")).Get());
+    }
+    EXPECT_THAT(Stored("new 1"), Contains("3001001F \"John Public\""));
+    EXPECT_THAT(Stored("new 1"), Contains("8005001F \"Public, John\""));
+    EXPECT_THAT(Stored("new 1"), Contains("80060003 32791"));
+}
+
+// The tests' machine is west of UTC by three hours and a half.
+TEST_F(ContactUpdateTest, DatesAreWrittenWithTheSystemsZone)
+{
+    OpenTable();
+    Add(ContactOf(LinesOf("Birthday 25569")).Get());
+    EXPECT_THAT(Stored("new 1"), Contains("3A420040 116444862000000000"));
+    EXPECT_THAT(Stored("new 1"), Contains("80DE0040 116444736000000000"));
+}
+
+// --- Deleting ------------------------------------------------------------------------------------
+
+TEST_F(ContactUpdateTest, DeletesInTheFolderThatTheContactIsIn)
+{
+    AddContact("ann", "contacts");
+    AddContact("bob", "family");
+    LoadTable();
+    EXPECT_EQ(TRUE, table->DeleteItem(IdOf("bob")));
+    EXPECT_THAT(store.Calls(),
+                ElementsAre("IMAPIFolder(family).QueryInterface(IMAPIFolder)",
+                            "IMAPIFolder(family).DeleteMessages([bob], 0, null, 00000000)"));
+    EXPECT_FALSE(store.Exists("bob"));
+    store.ClearRecord();
+    EXPECT_EQ(TRUE, table->DeleteItem(IdOf("ann")));
+    EXPECT_THAT(store.Calls(),
+                ElementsAre("IMAPIFolder(contacts).QueryInterface(IMAPIFolder)",
+                            "IMAPIFolder(contacts).DeleteMessages([ann], 0, null, 00000000)"));
+}
+
+// --- Attachment rows that are to be filled -------------------------------------------------------
+
+namespace
+{
+// Opens what the engine would call.
+class OpenTableForRows : public COutlookAddressTable
+{
+  public:
+    using COutlookAddressTable::COutlookAddressTable;
+    using COutlookAddressTable::m_pCurrentEntity;
+    using COutlookAddressTable::m_pCurrentItem;
+    using COutlookAddressTable::PrepareEntity;
+};
+} // namespace
+
+TEST_F(ContactUpdateTest, ARowOfAPictureCanBeFilled)
+{
+    AddContact("ann", "contacts");
+    Open();
+    OpenTableForRows rows(folder.Get(), session->Helper(), {});
+    const ScratchDirectory files;
+    const std::wstring path = files.File(L"a.png");
+    std::ofstream(std::filesystem::path(path), std::ios::binary) << "abc";
+    rows.m_pCurrentEntity = OpenMessage("ann").Get();
+    const auto contact = ContactOf(LinesOf("Picture " + QuotedText(path)));
+    rows.m_pCurrentItem = QueryItem<INEntityItem>(contact.Get()).Get();
+    SPropValue row[4] = {};
+    row[0].ulPropTag = PR_ATTACH_NUM;
+    row[1].ulPropTag = 0x3704001F;
+    row[1].Value.lpszW = const_cast<wchar_t*>(L"a");
+    row[2] = row[1];
+    row[3].ulPropTag = 0x7FFF000B;
+    store.ClearRecord();
+    BOOL goesOn = TRUE;
+    rows.OnPropertyRow(4, row, 210, &goesOn);
+    EXPECT_EQ(TRUE, goesOn); // no picture
+    EXPECT_THAT(store.Calls(), IsEmpty());
+    row[3].Value.b = 1;
+    rows.OnPropertyRow(4, row, 210, &goesOn);
+    EXPECT_EQ(FALSE, goesOn);
+    EXPECT_THAT(store.Calls(), Contains("IMessage(ann).CreateAttach(null, 00000000)"));
+    EXPECT_THAT(store.Calls(), Contains("IStream(ann#0 37010102 stream).Write(3)"));
+    EXPECT_EQ("IAttach(ann#0).SaveChanges(00000004)", store.Calls().back());
+    // A value that is missing makes it no picture.
+    goesOn = TRUE;
+    for (ULONG i = 0; i < 4; ++i)
+    {
+        SPropValue cut[4];
+        std::copy(std::begin(row), std::end(row), cut);
+        cut[i].ulPropTag = PT_ERROR;
+        for (const int type : {200, 210})
+            rows.OnPropertyRow(4, cut, type, &goesOn);
+        rows.OnPropertyRow(i, row, 210, &goesOn);
+    }
+    EXPECT_EQ(TRUE, goesOn);
+}
+
+TEST_F(ContactUpdateTest, WithoutAnOpenMessageThereIsNothingToPrepare)
+{
+    Open();
+    OpenTableForRows rows(folder.Get(), session->Helper(), {});
+    EXPECT_FALSE(rows.PrepareEntity());
+    EXPECT_THAT(store.Calls(), IsEmpty());
+}

@@ -1,0 +1,253 @@
+// The address book object over Outlook: service manager, automation objects and tables over the
+// real discovery and the recording store.
+#include "outlook/contacts/ContactTableFixture.h"
+#include "platform/SafeArray.h"
+#include "service/ServiceManager.h"
+#include "support/RegistrySandbox.h"
+#include "support/TypeLibraryRegistration.h"
+#include "tests/automation/CollectionFixture.h"
+#include "tests/outlook/OutlookInstallation.h"
+
+#include <gmock/gmock.h>
+
+using Microsoft::WRL::ComPtr;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+namespace
+{
+class OutlookAddressBookTest : public testing::Test
+{
+  protected:
+    OutlookAddressBookTest()
+    {
+        store.AddUsualFolders();
+        NameContactProperties(store);
+        store.AddFolder("family", "contacts", L"IPF.Contact");
+        // Else the logon would create it, and new messages would count from there.
+        store.AddMessage("categories",
+                         "calendar",
+                         StoreProps().Text(PR_MESSAGE_CLASS_W, L"IPM.Configuration.CategoryList"),
+                         true);
+        store.AddIdentity(
+            StoreProps().Text(0x3003001F, L"/o=Acme/cn=me").Text(0x39FE001F, L"me@acme"));
+        AddContact("ann", "contacts", L"Ann", 45292.0);
+        AddContact("bob", "family", L"Bob", 45293.0);
+    }
+    ~OutlookAddressBookTest() override
+    {
+        book.Reset();
+        service.Reset();
+        manager.StopService();
+        EXPECT_EQ("", store.Complaints());
+    }
+    void AddContact(const char* name, const char* folder, const wchar_t* first, DATE utcModified)
+    {
+        store.AddMessage(
+            name,
+            folder,
+            StoreProps().Text(PR_MESSAGE_CLASS_W, L"IPM.Contact").Text(0x3A06001F, first));
+        const auto time = static_cast<std::uint64_t>(utcModified + 109205.0) * 864'000'000'000ull;
+        store.SetTimes(name, time, time);
+    }
+    // As a client does.
+    void Start()
+    {
+        service = CreateObject<INPersonalInformationService>(CLSID_NPersonalInformationService);
+        ASSERT_TRUE(service);
+        ASSERT_EQ(S_OK, service->StartService(Bstr(L"Microsoft Outlook").Get()));
+        ASSERT_EQ(S_OK, service->GetAddressBook(book.GetAddressOf()));
+        ASSERT_TRUE(book);
+    }
+    std::wstring IdOf(const char* name) const { return HexOf(store.EntryIdOf(name)); }
+    static std::wstring TextIn(INContactItem* contact,
+                               HRESULT (STDMETHODCALLTYPE INContactItem::*get)(BSTR*))
+    {
+        Bstr text;
+        (contact->*get)(text.Put());
+        return text ? TextOf(text.Get()) : L"(null)";
+    }
+    // First names of a walk.
+    std::vector<std::wstring> Walk()
+    {
+        VARIANT_BOOL done = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, book->ResetItem(&done));
+        std::vector<std::wstring> names;
+        ComPtr<INContactItem> contact;
+        while (names.size() < 50 && book->GetNextItem(contact.ReleaseAndGetAddressOf()) == S_OK)
+            names.push_back(TextIn(contact.Get(), &INContactItem::get_FirstName));
+        EXPECT_FALSE(contact);
+        return names;
+    }
+
+    RecordingStore store;
+    OutlookInstallation installation{RecordingStore::Path()};
+    CServiceManager manager;
+    const ScopedServiceManager current{manager};
+    ComPtr<INPersonalInformationService> service;
+    ComPtr<INAddressBook> book;
+};
+} // namespace
+
+TEST_F(OutlookAddressBookTest, WalksTheContactsOfEveryFolder)
+{
+    Start();
+    EXPECT_THAT(Walk(), ElementsAre(L"Ann", L"Bob"));
+    ComPtr<INContactItem> contact;
+    ASSERT_EQ(S_OK, book->GetItemByID(Bstr(IdOf("bob")).Get(), contact.GetAddressOf()));
+    EXPECT_EQ(L"Bob", TextIn(contact.Get(), &INContactItem::get_FirstName));
+    EXPECT_EQ(IdOf("bob"), TextIn(contact.Get(), &INContactItem::get_PersistentID));
+    EXPECT_EQ(IdOf("family"), TextIn(contact.Get(), &INContactItem::get_ParentFolderID));
+}
+
+TEST_F(OutlookAddressBookTest, IsLoadedAndBeforeTheFirstContactWhenItIsMade)
+{
+    Start();
+    ComPtr<INContactItem> contact;
+    EXPECT_EQ(S_OK, book->GetNextItem(contact.GetAddressOf()));
+    EXPECT_EQ(L"Ann", TextIn(contact.Get(), &INContactItem::get_FirstName));
+}
+
+TEST_F(OutlookAddressBookTest, ARefreshShowsEveryContactTwice)
+{
+    Start();
+    EXPECT_EQ(S_OK, book->Refresh());
+    EXPECT_THAT(Walk(), ElementsAre(L"Ann", L"Bob", L"Ann", L"Bob"));
+}
+
+TEST_F(OutlookAddressBookTest, AnEmptyStoreEndsTheWalkAtOnce)
+{
+    store.Remove("ann");
+    store.Remove("bob");
+    Start();
+    EXPECT_THAT(Walk(), IsEmpty());
+}
+
+TEST_F(OutlookAddressBookTest, AStaleEntryGivesTheContactBeforeIt)
+{
+    Start();
+    VARIANT_BOOL done = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, book->DeleteItem(Bstr(IdOf("bob")).Get(), &done));
+    EXPECT_EQ(VARIANT_TRUE, done);
+    EXPECT_THAT(Walk(), ElementsAre(L"Ann", L"Ann"));
+}
+
+TEST_F(OutlookAddressBookTest, TellsTheBasicsOfAllContacts)
+{
+    Start();
+    const RegistrySandbox classes(HKEY_CLASSES_ROOT); // for the type library alone
+    const TypeLibraryRegistration registration;
+    ASSERT_EQ(S_OK, registration.Result());
+    store.ClearRecord();
+    UniqueSafeArray array;
+    EXPECT_EQ(S_OK, book->GetAllItemsWithBasicInfo(array.Put()));
+    ASSERT_TRUE(array);
+    ASSERT_EQ(2u, array.Get()->rgsabound[0].cElements);
+    {
+        const SafeArrayAccess<_tagBasicContactInfo> records(array.Get());
+        EXPECT_EQ(IdOf("ann"), records.Data()[0].bstrEntryID);
+        EXPECT_EQ(IdOf("contacts"), records.Data()[0].bstrParentFolderEntryID);
+        EXPECT_EQ(45292.0, records.Data()[0].dbLastModify);
+        EXPECT_EQ(IdOf("bob"), records.Data()[1].bstrEntryID);
+        EXPECT_EQ(IdOf("family"), records.Data()[1].bstrParentFolderEntryID);
+        EXPECT_EQ(45293.0, records.Data()[1].dbLastModify);
+    }
+    // The store is not asked.
+    EXPECT_THAT(store.Calls(), IsEmpty());
+}
+
+TEST_F(OutlookAddressBookTest, AddsUpdatesAndDeletes)
+{
+    Start();
+    const auto contact = ContactOf(LinesOf(R"(FirstName "Cid")"));
+    const Bstr mine(L"mine");
+    BSTR folderID = mine.Get();
+    Bstr id;
+    EXPECT_EQ(S_OK, book->AddItemEx(contact.Get(), &folderID, id.Put()));
+    EXPECT_EQ(IdOf("new 1"), TextOf(id.Get()));
+    EXPECT_EQ(mine.Get(), folderID); // the table tells no folder
+    EXPECT_THAT(store.ChildrenOf("contacts"), Contains("new 1"));
+    // The identity's stamp.
+    EXPECT_THAT(store.PropsOf("new 1"), Contains("80E0001F \"/o=Acme/cn=me\""));
+    EXPECT_THAT(store.PropsOf("new 1"), Contains("80E1001F \"me@acme\""));
+    EXPECT_THAT(store.Calls(),
+                Contains(std::string("IMAPIFolder(contacts).GetIDsFromNames([") + kCommonSetText +
+                         " 8581 8580], 00000000)"));
+
+    contact->put_FirstName(Bstr(L"Cyd").Get());
+    VARIANT_BOOL done = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, book->UpdateItem(contact.Get(), &done));
+    EXPECT_EQ(VARIANT_TRUE, done);
+    EXPECT_THAT(store.PropsOf("new 1"), Contains("3A06001F \"Cyd\""));
+    EXPECT_THAT(Walk(), ElementsAre(L"Ann", L"Bob", L"Cyd"));
+
+    EXPECT_EQ(S_OK, book->DeleteItem(id.Get(), &done));
+    EXPECT_FALSE(store.Exists("new 1"));
+    Bstr second;
+    EXPECT_EQ(S_OK, book->AddItem(contact.Get(), second.Put()));
+    EXPECT_EQ(IdOf("new 2"), TextOf(second.Get()));
+}
+
+TEST_F(OutlookAddressBookTest, TextsOfTheIdentityThatAreMissingLeaveNoStamp)
+{
+    store.SetProps("identity", StoreProps().Text(0x39FE001F, L""));
+    store.RemoveProp("identity", 0x3003001F);
+    Start();
+    Bstr id;
+    EXPECT_EQ(S_OK, book->AddItem(ContactOf({}).Get(), id.Put()));
+    EXPECT_THAT(store.PropsOf("new 1"), Not(Contains(StartsWith("80E0"))));
+    EXPECT_THAT(store.PropsOf("new 1"), Not(Contains(StartsWith("80E1"))));
+}
+
+TEST_F(OutlookAddressBookTest, GroupsCannotBeHadAndChangeNothing)
+{
+    Start();
+    const auto group = CreateObject<INContactGroup>(CLSID_NContactGroup);
+    ASSERT_TRUE(group);
+    Bstr id;
+    EXPECT_EQ(E_FAIL, book->AddGroup(group.Get(), id.Put()));
+    EXPECT_THAT(store.ChildrenOf("contacts"), ElementsAre("family", "ann"));
+    VARIANT_BOOL done = VARIANT_TRUE;
+    EXPECT_EQ(E_FAIL, book->ResetGroup(&done));
+    ComPtr<INContactGroup> none;
+    EXPECT_EQ(E_FAIL, book->GetNextGroup(none.GetAddressOf()));
+    EXPECT_EQ(E_FAIL, book->UpdateGroup(group.Get(), &done));
+    EXPECT_EQ(E_FAIL, book->DeleteGroup(Bstr(L"00").Get(), &done));
+}
+
+TEST_F(OutlookAddressBookTest, AnEnumeratorOfContactsIsLoadedToo)
+{
+    Start();
+    ComPtr<INEnumerator> contacts;
+    ASSERT_EQ(S_OK, service->GetEnumerator(AddressBook, contacts.GetAddressOf()));
+    ASSERT_TRUE(contacts);
+    ComPtr<INEntityItem> item;
+    EXPECT_EQ(S_OK, contacts->GetNextItem(item.GetAddressOf()));
+    EXPECT_EQ(L"Ann",
+              TextIn(QueryItem<INContactItem>(item.Get()).Get(), &INContactItem::get_FirstName));
+    contacts.Reset();
+}
+
+TEST_F(OutlookAddressBookTest, AfterAStopItAnswersWithFailures)
+{
+    Start();
+    ComPtr<INContactItem> contact;
+    ASSERT_EQ(S_OK, book->GetNextItem(contact.GetAddressOf()));
+    EXPECT_EQ(S_OK, service->StopService());
+    store.ClearRecord();
+    VARIANT_BOOL done = VARIANT_FALSE;
+    ComPtr<INContactItem> none;
+    EXPECT_EQ(S_OK, book->Refresh());
+    EXPECT_EQ(S_OK, book->ResetItem(&done));
+    EXPECT_EQ(E_FAIL, book->GetNextItem(none.GetAddressOf()));
+    EXPECT_EQ(E_FAIL, book->GetItemByID(Bstr(IdOf("ann")).Get(), none.GetAddressOf()));
+    EXPECT_EQ(E_FAIL, book->UpdateItem(contact.Get(), &done));
+    EXPECT_EQ(E_FAIL, book->DeleteItem(Bstr(IdOf("ann")).Get(), &done));
+    Bstr id;
+    EXPECT_EQ(E_FAIL, book->AddItem(contact.Get(), id.Put()));
+    EXPECT_THAT(store.Calls(), IsEmpty());
+    EXPECT_EQ(L"Ann", TextIn(contact.Get(), &INContactItem::get_FirstName));
+}
