@@ -9,7 +9,7 @@
 
 #include "icalendar/AppointmentMapping.h"
 #include "icalendar/CalendarFile.h"
-#include "icalendar/ItemIndex.h"
+#include "service/ItemIndex.h"
 #include "service/Enumerator.h"
 
 #include <functional>

@@ -1,4 +1,4 @@
-#include "icalendar/ItemIndex.h"
+#include "service/ItemIndex.h"
 
 #include <gtest/gtest.h>
 
