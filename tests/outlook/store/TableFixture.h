@@ -39,18 +39,11 @@ class StoreSession
 
     Microsoft::WRL::ComPtr<IMAPIFolder> OpenFolder(const std::vector<BYTE>& entryID)
     {
-        std::vector<BYTE> id = entryID;
-        ULONG type = 0;
-        Microsoft::WRL::ComPtr<IUnknown> object;
-        m_session->OpenEntry(static_cast<ULONG>(id.size()),
-                             reinterpret_cast<ENTRYID*>(id.data()),
-                             nullptr,
-                             MAPI_BEST_ACCESS,
-                             &type,
-                             object.GetAddressOf());
-        if (!object || type != MAPI_FOLDER)
-            throw std::runtime_error("no such folder");
-        return static_cast<IMAPIFolder*>(object.Get());
+        return static_cast<IMAPIFolder*>(OpenEntry(entryID, MAPI_FOLDER).Get());
+    }
+    Microsoft::WRL::ComPtr<IMessage> OpenMessage(const std::vector<BYTE>& entryID)
+    {
+        return static_cast<IMessage*>(OpenEntry(entryID, MAPI_MESSAGE).Get());
     }
 
     // As a provider ends: whoever works with the helper is detached first.
@@ -64,6 +57,22 @@ class StoreSession
     }
 
   private:
+    // The object's own interface, open for writing.
+    Microsoft::WRL::ComPtr<IUnknown> OpenEntry(std::vector<BYTE> entryID, ULONG wantedType)
+    {
+        ULONG type = 0;
+        Microsoft::WRL::ComPtr<IUnknown> object;
+        m_session->OpenEntry(static_cast<ULONG>(entryID.size()),
+                             reinterpret_cast<ENTRYID*>(entryID.data()),
+                             nullptr,
+                             MAPI_BEST_ACCESS,
+                             &type,
+                             object.GetAddressOf());
+        if (!object || type != wantedType)
+            throw std::runtime_error("no such folder or message");
+        return object;
+    }
+
     std::unique_ptr<CMAPIHelper> m_helper;
     Microsoft::WRL::ComPtr<IMAPISession> m_session;
 };

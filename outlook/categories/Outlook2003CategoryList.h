@@ -1,0 +1,23 @@
+// The categories of Outlook 2003: names in a registry value. They have no colour and no ID of their
+// own: each load makes new IDs, which hold for this list alone.
+#pragma once
+
+#include "outlook/categories/CategoryList.h"
+
+class COutlook2003CategoryList : public CCategoryList
+{
+  public:
+    void GetItemIDs() override;
+    // Writes all names of the list, whatever the item is, and returns 1.
+    BOOL UpdateItem(INEntityItem* item) override;
+    // The item becomes part of the list and gets an ID. Where a category has its name already, in
+    // whatever letter case, nothing is added and the result is the ID that the item came with.
+    std::wstring AddItem(INEntityItem* item, std::wstring& folderID) override;
+    // Kept as it is: the argument is a category's name, not its ID. Pinned by
+    // Outlook2003CategoryListTest.
+    BOOL DeleteItem(const std::wstring& name) override;
+
+  private:
+    std::wstring NameAt(std::size_t position) const;
+    void WriteBack();
+};

@@ -1,0 +1,188 @@
+#include "outlook/categories/Outlook2007CategoryList.h"
+
+#include "outlook/store/MapiMemory.h"
+#include "outlook/store/TagArray.h"
+#include "platform/Bstr.h"
+#include "platform/GuidSource.h"
+#include "service/ItemAccess.h"
+#include "service/TimeConversions.h"
+#include "service/XmlScan.h"
+
+#include <utility>
+
+using Microsoft::WRL::ComPtr;
+
+namespace
+{
+constexpr ULONG kStreamTag = 0x7C080102; // PR_ROAMING_XMLSTREAM
+} // namespace
+
+COutlook2007CategoryList::COutlook2007CategoryList(IMAPIProp* message, CMAPIHelper* helper)
+    : LiveObject(helper ? &helper->Live() : nullptr), m_message(message),
+      m_pHelper(message ? helper : nullptr)
+{
+}
+
+void COutlook2007CategoryList::Detach() noexcept
+{
+    m_pHelper = nullptr;
+    m_message.Reset();
+    m_document.reset();
+    Clear();
+    m_pCurrentItem.Reset();
+}
+
+DATE COutlook2007CategoryList::UtcNow() const
+{
+    SYSTEMTIME now{};
+    GetSystemTime(&now);
+    return SystemTimeToDate(now);
+}
+
+// --- Loading -----------------------------------------------------------------------------------
+
+void COutlook2007CategoryList::GetItemIDs()
+{
+    const TableUse use(m_uses);
+    if (use.IsNested() || !m_pHelper)
+        return;
+    Clear();
+    m_document.reset();
+    std::string text;
+    Stream stream = ReadStream(text);
+    if (stream == Stream::Missing)
+    {
+        WriteStream(CategoryDocument().Print());
+        stream = ReadStream(text);
+    }
+    if (stream == Stream::Read)
+        m_document = CategoryDocument::Parse(text);
+    if (!m_document)
+        return;
+    for (const Category& category : m_document->Categories())
+        AppendCategory(category);
+}
+
+void COutlook2007CategoryList::AppendCategory(const Category& category)
+{
+    const ComPtr<INContactCategory> object = NewCategory();
+    const ComPtr<INEntityItem> item = QueryItem<INEntityItem>(object.Get());
+    if (!item)
+        return;
+    if (category.name)
+        object->put_Name(Bstr(*category.name).Get());
+    if (category.color)
+        object->put_Color(*category.color);
+    if (category.id)
+        item->put_EntityID(Bstr(*category.id).Get());
+    if (category.utcLastUsed)
+        item->put_LastModificationTime(*category.utcLastUsed);
+    Append(item.Get());
+}
+
+COutlook2007CategoryList::Stream COutlook2007CategoryList::ReadStream(std::string& text) const
+{
+    TagArray tags({&kStreamTag, 1});
+    ULONG count = 0;
+    SPropValue* delivered = nullptr;
+    const HRESULT result = m_message->GetProps(tags.Get(), MAPI_UNICODE, &count, &delivered);
+    // What a failed call left in its outputs is nobody's.
+    const auto value = AdoptMapiBuffer(SUCCEEDED(result) ? delivered : nullptr, m_pHelper->Proxy());
+    if (!value || count == 0)
+        return Stream::Unreadable;
+    if (PROP_TYPE(value->ulPropTag) == PT_ERROR)
+        // A value that is too large to be handed over in this way is there all the same.
+        return value->Value.err == MAPI_E_NOT_ENOUGH_MEMORY ? Stream::Unreadable : Stream::Missing;
+    if (PROP_TYPE(value->ulPropTag) != PT_BINARY)
+        return Stream::Unreadable;
+    const SBinary& bytes = value->Value.bin;
+    if (bytes.cb == 0)
+        return Stream::Missing;
+    if (!bytes.lpb)
+        return Stream::Unreadable;
+    text.assign(reinterpret_cast<const char*>(bytes.lpb), bytes.cb);
+    return Stream::Read;
+}
+
+// --- Writing -----------------------------------------------------------------------------------
+
+bool COutlook2007CategoryList::WriteStream(const std::string& text)
+{
+    std::string bytes = text; // values hold plain pointers; the interface does not write through
+    SPropValue value = {};
+    value.ulPropTag = kStreamTag;
+    value.Value.bin = {static_cast<ULONG>(bytes.size()), reinterpret_cast<BYTE*>(bytes.data())};
+    SPropProblemArray* problems = nullptr;
+    const HRESULT set = m_message->SetProps(1, &value, &problems);
+    const auto owned = AdoptMapiBuffer(SUCCEEDED(set) ? problems : nullptr, m_pHelper->Proxy());
+    return SUCCEEDED(set) && SUCCEEDED(m_message->SaveChanges(FORCE_SAVE));
+}
+
+bool COutlook2007CategoryList::Store(CategoryDocument changed)
+{
+    const std::string text = changed.Print();
+    // What could not be read again is not written.
+    if (ScanXml(text) != XmlScanResult::Ok || !WriteStream(text))
+        return false;
+    m_document = std::move(changed);
+    return true;
+}
+
+BOOL COutlook2007CategoryList::UpdateItem(INEntityItem* item)
+{
+    const TableUse use(m_uses);
+    const ComPtr<INContactCategory> category = QueryItem<INContactCategory>(item);
+    if (use.IsNested() || !m_pHelper || !category)
+        return FALSE;
+    const DATE utcNow = UtcNow();
+    item->put_LastModificationTime(utcNow);
+    if (!m_document)
+        return FALSE;
+    CategoryDocument changed = *m_document;
+    return changed.Rename(IDOf(*item), NameOf(*category.Get()), utcNow) &&
+           Store(std::move(changed));
+}
+
+std::wstring COutlook2007CategoryList::AddItem(INEntityItem* item, std::wstring&)
+{
+    const TableUse use(m_uses);
+    const ComPtr<INContactCategory> category = QueryItem<INContactCategory>(item);
+    if (use.IsNested() || !m_pHelper || !category)
+        return {};
+    const std::wstring name = NameOf(*category.Get());
+    if (name.empty())
+        return {};
+    if (!IDOf(*item).empty())
+        return name;
+    const std::wstring id = m_document ? NewGuidText() : std::wstring();
+    if (id.empty())
+        return {};
+    const DATE utcNow = UtcNow();
+    item->put_EntityID(Bstr(id).Get());
+    item->put_LastModificationTime(utcNow);
+    LONG color = 0;
+    category->get_Color(&color);
+    CategoryDocument changed = *m_document;
+    changed.Add(name, color, id, utcNow);
+    if (!Store(std::move(changed)))
+        return {};
+    Append(item);
+    return id;
+}
+
+BOOL COutlook2007CategoryList::DeleteItem(const std::wstring& id)
+{
+    const TableUse use(m_uses);
+    if (use.IsNested() || !m_pHelper || id.empty())
+        return FALSE;
+    GetItemByID(id);
+    const std::size_t position = FindItem(id, 0);
+    if (!m_document || (!m_pCurrentItem && position == ItemIndex::kNotFound))
+        return FALSE;
+    CategoryDocument changed = *m_document;
+    if (!changed.Remove(id) || !Store(std::move(changed)))
+        return FALSE;
+    if (position != ItemIndex::kNotFound)
+        Erase(position);
+    return TRUE;
+}
