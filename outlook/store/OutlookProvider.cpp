@@ -1,6 +1,9 @@
 #include "outlook/store/OutlookProvider.h"
 
 #include "outlook/calendar/OutlookCalendarTable.h"
+#include "outlook/categories/Outlook2003CategoryList.h"
+#include "outlook/categories/Outlook2007CategoryList.h"
+#include "outlook/contacts/OutlookAddressGroupTable.h"
 #include "outlook/contacts/OutlookAddressTable.h"
 #include "outlook/store/MAPIProxcy.h"
 #include "outlook/store/MapiMemory.h"
@@ -36,6 +39,10 @@ constexpr ULONG kContactsTag = 0x36D10102;    // PR_IPM_CONTACT_ENTRYID
 constexpr ULONG kCalendarTag = 0x36D00102;    // PR_IPM_APPOINTMENT_ENTRYID
 constexpr ULONG kWastebasketTag = 0x35E30102; // PR_IPM_WASTEBASKET_ENTRYID
 constexpr ULONG kSubtreeTag = 0x35E00102;     // PR_IPM_SUBTREE_ENTRYID
+
+// Kept as it is: Outlook 2007 itself counts as version 0 (see OutlookLibrary) and so has the
+// categories of 2003. Pinned by OutlookProviderTest.
+constexpr int kFirstVersionWithCategoryMessage = 2007;
 
 constexpr wchar_t kCategoryMessageClass[] = L"IPM.Configuration.CategoryList";
 
@@ -126,7 +133,7 @@ struct COutlookProvider::FolderKind
     static const FolderKind* Of(const wchar_t* containerClass);
 };
 
-// A kind of table. One that is not listed does not exist in this build.
+// A kind of table.
 struct COutlookProvider::TableKind
 {
     int type;
@@ -134,6 +141,18 @@ struct COutlookProvider::TableKind
 };
 
 const COutlookProvider::TableKind COutlookProvider::kTableKinds[] = {
+    {ContactCategory,
+     [](COutlookProvider& provider) -> std::unique_ptr<IEnumerator> {
+         if (provider.m_version < kFirstVersionWithCategoryMessage)
+             return std::make_unique<COutlook2003CategoryList>();
+         return std::make_unique<COutlook2007CategoryList>(provider.m_pCategoryMessage.Get(),
+                                                           provider.m_pHelper.get());
+     }},
+    {ContactGroup,
+     [](COutlookProvider& provider) -> std::unique_ptr<IEnumerator> {
+         return std::make_unique<COutlookAddressGroupTable>(provider.m_pContactFolder.Get(),
+                                                            provider.m_pHelper.get());
+     }},
     {AddressBook,
      [](COutlookProvider& provider) -> std::unique_ptr<IEnumerator> {
          return std::make_unique<COutlookAddressTable>(
@@ -532,28 +551,21 @@ std::unique_ptr<UserIdentity> COutlookProvider::GetUserProperties()
 
 std::unique_ptr<CAddressBookHandle> COutlookProvider::GetAddressBook()
 {
-    std::unique_ptr<IEnumerator> items = GetEnumerator(AddressBook);
-    if (!items)
-        return nullptr;
-    items->GetItemIDs();
-    items->ResetItem();
-    std::unique_ptr<IEnumerator> groups = GetEnumerator(ContactGroup);
-    if (groups)
-    {
-        groups->GetItemIDs();
-        groups->ResetItem();
-    }
-    return std::make_unique<CAddressBookHandle>(std::move(items), std::move(groups));
+    auto items = LoadTable(AddressBook);
+    return std::make_unique<CAddressBookHandle>(std::move(items), LoadTable(ContactGroup));
 }
 
 std::unique_ptr<CCalendarHandle> COutlookProvider::GetCalendar()
 {
-    std::unique_ptr<IEnumerator> items = GetEnumerator(Calendar);
-    if (!items)
-        return nullptr;
-    items->GetItemIDs();
-    items->ResetItem();
-    return std::make_unique<CCalendarHandle>(std::move(items));
+    return std::make_unique<CCalendarHandle>(LoadTable(Calendar));
+}
+
+std::unique_ptr<IEnumerator> COutlookProvider::LoadTable(int type)
+{
+    std::unique_ptr<IEnumerator> table = GetEnumerator(type);
+    table->GetItemIDs();
+    table->ResetItem();
+    return table;
 }
 
 std::unique_ptr<IEnumerator> COutlookProvider::GetEnumerator(int type)

@@ -38,9 +38,10 @@ class COutlookProvider : public IProvider, public ICallback
 
     // Never null; without an identity its texts are empty.
     std::unique_ptr<UserIdentity> GetUserProperties() override;
-    // Null where this build has no table of that kind.
+    // Never null; their tables are loaded and stand before their first item.
     std::unique_ptr<CAddressBookHandle> GetAddressBook() override;
     std::unique_ptr<CCalendarHandle> GetCalendar() override;
+    // A table that is not loaded; null for a type of no table.
     std::unique_ptr<IEnumerator> GetEnumerator(int type) override;
     // True always: a copy of what the walk found, in its order.
     bool GetContactFolders(std::vector<OutlookFolderInfo>& folders) override;
@@ -64,6 +65,7 @@ class COutlookProvider : public IProvider, public ICallback
     bool WalkFolders();
     void GetUserPropertyTable();
 
+    std::unique_ptr<IEnumerator> LoadTable(int type);
     void OpenDefaultFolder(ULONG tag, Microsoft::WRL::ComPtr<IMAPIFolder>& folder);
     bool FindFoldersBelowSubtree();
     bool CreateCategoryMessage();

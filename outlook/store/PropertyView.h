@@ -6,6 +6,7 @@
 #include "platform/WindowsHeaders.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,14 @@ class PropertyView
         for (ULONG i = 0; value && value->Value.MVszW.lppszW && i < value->Value.MVszW.cValues; ++i)
             texts.emplace_back(value->Value.MVszW.lppszW[i] ? value->Value.MVszW.lppszW[i] : L"");
         return texts;
+    }
+    // Empty where the value is absent. One among them may have no bytes, and a null for them.
+    std::span<const SBinary> Binaries(ULONG position) const noexcept
+    {
+        const SPropValue* const value = FindTyped(position, PT_MV_BINARY);
+        if (!value || !value->Value.MVbin.lpbin)
+            return {};
+        return {value->Value.MVbin.lpbin, value->Value.MVbin.cValues};
     }
     // UTC.
     const FILETIME* Time(ULONG position) const noexcept

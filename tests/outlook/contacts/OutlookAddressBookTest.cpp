@@ -53,6 +53,14 @@ class OutlookAddressBookTest : public testing::Test
         const auto time = static_cast<std::uint64_t>(utcModified + 109205.0) * 864'000'000'000ull;
         store.SetTimes(name, time, time);
     }
+    void AddList(const char* name, const wchar_t* listName)
+    {
+        const ULONG tag = PROP_TAG(PT_UNICODE, store.NameProperty(kAddressNames, 0x8053));
+        store.AddMessage(
+            name,
+            "contacts",
+            StoreProps().Text(PR_MESSAGE_CLASS_W, L"IPM.DistList").Text(tag, listName));
+    }
     // As a client does.
     void Start()
     {
@@ -80,6 +88,22 @@ class OutlookAddressBookTest : public testing::Test
         while (names.size() < 50 && book->GetNextItem(contact.ReleaseAndGetAddressOf()) == S_OK)
             names.push_back(TextIn(contact.Get(), &INContactItem::get_FirstName));
         EXPECT_FALSE(contact);
+        return names;
+    }
+
+    // Names of a walk over the groups.
+    std::vector<std::wstring> Groups()
+    {
+        VARIANT_BOOL done = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, book->ResetGroup(&done));
+        std::vector<std::wstring> names;
+        ComPtr<INContactGroup> group;
+        while (names.size() < 50 && book->GetNextGroup(group.ReleaseAndGetAddressOf()) == S_OK)
+        {
+            Bstr name;
+            EXPECT_EQ(S_OK, group->get_Name(name.Put()));
+            names.push_back(TextOf(name.Get()));
+        }
         return names;
     }
 
@@ -202,20 +226,74 @@ TEST_F(OutlookAddressBookTest, TextsOfTheIdentityThatAreMissingLeaveNoStamp)
     EXPECT_THAT(store.PropsOf("new 1"), Not(Contains(StartsWith("80E1"))));
 }
 
-TEST_F(OutlookAddressBookTest, GroupsCannotBeHadAndChangeNothing)
+TEST_F(OutlookAddressBookTest, ReadsUpdatesAndDeletesGroups)
+{
+    AddList("friends", L"Friends");
+    AddList("foes", L"Foes");
+    Start();
+    EXPECT_THAT(Groups(), ElementsAre(L"Friends", L"Foes"));
+    ComPtr<INContactGroup> group;
+    ASSERT_EQ(S_OK, book->GetGroupByID(Bstr(IdOf("friends")).Get(), group.GetAddressOf()));
+    Bstr name;
+    EXPECT_EQ(S_OK, group->get_Name(name.Put()));
+    EXPECT_EQ(L"Friends", TextOf(name.Get()));
+    group->put_Name(Bstr(L"Fellows").Get());
+    VARIANT_BOOL done = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, book->UpdateGroup(group.Get(), &done));
+    EXPECT_EQ(VARIANT_TRUE, done);
+    EXPECT_THAT(Groups(), ElementsAre(L"Fellows", L"Foes"));
+    EXPECT_EQ(S_OK, book->DeleteGroup(Bstr(IdOf("foes")).Get(), &done));
+    EXPECT_EQ(VARIANT_TRUE, done);
+    EXPECT_FALSE(store.Exists("foes"));
+    // Lists are no contacts.
+    EXPECT_THAT(Walk(), ElementsAre(L"Ann", L"Bob"));
+}
+
+TEST_F(OutlookAddressBookTest, ARefreshDoesNotLoadGroupsAgain)
+{
+    AddList("friends", L"Friends");
+    Start();
+    AddList("foes", L"Foes");
+    EXPECT_EQ(S_OK, book->Refresh());
+    EXPECT_THAT(Groups(), ElementsAre(L"Friends"));
+}
+
+// A new group goes to the table of contacts, which takes no group: the message is dropped unsaved.
+TEST_F(OutlookAddressBookTest, AGroupCannotBeAdded)
 {
     Start();
+    store.ClearRecord();
     const auto group = CreateObject<INContactGroup>(CLSID_NContactGroup);
-    ASSERT_TRUE(group);
+    group->put_Name(Bstr(L"Friends").Get());
     Bstr id;
     EXPECT_EQ(E_FAIL, book->AddGroup(group.Get(), id.Put()));
+    EXPECT_THAT(store.Calls(),
+                ElementsAre("IMAPIFolder(contacts).QueryInterface(IMAPIFolder)",
+                            "IMAPIFolder(contacts).CreateMessage(null, 00000000)",
+                            "IMessage(new 1).QueryInterface(IMAPIProp)"));
     EXPECT_THAT(store.ChildrenOf("contacts"), ElementsAre("family", "ann"));
-    VARIANT_BOOL done = VARIANT_TRUE;
-    EXPECT_EQ(E_FAIL, book->ResetGroup(&done));
-    ComPtr<INContactGroup> none;
-    EXPECT_EQ(E_FAIL, book->GetNextGroup(none.GetAddressOf()));
-    EXPECT_EQ(E_FAIL, book->UpdateGroup(group.Get(), &done));
-    EXPECT_EQ(E_FAIL, book->DeleteGroup(Bstr(L"00").Get(), &done));
+}
+
+TEST_F(OutlookAddressBookTest, AnEnumeratorOfGroupsAddsWhatIsNoGroupLater)
+{
+    AddList("friends", L"Friends");
+    Start();
+    ComPtr<INEnumerator> groups;
+    ASSERT_EQ(S_OK, service->GetEnumerator(ContactGroup, groups.GetAddressOf()));
+    const auto group = CreateObject<INContactGroup>(CLSID_NContactGroup);
+    group->put_Name(Bstr(L"Foes").Get());
+    Bstr id;
+    EXPECT_EQ(S_OK, groups->AddItem(QueryItem<INEntityItem>(group.Get()).Get(), id.Put()));
+    EXPECT_EQ(IdOf("new 1"), TextOf(id.Get()));
+    EXPECT_THAT(store.PropsOf("new 1"), Contains("001A001F \"IPM.Appointment\""));
+    ComPtr<INEntityItem> item;
+    EXPECT_EQ(S_OK, groups->GetItemByID(id.Get(), item.GetAddressOf()));
+    groups.Reset();
+    ASSERT_EQ(S_OK, service->GetEnumerator(ContactGroup, groups.GetAddressOf()));
+    EXPECT_EQ(S_OK, groups->GetNextItem(item.ReleaseAndGetAddressOf()));
+    EXPECT_TRUE(QueryItem<INContactGroup>(item.Get()));
+    EXPECT_EQ(E_FAIL, groups->GetNextItem(item.ReleaseAndGetAddressOf()));
+    groups.Reset();
 }
 
 TEST_F(OutlookAddressBookTest, AnEnumeratorOfContactsIsLoadedToo)

@@ -1,7 +1,13 @@
 // The provider over the recording store: each call of the logon, the walks and the end.
 #include "outlook/store/OutlookProvider.h"
 
+#include "outlook/calendar/OutlookCalendarTable.h"
+#include "outlook/categories/Outlook2003CategoryList.h"
+#include "outlook/categories/Outlook2007CategoryList.h"
+#include "outlook/contacts/OutlookAddressGroupTable.h"
+#include "outlook/contacts/OutlookAddressTable.h"
 #include "outlook/store/EntryIdText.h"
+#include "service/ItemAccess.h"
 #include "support/DebugOutputCapture.h"
 #include "tests/outlook/ExportNames.h"
 #include "tests/outlook/FakeMapi.h"
@@ -1011,8 +1017,72 @@ TEST_F(OutlookProviderTest, ABareProviderCopesWithEveryOperation)
     EXPECT_NE(nullptr, provider->GetAddressBook());
     EXPECT_NE(nullptr, provider->GetCalendar());
     for (int type = -1; type <= 5; ++type)
-        EXPECT_EQ(type == AddressBook || type == Calendar, provider->GetEnumerator(type) != nullptr)
+        EXPECT_EQ(type >= ContactCategory && type <= Calendar,
+                  provider->GetEnumerator(type) != nullptr)
             << type;
     EXPECT_EQ(Names{}, ContactFolders());
     EXPECT_EQ(Names{}, CalendarFolders());
+}
+
+// --- Tables --------------------------------------------------------------------------------------
+
+TEST_F(OutlookProviderTest, MakesTheTableOfEachKindWithoutLoadingIt)
+{
+    AddUsualStore();
+    ASSERT_EQ(S_OK, Logon(2010));
+    store.ClearRecord();
+    EXPECT_TRUE(
+        dynamic_cast<COutlook2007CategoryList*>(provider->GetEnumerator(ContactCategory).get()));
+    EXPECT_TRUE(
+        dynamic_cast<COutlookAddressGroupTable*>(provider->GetEnumerator(ContactGroup).get()));
+    EXPECT_TRUE(dynamic_cast<COutlookAddressTable*>(provider->GetEnumerator(AddressBook).get()));
+    EXPECT_TRUE(dynamic_cast<COutlookCalendarTable*>(provider->GetEnumerator(Calendar).get()));
+    EXPECT_EQ(StoreLines{}, store.Calls());
+}
+
+TEST_F(OutlookProviderTest, OnlyVersion2010HasItsCategoriesInTheMessage)
+{
+    AddUsualStore();
+    ASSERT_EQ(S_OK, Logon(2003));
+    EXPECT_TRUE(
+        dynamic_cast<COutlook2003CategoryList*>(provider->GetEnumerator(ContactCategory).get()));
+    provider = std::make_unique<COutlookProvider>();
+    ASSERT_EQ(S_OK, Logon(0)); // an Outlook 2007 too
+    EXPECT_TRUE(
+        dynamic_cast<COutlook2003CategoryList*>(provider->GetEnumerator(ContactCategory).get()));
+}
+
+TEST_F(OutlookProviderTest, CategoriesComeFromTheMessageThatTheLogonFound)
+{
+    AddUsualStore();
+    store.SetProps(
+        "categories",
+        StoreProps().Bytes(0x7C080102, {'<', 'r', '>', '<', 'c', '/', '>', '<', '/', 'r', '>'}));
+    ASSERT_EQ(S_OK, Logon(2010));
+    const auto categories = provider->GetEnumerator(ContactCategory);
+    store.ClearRecord();
+    categories->GetItemIDs();
+    EXPECT_EQ((StoreLines{"IMessage(categories).GetProps([7C080102], 80000000)"}), store.Calls());
+    categories->ResetItem();
+    categories->GetNextItem();
+    EXPECT_TRUE(CurrentItem(*categories));
+    // It ends with the provider.
+    provider.reset();
+    categories->ResetItem();
+    categories->GetNextItem();
+    EXPECT_FALSE(CurrentItem(*categories));
+}
+
+TEST_F(OutlookProviderTest, LoadsContactsAndThenGroupsForAnAddressBook)
+{
+    AddUsualStore();
+    ASSERT_EQ(S_OK, Logon());
+    store.ClearRecord();
+    const auto book = provider->GetAddressBook();
+    const std::string contents = "IMAPIFolder(contacts).GetContentsTable(80000000)";
+    const std::string columns = "IMAPITable(contacts contents table).SetColumns("
+                                "[0FFF0102 001A001F 30080040], 00000000)";
+    const std::string count = "IMAPITable(contacts contents table).GetRowCount(00000000)";
+    EXPECT_EQ((StoreLines{contents, columns, count, contents, columns, count}), store.Calls());
+    EXPECT_TRUE(book->HasGroups());
 }

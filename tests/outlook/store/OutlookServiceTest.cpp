@@ -456,14 +456,17 @@ TEST_F(OutlookServiceTest, AClientReadsOneRecordPerContactFolder)
     EXPECT_EQ(0u, stopped.Get()->rgsabound[0].cElements);
 }
 
-TEST_F(OutlookServiceTest, KindsWithoutATableCannotBeCreated)
+TEST_F(OutlookServiceTest, EveryKindOfEnumeratorCanBeCreatedButTheDefaultOne)
 {
     ASSERT_EQ(S_OK, Start(L"Microsoft Outlook"));
     INEnumerator* const mine = reinterpret_cast<INEnumerator*>(1);
-    for (const auto type : {ContactCategory, ContactGroup})
+    INEnumerator* untouched = mine;
+    EXPECT_EQ(S_OK, service->GetEnumerator(Default, &untouched));
+    EXPECT_EQ(mine, untouched);
+    for (const auto type : {ContactCategory, ContactGroup, AddressBook, Calendar})
     {
-        INEnumerator* untouched = mine;
-        EXPECT_EQ(S_OK, service->GetEnumerator(type, &untouched));
-        EXPECT_EQ(mine, untouched);
+        ComPtr<INEnumerator> enumerator;
+        EXPECT_EQ(S_OK, service->GetEnumerator(type, enumerator.GetAddressOf()));
+        EXPECT_TRUE(enumerator) << type;
     }
 }
