@@ -735,6 +735,29 @@ constexpr WritingCase kCases[] = {
         8005001F ""
         80060003 0
         10800003 512)_"},
+    // 0.864 s, which count forward from midnight of 1899-12-30 and round to one.
+    {"TheNegativeOneThatIsLargeEnough", R"_(Birthday -0.00001)_", R"_(
+        3A17001F ""
+        3A16001F ""
+        3A420040 94353120010000000
+        80DE0040 94353120010000000
+        3001001F ""
+        0037001F ""
+        8005001F ""
+        80060003 0
+        10800003 512)_"},
+    {"ADateOfZero",
+     R"_(
+        Birthday 0
+        Anniversary 0)_",
+     R"_(
+        3A17001F ""
+        3A16001F ""
+        3001001F ""
+        0037001F ""
+        8005001F ""
+        80060003 0
+        10800003 512)_"},
     {"Categories",
      R"_(
         Category "Friends"
