@@ -86,7 +86,7 @@ std::wstring ShownName()
     return found ? name : L"";
 }
 
-void AddIdentity(Database& database, const UserIdentity& user)
+void AddIdentity(Database& database, const ProfileUser& user)
 {
     database.Prepare("INSERT INTO identity (id, entry_id) VALUES (1, ?1)")
         .Bind(1, NewEntryId(kUserObject))
@@ -229,9 +229,9 @@ std::int64_t CurrentFileTime()
     return static_cast<std::int64_t>((std::uint64_t{now.dwHighDateTime} << 32) | now.dwLowDateTime);
 }
 
-UserIdentity LoggedOnUser()
+ProfileUser LoggedOnUser()
 {
-    UserIdentity user{AccountName(), ShownName()};
+    ProfileUser user{AccountName(), ShownName()};
     if (user.displayName.empty())
         user.displayName = user.account;
     return user;
@@ -239,11 +239,11 @@ UserIdentity LoggedOnUser()
 
 bool LacksProfile(Database& database)
 {
-    return !RootFolder(database) ||
-           database.QueryInteger("SELECT count(*) FROM identity") == 0 || LacksUsualNames(database);
+    return !RootFolder(database) || database.QueryInteger("SELECT count(*) FROM identity") == 0 ||
+           LacksUsualNames(database);
 }
 
-bool EnsureDefaultProfile(Database& database, const UserIdentity& user)
+bool EnsureDefaultProfile(Database& database, const ProfileUser& user)
 {
     if (!LacksProfile(database))
         return false;

@@ -59,7 +59,7 @@ std::int64_t AddFolder(Database& database,
 // 100 ns since 1601-01-01 UTC.
 std::int64_t CurrentFileTime();
 
-struct UserIdentity
+struct ProfileUser
 {
     std::wstring account;
     std::wstring displayName;
@@ -67,7 +67,7 @@ struct UserIdentity
 
 // The user who runs this process; the account's name stands in for a missing display name. It may
 // take the system a while to find out.
-UserIdentity LoggedOnUser();
+ProfileUser LoggedOnUser();
 
 // Whether a store lacks something that EnsureDefaultProfile makes.
 bool LacksProfile(Database& database);
@@ -76,4 +76,4 @@ bool LacksProfile(Database& database);
 // properties; a root with the subtree "Top of Personal Folders" and in it Inbox, Deleted Items,
 // Calendar and Contacts. A store that has a root keeps its folders as they are. In one transaction.
 // Returns: whether anything was made.
-bool EnsureDefaultProfile(Database& database, const UserIdentity& user);
+bool EnsureDefaultProfile(Database& database, const ProfileUser& user);

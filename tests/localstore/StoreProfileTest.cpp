@@ -139,7 +139,7 @@ TEST(StoreProfileTest, ARoleThatLeadsNowhereIsNone)
 
 TEST(StoreProfileTest, TheLoggedOnUserHasNames)
 {
-    const UserIdentity user = LoggedOnUser();
+    const ProfileUser user = LoggedOnUser();
     wchar_t name[257] = {};
     DWORD size = 257;
     ASSERT_TRUE(GetUserNameW(name, &size));
