@@ -1,6 +1,7 @@
 #include "client/AppointmentAccess.h"
 
 #include "client/Failure.h"
+#include "client/SystemZone.h"
 #include "client/core/CommandLine.h"
 #include "platform/Bstr.h"
 
@@ -104,11 +105,15 @@ Appointment ReadAppointment(INAppointment* item, ReadFields fields)
     values.end = GetValue(item, &INAppointment::get_EndTime);
     values.allDay = GetFlag(item, &INAppointment::get_AllDay);
     values.recurrence = GetRecurrence(item);
+    if (values.recurrence && values.start)
+        TakeMonthFromStart(*values.recurrence, *values.start);
     if (fields == ReadFields::ForTable)
         return values;
 
     values.description = GetText(item, &INAppointment::get_Description);
     values.timeZone = GetText(item, &INAppointment::get_TimeZone);
+    if (values.timeZone)
+        values.timeZoneDisplay = ZoneDisplay(*values.timeZone);
     values.persistId = GetText(item, &INAppointment::get_PersistID);
     values.busy = GetFlag(item, &INAppointment::get_IsBusy);
     if (const auto minutes = GetValue(item, &INAppointment::get_Reminder))

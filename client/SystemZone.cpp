@@ -37,4 +37,20 @@ CivilTime SystemZone::UtcFromLocal(const CivilTime& local) const
     SYSTEMTIME to = {};
     return TzSpecificLocalTimeToSystemTime(nullptr, &from, &to) ? FromSystem(to) : local;
 }
+
+std::optional<std::wstring> ZoneDisplay(const std::wstring& keyName)
+{
+    // A key below another one is no zone.
+    if (keyName.empty() || keyName.find(L'\\') != std::wstring::npos)
+        return std::nullopt;
+    const std::wstring key =
+        L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Time Zones\\" + keyName;
+    wchar_t text[260] = {};
+    DWORD bytes = sizeof(text);
+    const LSTATUS status = RegGetValueW(
+        HKEY_LOCAL_MACHINE, key.c_str(), L"Display", RRF_RT_REG_SZ, nullptr, text, &bytes);
+    if (status != ERROR_SUCCESS || !*text)
+        return std::nullopt;
+    return std::wstring(text);
+}
 } // namespace pim

@@ -12,4 +12,8 @@ class SystemZone : public ILocalZone
     CivilTime LocalFromUtc(const CivilTime& utc) const override;
     CivilTime UtcFromLocal(const CivilTime& local) const override;
 };
+
+// What people call the zone of that key, such as "(UTC+01:00) Berlin"; none where this system has
+// no such zone.
+std::optional<std::wstring> ZoneDisplay(const std::wstring& keyName);
 } // namespace pim

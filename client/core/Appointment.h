@@ -18,7 +18,8 @@ struct Appointment
     std::optional<std::wstring> subject;
     std::optional<std::wstring> place;
     std::optional<std::wstring> description;
-    std::optional<std::wstring> timeZone;
+    std::optional<std::wstring> timeZone;        // mostly the key of a zone of the system
+    std::optional<std::wstring> timeZoneDisplay; // "(UTC+01:00) Berlin", where this system has it
     std::optional<DATE> modifiedUtc;
     // UTC; for an all-day item the local days.
     std::optional<DATE> start;

@@ -81,6 +81,14 @@ std::wstring RepeatsOf(const Appointment& item)
     return item.recurrence ? RecurrenceText(*item.recurrence) : std::wstring();
 }
 
+// The zone whose local times the series' days are, by its key and as people call it.
+std::optional<std::wstring> ZoneText(const Appointment& item)
+{
+    if (!item.timeZone || !item.timeZoneDisplay)
+        return item.timeZone;
+    return *item.timeZone + L", " + *item.timeZoneDisplay;
+}
+
 // "2024-05-01 10:00 (2024-05-01 08:00 UTC)"
 std::wstring LocalAndUtc(const CivilTime& utc, const ILocalZone& zone)
 {
@@ -180,7 +188,7 @@ void AddTimes(FieldLines& lines, const Appointment& item, const ILocalZone& zone
 
 void AddExceptions(FieldLines& lines, const Recurrence& recurrence)
 {
-    for (const DATE day : recurrence.deletedLocalDays)
+    for (const DATE day : LeftOutDays(recurrence))
     {
         if (const auto time = CivilFromDate(day))
             lines.Add(L"Left out", FormatDay(*time));
@@ -189,11 +197,15 @@ void AddExceptions(FieldLines& lines, const Recurrence& recurrence)
     {
         const auto original = CivilFromDate(instance.localOriginalStart);
         const auto start = CivilFromDate(instance.localStart);
+        const auto end = CivilFromDate(instance.localEnd);
         std::wstring text;
         if (original)
             text += FormatDayAndClock(*original);
         if (start)
             text += L" is " + FormatDayAndClock(*start);
+        if (start && end && *start < *end)
+            text +=
+                L" to " + (IsSameDay(*start, *end) ? FormatClock(*end) : FormatDayAndClock(*end));
         if (!instance.subject.empty())
             text += L", " + instance.subject;
         if (!instance.place.empty())
@@ -254,7 +266,7 @@ std::wstring AppointmentDetails(const Appointment& item, const ILocalZone& zone)
     lines.Add(L"Subject", item.subject);
     lines.Add(L"Place", item.place);
     AddTimes(lines, item, zone);
-    lines.Add(L"Time zone", item.timeZone);
+    lines.Add(L"Time zone", ZoneText(item));
     lines.Add(L"Repeats", RepeatsOf(item));
     if (item.recurrence)
         AddExceptions(lines, *item.recurrence);

@@ -1,6 +1,7 @@
 #include "client/core/Recurrence.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 
 namespace pim
@@ -349,6 +350,34 @@ void WriteRecurrence(const Recurrence& recurrence, _tagRecurringInfo& record)
     }
 }
 
+void TakeMonthFromStart(Recurrence& recurrence, DATE start)
+{
+    if (recurrence.type != Yearly || recurrence.month != 0)
+        return;
+    // A start in UTC may lie a day beside that of the series' own zone.
+    for (const double day : {0.0, 1.0, -1.0})
+    {
+        const auto time = CivilFromDate(start + day);
+        const bool isOfTheRule = recurrence.rule == Recurrence::Rule::Weekdays ||
+                                 (time && time->day == recurrence.monthDay);
+        if (!time || !isOfTheRule)
+            continue;
+        recurrence.month = time->month;
+        return;
+    }
+}
+
+std::vector<DATE> LeftOutDays(const Recurrence& recurrence)
+{
+    std::vector<DATE> days;
+    std::ranges::copy_if(recurrence.deletedLocalDays, std::back_inserter(days), [&](DATE day) {
+        return std::ranges::none_of(recurrence.modified, [&](const ModifiedInstance& instance) {
+            return std::floor(instance.localOriginalStart) == std::floor(day);
+        });
+    });
+    return days;
+}
+
 std::wstring RecurrenceText(const Recurrence& recurrence)
 {
     std::wstring text = PatternText(recurrence);
@@ -363,9 +392,9 @@ std::wstring RecurrenceText(const Recurrence& recurrence)
         const auto until = CivilFromDate(recurrence.until);
         text += until ? L", until " + FormatDay(*until) : std::wstring(L", until an unknown day");
     }
-    if (!recurrence.deletedLocalDays.empty())
-        text += L", " + CountText(std::uint32_t(recurrence.deletedLocalDays.size()), L"day") +
-                L" left out";
+    const std::vector<DATE> leftOut = LeftOutDays(recurrence);
+    if (!leftOut.empty())
+        text += L", " + CountText(std::uint32_t(leftOut.size()), L"day") + L" left out";
     if (!recurrence.modified.empty())
         text += L", " + CountText(std::uint32_t(recurrence.modified.size()), L"day") + L" changed";
     return text;

@@ -60,8 +60,16 @@ Recurrence ReadRecurrence(const _tagRecurringInfo& record);
 // of theirs, are left out.
 void WriteRecurrence(const Recurrence& recurrence, _tagRecurringInfo& record);
 
+// Stores that keep no month of a yearly series leave it to the start, here the store's own digits:
+// takes the month from there where the series has none but a day to go with it.
+void TakeMonthFromStart(Recurrence& recurrence, DATE start);
+
+// The deleted days that no changed instance stands for: stores list the original day of a changed
+// one among the deleted too.
+std::vector<DATE> LeftOutDays(const Recurrence& recurrence);
+
 // "every 2 weeks on Monday and Friday, until 2024-05-01"; empty for an item that does not recur.
-// Deleted and changed instances are counted at the end.
+// Days left out and changed are counted at the end.
 std::wstring RecurrenceText(const Recurrence& recurrence);
 
 // "15 minutes before"; "none"; "at the start" for 0. Negative as a signed number: behind the start.

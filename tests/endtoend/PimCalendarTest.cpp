@@ -179,7 +179,7 @@ TEST_F(PimCalendarTest, ShowsAnItemByItsIdAndByItsBeginning)
     EXPECT_EQ(Done(L"calendar show {11111111-BBBB-4000-8000-000000000002}"),
               "Subject:    Good Friday\n"
               "All day:    2024-03-29\n"
-              "Time zone:  UTC\n"
+              "Time zone:  UTC, (UTC) Coordinated Universal Time\n"
               "Reminder:   at the start\n"
               "Changed:    2024-01-02 09:00 (2024-01-02 08:00 UTC)\n"
               "ID:         {11111111-BBBB-4000-8000-000000000002}\n");

@@ -108,6 +108,7 @@ TEST(AppointmentTextTest, ShowsEveryFieldOfAnItem)
 {
     Appointment item = Meeting();
     item.description = L"First line\nSecond line";
+    item.timeZoneDisplay = L"(UTC+01:00) Berlin";
     item.busy = true;
     item.modifiedUtc = kMay1 - 1 + 17 * kHour;
     item.folderId = L"00AB";
@@ -128,10 +129,10 @@ TEST(AppointmentTextTest, ShowsEveryFieldOfAnItem)
               L"Place:      Room 5\n"
               L"Start:      2024-05-01 10:00 (2024-05-01 08:00 UTC)\n"
               L"End:        2024-05-01 11:00 (2024-05-01 09:00 UTC)\n"
-              L"Time zone:  W. Europe Standard Time\n"
+              L"Time zone:  W. Europe Standard Time, (UTC+01:00) Berlin\n"
               L"Repeats:    every week on Wednesday, 1 day left out, 1 day changed\n"
               L"Left out:   2024-05-08\n"
-              L"Changed day:2024-05-15 10:00 is 2024-05-15 12:00, Moved, Hall\n"
+              L"Changed day:2024-05-15 10:00 is 2024-05-15 12:00 to 13:00, Moved, Hall\n"
               L"Reminder:   15 minutes before\n"
               L"Shown as:   busy\n"
               L"Changed:    2024-04-30 19:00 (2024-04-30 17:00 UTC)\n"

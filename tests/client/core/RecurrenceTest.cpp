@@ -119,6 +119,39 @@ TEST(RecurrenceTest, CountsDeletedAndChangedInstances)
     EXPECT_EQ(RecurrenceText(series), L"every day, 2 days left out, 1 day changed");
 }
 
+TEST(RecurrenceTest, CountsTheOriginalDayOfAChangedInstanceAsChangedAlone)
+{
+    Recurrence series = Series(Daily, 1);
+    series.deletedLocalDays = {kMay1, kMay1 + 1, kMay1 + 2};
+    series.modified.resize(2);
+    series.modified[0].localOriginalStart = kMay1 + 1 + 9 * kHour;
+    series.modified[1].localOriginalStart = kMay1 + 5;
+    EXPECT_EQ(LeftOutDays(series), (std::vector<DATE>{kMay1, kMay1 + 2}));
+    EXPECT_EQ(RecurrenceText(series), L"every day, 2 days left out, 2 days changed");
+    series.deletedLocalDays = {kMay1 + 1};
+    EXPECT_EQ(RecurrenceText(series), L"every day, 2 days changed");
+}
+
+TEST(RecurrenceTest, TakesTheMonthOfAYearlySeriesFromItsStart)
+{
+    const auto wordsOf = [](Recurrence series, DATE start) {
+        TakeMonthFromStart(series, start);
+        return RecurrenceText(series);
+    };
+    const Recurrence first = OnMonthDay(Series(Yearly, 1), 1);
+    EXPECT_EQ(wordsOf(first, kMay1), L"every year on May 1");
+    // The start in UTC lies in the evening before, or behind midnight of the day that follows.
+    EXPECT_EQ(wordsOf(first, kMay1 - 2 * kHour), L"every year on May 1");
+    EXPECT_EQ(wordsOf(first, kMay1 + 25 * kHour), L"every year on May 1");
+    EXPECT_EQ(wordsOf(first, kMay1 + 3), L"every year on day 1");
+    EXPECT_EQ(wordsOf(first, 0.0), L"every year on day 1");
+    EXPECT_EQ(wordsOf(OnMonthDay(Series(Yearly, 1), 1, 3), kMay1), L"every year on March 1");
+    EXPECT_EQ(wordsOf(OnNth(Series(Yearly, 1), -1, {5}), kMay1 + 9),
+              L"every year on the last Friday of May");
+    EXPECT_EQ(wordsOf(Series(Yearly, 1), kMay1), L"every year");
+    EXPECT_EQ(wordsOf(OnMonthDay(Series(Monthly, 1), 1), kMay1), L"every month on day 1");
+}
+
 TEST(RecurrenceTest, ReadsOnlyThePartThatTheTypeMakesValid)
 {
     const auto record = EmptyRecord();
