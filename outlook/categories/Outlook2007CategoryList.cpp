@@ -115,7 +115,10 @@ bool COutlook2007CategoryList::WriteStream(const std::string& text)
     SPropProblemArray* problems = nullptr;
     const HRESULT set = m_message->SetProps(1, &value, &problems);
     const auto owned = AdoptMapiBuffer(SUCCEEDED(set) ? problems : nullptr, m_pHelper->Proxy());
-    return SUCCEEDED(set) && SUCCEEDED(m_message->SaveChanges(FORCE_SAVE));
+    // A problem with the one value is told as a success of the call.
+    if (FAILED(set) || (owned && owned->cProblem != 0))
+        return false;
+    return SUCCEEDED(m_message->SaveChanges(FORCE_SAVE));
 }
 
 bool COutlook2007CategoryList::Store(CategoryDocument changed)

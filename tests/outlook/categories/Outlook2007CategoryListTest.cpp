@@ -6,6 +6,7 @@
 #include "outlook/store/TagArray.h"
 #include "platform/GuidSource.h"
 #include "tests/outlook/categories/CategoryItems.h"
+#include "tests/outlook/store/FaultSession.h"
 #include "tests/outlook/store/TableFixture.h"
 #include "tests/recordingstore/FaultHarness.h"
 #include "tests/recordingstore/StoreInterruption.h"
@@ -393,6 +394,17 @@ TEST_F(Outlook2007CategoryListTest, AnAddThatCannotBeStoredChangesNothing)
     EXPECT_THAT(Stored(), HasSubstr("name=\"Three\""));
 }
 
+// The call succeeds and tells a problem: nothing was set, and there is nothing to save.
+TEST_F(Outlook2007CategoryListTest, AValueThatTheStoreDidNotTakeIsNotSaved)
+{
+    Load(kTwo);
+    store.FailNext("IMessage(categories).SetProps", StoreFault::FewerValues);
+    EXPECT_EQ(L"", Add(CategoryOf(L"One").Get()));
+    EXPECT_EQ(1u, store.Calls().size());
+    EXPECT_THAT(Walk(*list), ElementsAre(L"Work", L"Home"));
+    EXPECT_EQ(kTwo, Stored());
+}
+
 TEST_F(Outlook2007CategoryListTest, WhatCouldNotBeReadAgainIsNotWritten)
 {
     Load(kTwo);
@@ -601,21 +613,19 @@ TEST_F(Outlook2007CategoryListTest, WhileAStoreCallRunsNothingElseChangesTheList
 
 // --- Every call that may fail ------------------------------------------------------------------
 
-namespace
-{
-constexpr StoreFault kAllFaults[] = {StoreFault::OutOfMemory,
-                                     StoreFault::CallFailed,
-                                     StoreFault::NullOutput,
-                                     StoreFault::FewerValues,
-                                     StoreFault::WrongTypes,
-                                     StoreFault::ShortRows};
-} // namespace
-
 // The harness has stores of its own, one at a time.
 TEST(Outlook2007CategoryListFaultTest, NoFailureLosesAStoredCategory)
 {
+    constexpr char kWork[] = "    <category name=\"Work\" color=\"3\" keyboardShortcut=\"5\" "
+                             "guid=\"{A}\" lastTimeUsed=\"2011-03-19T12:00:00.000\" />\n";
+    const std::string addedElement =
+        std::string("    <category xmlns=\"\" name=\"Fun\" color=\"0\" ") + kUnused +
+        "lastTimeUsed=\"2011-03-19T18:00:00.000\" "
+        "lastSessionUsed=\"1601-01-01T00:00:00.000\" guid=\"{1}\" />\n";
+    const ScopedGuidSource source([] { return std::wstring(L"{1}"); });
     std::vector<BYTE> id;
     std::wstring added;
+    bool hasUpdated = false;
     bool hasDeleted = false;
     const FaultTotals totals = RunFaults(
         {.name = "categories",
@@ -629,48 +639,43 @@ TEST(Outlook2007CategoryListFaultTest, NoFailureLosesAStoredCategory)
          .action =
              [&] {
                  added.clear();
-                 hasDeleted = false;
-                 auto proxy = std::make_unique<CMAPIProxcy>();
-                 MAPIINIT_0 init = {0, 8} /* MAPI_NO_COINIT */;
-                 if (!proxy->Load(RecordingStore::Path(), &init))
-                     return;
-                 CMAPIHelper helper(std::move(proxy));
-                 ComPtr<IMAPISession> session;
-                 helper.Proxy().MAPILogonEx(0, nullptr, nullptr, 0, session.GetAddressOf());
-                 ULONG type = 0;
-                 ComPtr<IUnknown> object;
-                 if (session)
-                     session->OpenEntry(static_cast<ULONG>(id.size()),
-                                        reinterpret_cast<ENTRYID*>(id.data()),
-                                        nullptr,
-                                        MAPI_BEST_ACCESS,
-                                        &type,
-                                        object.GetAddressOf());
-                 if (!object)
+                 hasUpdated = hasDeleted = false;
+                 const FaultSession session;
+                 const auto message = session.Open<IMessage>(id, MAPI_MESSAGE);
+                 if (!message)
                      return; // the failing call was the session's own
-                 StoppedList list(static_cast<IMAPIProp*>(object.Get()), &helper);
+                 StoppedList list(message.Get(), session.Helper());
                  list.GetItemIDs();
                  list.ResetItem();
                  list.GetNextItem();
                  std::wstring folderID;
                  added = list.AddItem(CategoryOf(L"Fun").Get(), folderID);
-                 list.UpdateItem(CategoryOf(L"Heim", L"{B}").Get());
+                 hasUpdated = list.UpdateItem(CategoryOf(L"Heim", L"{B}").Get());
                  hasDeleted = list.DeleteItem(L"{A}");
              },
          .check =
              [&](const FaultRun& run, RecordingStore& store) {
-                 std::string stored;
-                 for (const std::string& line : store.PropsOf("categories"))
-                     if (line.starts_with("7C080102"))
-                         stored = line;
-                 // The declaration, whatever happened.
-                 EXPECT_THAT(stored, HasSubstr("<3C3F786D6C2076657273696F6E")) << run.line;
                  if (run.fault == StoreFault::None)
                  {
-                     EXPECT_NE(L"", added);
-                     EXPECT_TRUE(hasDeleted);
+                     EXPECT_TRUE(!added.empty() && hasUpdated && hasDeleted);
                  }
+                 // A store that says it saved and did not is beyond help.
+                 if (run.fault == StoreFault::NullOutput)
+                     return;
+                 // What is stored is what the results tell, here by its size.
+                 std::size_t size = sizeof kTwo - 1;
+                 if (!added.empty())
+                     size += addedElement.size();
+                 if (hasUpdated)
+                     size += std::string_view(" lastTimeUsed=\"2011-03-19T18:00:00.000\"").size();
+                 if (hasDeleted)
+                     size -= sizeof kWork - 1;
+                 EXPECT_THAT(store.PropsOf("categories"),
+                             testing::Contains(testing::AllOf(
+                                 testing::StartsWith("7C080102 <3C3F786D6C"),
+                                 testing::EndsWith("... " + std::to_string(size) + " bytes>"))))
+                     << run.line;
              }},
-        kAllFaults);
+        kAllStoreFaults);
     EXPECT_GT(totals.runs, 30u);
 }

@@ -1,6 +1,7 @@
 // Every call that loading, reading, adding, updating and deleting of contacts make, going wrong in
 // each way in which a store may.
 #include "outlook/contacts/ContactTableFixture.h"
+#include "tests/outlook/store/FaultSession.h"
 #include "tests/recordingstore/FaultHarness.h"
 
 #include <gmock/gmock.h>
@@ -13,13 +14,6 @@ using testing::ElementsAre;
 
 namespace
 {
-constexpr StoreFault kAllFaults[] = {StoreFault::OutOfMemory,
-                                     StoreFault::CallFailed,
-                                     StoreFault::NullOutput,
-                                     StoreFault::FewerValues,
-                                     StoreFault::WrongTypes,
-                                     StoreFault::ShortRows};
-
 // The harness has stores of its own, one at a time.
 class ContactFaultTest : public testing::Test
 {
@@ -47,35 +41,6 @@ class ContactFaultTest : public testing::Test
                                 .Bytes(0x37010102, {1, 2, 3}));
     }
 
-    static std::unique_ptr<CMAPIHelper> Bind()
-    {
-        auto proxy = std::make_unique<CMAPIProxcy>();
-        MAPIINIT_0 init = {0, 8} /* MAPI_NO_COINIT */;
-        return proxy->Load(RecordingStore::Path(), &init)
-                   ? std::make_unique<CMAPIHelper>(std::move(proxy))
-                   : nullptr;
-    }
-    ComPtr<IMAPIFolder> OpenFolder(CMAPIHelper& helper) const
-    {
-        ComPtr<IMAPISession> session;
-        helper.Proxy().MAPILogonEx(0, nullptr, nullptr, 0, session.GetAddressOf());
-        ComPtr<IMAPIFolder> folder;
-        if (!session)
-            return folder;
-        std::vector<BYTE> id = contactsID;
-        ULONG type = 0;
-        ComPtr<IUnknown> object;
-        session->OpenEntry(static_cast<ULONG>(id.size()),
-                           reinterpret_cast<ENTRYID*>(id.data()),
-                           nullptr,
-                           MAPI_BEST_ACCESS,
-                           &type,
-                           object.GetAddressOf());
-        if (object && type == MAPI_FOLDER)
-            folder = static_cast<IMAPIFolder*>(object.Get());
-        return folder;
-    }
-
     // A session with a table, and what to do with it; without a failure that gives what the check
     // expects.
     void Run(const char* name,
@@ -92,15 +57,14 @@ class ContactFaultTest : public testing::Test
                            },
                        .action =
                            [&] {
-                               const auto helper = Bind();
-                               if (!helper)
-                                   return;
-                               const ComPtr<IMAPIFolder> folder = OpenFolder(*helper);
+                               const FaultSession session;
+                               const auto folder =
+                                   session.Open<IMAPIFolder>(contactsID, MAPI_FOLDER);
                                if (!folder)
                                    return; // the failing call was the session's own
                                COutlookAddressTable table(
                                    folder.Get(),
-                                   helper.get(),
+                                   session.Helper(),
                                    {{folder, true, 1, HexOf(contactsID), L"Contacts"}});
                                work(table);
                            },
@@ -109,7 +73,7 @@ class ContactFaultTest : public testing::Test
                                if (run.fault == StoreFault::None)
                                    checkSuccess(store);
                            }},
-                      kAllFaults);
+                      kAllStoreFaults);
         EXPECT_GT(totals.runs, 30u);
     }
 

@@ -329,3 +329,48 @@ TEST_F(OutlookAddressBookTest, AfterAStopItAnswersWithFailures)
     EXPECT_THAT(store.Calls(), IsEmpty());
     EXPECT_EQ(L"Ann", TextIn(contact.Get(), &INContactItem::get_FirstName));
 }
+
+TEST_F(OutlookAddressBookTest, GroupsAndCategoriesHeldOverAStopAnswerWithFailures)
+{
+    AddList("friends", L"Friends");
+    store.SetProps(
+        "categories",
+        StoreProps().Bytes(0x7C080102, {'<', 'r', '>', '<', 'c', '/', '>', '<', '/', 'r', '>'}));
+    Start();
+    ComPtr<INContactGroup> group;
+    ASSERT_EQ(S_OK, book->GetNextGroup(group.GetAddressOf()));
+    ComPtr<INEnumerator> tables[2];
+    ComPtr<INEntityItem> items[2];
+    for (const int i : {0, 1})
+    {
+        const auto type = i == 0 ? ContactGroup : ContactCategory;
+        ASSERT_EQ(S_OK, service->GetEnumerator(type, tables[i].GetAddressOf()));
+        ASSERT_EQ(S_OK, tables[i]->GetNextItem(items[i].GetAddressOf()));
+        VARIANT_BOOL done = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, tables[i]->ResetItem(&done));
+    }
+    EXPECT_EQ(S_OK, service->StopService());
+    store.ClearRecord();
+    VARIANT_BOOL done = VARIANT_FALSE;
+    ComPtr<INContactGroup> none;
+    EXPECT_EQ(S_OK, book->ResetGroup(&done));
+    EXPECT_EQ(E_FAIL, book->GetNextGroup(none.GetAddressOf()));
+    EXPECT_EQ(E_FAIL, book->GetGroupByID(Bstr(IdOf("friends")).Get(), none.GetAddressOf()));
+    EXPECT_EQ(E_FAIL, book->UpdateGroup(group.Get(), &done));
+    EXPECT_EQ(E_FAIL, book->DeleteGroup(Bstr(IdOf("friends")).Get(), &done));
+    for (const int i : {0, 1})
+    {
+        INEnumerator& table = *tables[i].Get();
+        ComPtr<INEntityItem> item;
+        EXPECT_EQ(S_OK, table.Refresh());
+        EXPECT_EQ(S_OK, table.ResetItem(&done));
+        EXPECT_EQ(E_FAIL, table.GetNextItem(item.GetAddressOf()));
+        EXPECT_EQ(E_FAIL, table.GetItemByID(Bstr(IdOf("friends")).Get(), item.GetAddressOf()));
+        EXPECT_EQ(E_FAIL, table.UpdateItem(items[i].Get(), &done));
+        EXPECT_EQ(E_FAIL, table.DeleteItem(Bstr(IdOf("friends")).Get(), &done));
+        Bstr id;
+        EXPECT_EQ(E_FAIL, table.AddItem(items[i].Get(), id.Put()));
+    }
+    EXPECT_THAT(store.Calls(), IsEmpty());
+    EXPECT_TRUE(store.Exists("friends"));
+}
