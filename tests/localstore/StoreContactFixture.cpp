@@ -1,7 +1,6 @@
 #include "tests/localstore/StoreContactFixture.h"
 
 #include "outlook/store/EntryIdText.h"
-#include "outlook/store/OutlookLibrary.h"
 
 namespace
 {
@@ -13,12 +12,6 @@ std::wstring TextOfGet(INContactItem* contact,
     return TextOf(text.Get());
 }
 } // namespace
-
-void StoreContactTest::SetUp()
-{
-    StoreTest::SetUp();
-    ASSERT_EQ(S_OK, m_classes.Register(GetObjectMap(), CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE));
-}
 
 void StoreContactTest::TearDown()
 {
@@ -44,19 +37,14 @@ ComPtr<IMAPIFolder> StoreContactTest::AddContactFolder(const wchar_t* name)
 void StoreContactTest::OpenTable()
 {
     CloseTable();
-    m_provider = std::make_unique<COutlookProvider>();
-    ASSERT_EQ(S_OK,
-              m_provider->Logon(OutlookLibrary{ProgramFolder() + L"PimLocalStore.dll", 2010}));
-    table = m_provider->GetEnumerator(AddressBook);
-    ASSERT_TRUE(table);
-    table->GetItemIDs();
-    table->ResetItem();
+    ASSERT_NO_FATAL_FAILURE(LogOnProvider());
+    table = LoadTable(AddressBook);
 }
 
 void StoreContactTest::CloseTable()
 {
     table.reset();
-    m_provider.reset();
+    provider.reset();
 }
 
 std::list<ItemEntry> StoreContactTest::Entries()

@@ -2,22 +2,18 @@
 // PimLocalStore.dll, and its table of contacts.
 #pragma once
 
-#include "automation/ClassObjects.h"
 #include "outlook/contacts/ContactText.h"
-#include "outlook/store/OutlookProvider.h"
 #include "platform/Bstr.h"
 #include "service/ItemAccess.h"
-#include "support/TestModule.h"
-#include "tests/localstore/StoreClient.h"
+#include "tests/localstore/StoreProviderFixture.h"
 
 #include <list>
 #include <memory>
 #include <string>
 
-class StoreContactTest : public StoreTest
+class StoreContactTest : public StoreProviderTest
 {
   protected:
-    void SetUp() override;
     void TearDown() override;
 
     // A contact folder below the default one.
@@ -40,9 +36,4 @@ class StoreContactTest : public StoreTest
     std::wstring HexIdOf(IMAPIProp* object);
 
     std::unique_ptr<IEnumerator> table;
-
-  private:
-    TestModule m_module;
-    ClassObjects m_classes;
-    std::unique_ptr<COutlookProvider> m_provider;
 };
