@@ -210,6 +210,42 @@ TEST_F(MessageStoreTest, ALogonChangesNothingButForAMissingCategoryMessage)
     EXPECT_EQ(once, s_store->Dump());
 }
 
+// Two records in one array. 2024-05-01 is 45413 days after 1899-12-30, and 10:30 is 0.4375 of a
+// day.
+TEST_F(MessageStoreTest, TheBasicsOfAllContactsComeFromEveryFolder)
+{
+    const auto contact = [](const std::string& id, const std::string& itemClass) {
+        return R"({"entryId": ")" + id +
+               R"(", "modified": "2024-05-01T10:30:00Z", "properties": [
+                   {"tag": "PR_MESSAGE_CLASS_W", "value": ")" +
+               itemClass + R"("}]})";
+    };
+    const std::string first = "0000000050530501E0000000000000000000000000000021";
+    const std::string second = "0000000050530501E0000000000000000000000000000022";
+    const std::string list = "0000000050530501E0000000000000000000000000000023";
+    s_store->Load(Store(FolderText(
+        1,
+        "",
+        "",
+        {FolderText(4,
+                    "",
+                    Roles(R"("subtree")"),
+                    {FolderText(2,
+                                "IPF.Contact",
+                                Roles(R"("contacts")") + R"(, "messages": [)" +
+                                    contact(first, "IPM.Contact") + ']',
+                                {FolderText(5,
+                                            "IPF.Contact",
+                                            R"(, "messages": [)" + contact(list, "IPM.DistList") +
+                                                ", " + contact(second, "IPM.Contact.SBE") + ']')}),
+                     FolderText(3, "IPF.Appointment", Roles(R"("calendar")"))})})));
+    EXPECT_EQ("start 00000000\ncontacts 00000000\n" + first + ' ' + FolderId(2) + " 45413.4375\n" +
+                  second + ' ' + FolderId(5) + " 45413.4375\nstop 00000000\n",
+              TakeSteps(L"start \"Microsoft Outlook\" contacts stop"));
+    // Without a service there is no book.
+    EXPECT_EQ("contacts 00000000 no book\nno array of records\n", TakeSteps(L"contacts"));
+}
+
 // --- Where the default folders are found ---------------------------------------------------------
 
 TEST_F(MessageStoreTest, TheDefaultFoldersAreFoundByEachFallback)

@@ -90,6 +90,8 @@ class StoreClient
             PrintTexts();
         else if (step == L"folders")
             PrintFolders();
+        else if (step == L"contacts")
+            PrintContacts();
         else if (step == L"set")
             Signal(argument()).Set();
         else if (step == L"wait")
@@ -153,27 +155,48 @@ class StoreClient
     {
         UniqueSafeArray array;
         const HRESULT result = Service()->GetAddressBookRootFolders(array.Put());
+        Print("folders " + ResultOf(result) + "\n");
+        PrintRecords<_tagFolderInfo>(array.Get(), [](const _tagFolderInfo& record) {
+            return OneLine(record.bstrEntryID) + ' ' + std::to_string(record.lItemCount) + ' ' +
+                   std::to_string(record.vbIsDefault) + ' ' + OneLine(record.bstrDisplayName);
+        });
+    }
+
+    void PrintContacts()
+    {
+        ComPtr<INAddressBook> book;
+        HRESULT result = Service()->GetAddressBook(book.GetAddressOf());
+        UniqueSafeArray array;
+        if (book)
+            result = book->GetAllItemsWithBasicInfo(array.Put());
+        Print("contacts " + ResultOf(result) + (book ? "\n" : " no book\n"));
+        PrintRecords<_tagBasicContactInfo>(array.Get(), [](const _tagBasicContactInfo& record) {
+            char modified[40] = {};
+            std::snprintf(modified, sizeof modified, "%.10g", record.dbLastModify);
+            return OneLine(record.bstrEntryID) + ' ' + OneLine(record.bstrParentFolderEntryID) +
+                   ' ' + modified;
+        });
+    }
+
+    // A line for each record of the array.
+    template <typename Record>
+    static void PrintRecords(SAFEARRAY* array,
+                             const std::function<std::string(const Record&)>& lineOf)
+    {
         VARTYPE type = VT_EMPTY;
         LONG first = 0;
         LONG last = -1;
-        Print("folders " + ResultOf(result) + "\n");
-        if (!array || FAILED(SafeArrayGetVartype(array.Get(), &type)) || type != VT_RECORD ||
-            SafeArrayGetDim(array.Get()) != 1 ||
-            FAILED(SafeArrayGetLBound(array.Get(), 1, &first)) || first != 0 ||
-            FAILED(SafeArrayGetUBound(array.Get(), 1, &last)) ||
-            SafeArrayGetElemsize(array.Get()) != sizeof(_tagFolderInfo))
+        if (!array || FAILED(SafeArrayGetVartype(array, &type)) || type != VT_RECORD ||
+            SafeArrayGetDim(array) != 1 || FAILED(SafeArrayGetLBound(array, 1, &first)) ||
+            first != 0 || FAILED(SafeArrayGetUBound(array, 1, &last)) ||
+            SafeArrayGetElemsize(array) != sizeof(Record))
         {
-            Print("no array of folder records\n");
+            Print("no array of records\n");
             return;
         }
-        const SafeArrayAccess<_tagFolderInfo> records(array.Get());
+        const SafeArrayAccess<Record> records(array);
         for (LONG i = 0; i <= last; ++i)
-        {
-            const _tagFolderInfo& record = records.Data()[i];
-            Print(OneLine(record.bstrEntryID) + ' ' + std::to_string(record.lItemCount) + ' ' +
-                  std::to_string(record.vbIsDefault) + ' ' + OneLine(record.bstrDisplayName) +
-                  "\n");
-        }
+            Print(lineOf(records.Data()[i]) + "\n");
     }
 
     ComPtr<INPersonalInformationService> m_service;

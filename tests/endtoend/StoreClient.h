@@ -12,6 +12,8 @@
 // folders       reads the contact folders                                folders RESULT, then for
 //                                                                        each: ID COUNT DEFAULT
 //                                                                        NAME
+// contacts      reads the basics of all contacts                         contacts RESULT, then for
+//                                                                        each: ID FOLDER MODIFIED
 // set NAME      sets a signal that several processes share
 // wait NAME     waits for one
 // begin         makes the service object and nothing more
