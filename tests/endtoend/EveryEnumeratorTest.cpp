@@ -1,0 +1,222 @@
+// Every type of enumerator as a client of another process uses it: all objects come from the
+// server's factory, and items are walked, added, updated and deleted.
+#include "endtoend/CalendarClient.h"
+#include "endtoend/MessageStore.h"
+
+#include <gmock/gmock.h>
+
+#include <memory>
+
+using Microsoft::WRL::ComPtr;
+using testing::ElementsAre;
+
+namespace
+{
+using Texts = std::vector<std::wstring>;
+
+// The text of a property that tells an item from others.
+template <typename Interface,
+          HRESULT (STDMETHODCALLTYPE Interface::*get)(BSTR*),
+          HRESULT (STDMETHODCALLTYPE Interface::*put)(BSTR)>
+struct NameOf
+{
+    static std::wstring Read(INEntityItem* item)
+    {
+        ComPtr<Interface> typed;
+        Bstr name;
+        EXPECT_EQ(S_OK, item->QueryInterface(__uuidof(Interface), OutVoid(typed)));
+        EXPECT_EQ(S_OK, (typed.Get()->*get)(name.Put()));
+        return TextOf(name.Get());
+    }
+    static void Write(INEntityItem* item, const wchar_t* name)
+    {
+        ComPtr<Interface> typed;
+        EXPECT_EQ(S_OK, item->QueryInterface(__uuidof(Interface), OutVoid(typed)));
+        EXPECT_EQ(S_OK, (typed.Get()->*put)(Bstr(name).Get()));
+    }
+    static void** OutVoid(ComPtr<Interface>& pointer)
+    {
+        return reinterpret_cast<void**>(pointer.GetAddressOf());
+    }
+};
+
+using CategoryName =
+    NameOf<INContactCategory, &INContactCategory::get_Name, &INContactCategory::put_Name>;
+using GroupName = NameOf<INContactGroup, &INContactGroup::get_Name, &INContactGroup::put_Name>;
+using ContactName =
+    NameOf<INContactItem, &INContactItem::get_FirstName, &INContactItem::put_FirstName>;
+using AppointmentName =
+    NameOf<INAppointment, &INAppointment::get_Subject, &INAppointment::put_Subject>;
+
+struct Kind
+{
+    const char* name;
+    _tagNEnumeratorType type;
+    const CLSID& item;
+    std::wstring (*readName)(INEntityItem*);
+    void (*writeName)(INEntityItem*, const wchar_t*);
+    const wchar_t* stored; // the name of the one item in the store
+    // Whether what was written is shown again by another enumerator. A group is not: it is stored
+    // under the class of an appointment.
+    bool staysInTheList;
+};
+
+const Kind kKinds[] = {
+    {"Category",
+     ContactCategory,
+     CLSID_NContactCategory,
+     &CategoryName::Read,
+     &CategoryName::Write,
+     L"Work",
+     true},
+    {"Group",
+     ContactGroup,
+     CLSID_NContactGroup,
+     &GroupName::Read,
+     &GroupName::Write,
+     L"Friends",
+     false},
+    {"Contact",
+     AddressBook,
+     CLSID_NContactItem,
+     &ContactName::Read,
+     &ContactName::Write,
+     L"Ann",
+     true},
+    {"Appointment",
+     Calendar,
+     CLSID_NAppointment,
+     &AppointmentName::Read,
+     &AppointmentName::Write,
+     L"Review",
+     true},
+};
+
+// One item of each kind.
+constexpr char kContents[] =
+    R"({"format": "PimStoreBridge store", "version": 1, "identity": {}, "root": {"folders": [
+        {"name": "Contacts", "class": "IPF.Contact", "roles": ["contacts"], "messages": [
+            {"properties": [
+                {"tag": "PR_MESSAGE_CLASS_W", "value": "IPM.Contact"},
+                {"tag": "0x3A06001F", "value": "Ann"}]},
+            {"properties": [
+                {"tag": "PR_MESSAGE_CLASS_W", "value": "IPM.DistList"},
+                {"set": "PSETID_Address", "id": "0x8053", "type": "PT_UNICODE",
+                 "value": "Friends"}]}]},
+        {"name": "Calendar", "class": "IPF.Appointment", "roles": ["calendar"],
+         "messages": [
+            {"properties": [
+                {"tag": "PR_MESSAGE_CLASS_W", "value": "IPM.Appointment"},
+                {"tag": "PR_SUBJECT_W", "value": "Review"}]}],
+         "associated": [
+            {"properties": [
+                {"tag": "PR_MESSAGE_CLASS_W", "value": "IPM.Configuration.CategoryList"},
+                {"tag": "0x7C080102", "value": {"hex": "3C723E3C63206E616D653D22576F726B2220677569643D227B417D222F3E3C2F723E"}}]}]}]}})";
+
+class EveryEnumeratorTest : public testing::TestWithParam<Kind>
+{
+  protected:
+    static void SetUpTestSuite()
+    {
+        s_store = std::make_unique<MessageStore>(RecordArrays::LeftToTheRuntime);
+    }
+    static void TearDownTestSuite() { s_store.reset(); }
+    void SetUp() override
+    {
+        s_store->Load(kContents);
+        factory = MakeInServer<INObjectFactory>(CLSID_NObjectFactory64);
+        ASSERT_TRUE(factory);
+        service = Make<INPersonalInformationService>(CLSID_NPersonalInformationService);
+        ASSERT_TRUE(service);
+        ASSERT_EQ(S_OK, service->StartService(Bstr(L"Microsoft Outlook").Get()));
+    }
+    void TearDown() override
+    {
+        if (service)
+        {
+            EXPECT_EQ(S_OK, service->StopService());
+        }
+    }
+
+    template <typename Interface> ComPtr<Interface> Make(const CLSID& clsid)
+    {
+        ComPtr<IUnknown> unknown;
+        ComPtr<Interface> object;
+        EXPECT_EQ(S_OK, factory->CreateInstance(clsid, unknown.GetAddressOf()));
+        if (unknown)
+        {
+            EXPECT_EQ(S_OK, unknown.As(&object));
+        }
+        return object;
+    }
+    // A new one, loaded and before its first item.
+    ComPtr<INEnumerator> Enumerator()
+    {
+        ComPtr<INEnumerator> enumerator;
+        EXPECT_EQ(S_OK, service->GetEnumerator(GetParam().type, enumerator.GetAddressOf()));
+        EXPECT_TRUE(enumerator);
+        return enumerator;
+    }
+    Texts Walk(INEnumerator& enumerator)
+    {
+        VARIANT_BOOL done = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, enumerator.ResetItem(&done));
+        EXPECT_EQ(VARIANT_TRUE, done);
+        Texts names;
+        ComPtr<INEntityItem> item;
+        while (names.size() < 50 && enumerator.GetNextItem(item.ReleaseAndGetAddressOf()) == S_OK)
+            names.push_back(GetParam().readName(item.Get()));
+        return names;
+    }
+    Texts WalkAnew() { return Walk(*Enumerator().Get()); }
+    // The stored item and, where it shows, another one.
+    Texts StoredAnd(const wchar_t* other) const
+    {
+        Texts names = {GetParam().stored};
+        if (GetParam().staysInTheList)
+            names.push_back(other);
+        return names;
+    }
+
+    static inline std::unique_ptr<MessageStore> s_store;
+    ComPtr<INObjectFactory> factory;
+    ComPtr<INPersonalInformationService> service;
+};
+} // namespace
+
+TEST_P(EveryEnumeratorTest, WalksAddsUpdatesAndDeletes)
+{
+    const Kind& kind = GetParam();
+    const auto enumerator = Enumerator();
+    ASSERT_TRUE(enumerator);
+    EXPECT_THAT(Walk(*enumerator.Get()), ElementsAre(kind.stored));
+
+    const auto item = Make<INEntityItem>(kind.item);
+    ASSERT_TRUE(item);
+    kind.writeName(item.Get(), L"Added \u65e5");
+    Bstr id;
+    ASSERT_EQ(S_OK, enumerator->AddItem(item.Get(), id.Put()));
+    EXPECT_NE(0u, id.View().size());
+    EXPECT_EQ(StoredAnd(L"Added \u65e5"), WalkAnew());
+    EXPECT_THAT(Walk(*enumerator.Get()), ElementsAre(kind.stored, L"Added \u65e5"));
+
+    VARIANT_BOOL done = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, enumerator->ResetItem(&done));
+    ComPtr<INEntityItem> found;
+    ASSERT_EQ(S_OK, enumerator->GetItemByID(id.Get(), found.GetAddressOf()));
+    EXPECT_EQ(L"Added \u65e5", kind.readName(found.Get()));
+    kind.writeName(found.Get(), L"Changed");
+    EXPECT_EQ(S_OK, enumerator->UpdateItem(found.Get(), &done));
+    EXPECT_EQ(VARIANT_TRUE, done);
+    EXPECT_EQ(StoredAnd(L"Changed"), WalkAnew());
+
+    done = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, enumerator->DeleteItem(id.Get(), &done));
+    EXPECT_EQ(VARIANT_TRUE, done);
+    EXPECT_THAT(WalkAnew(), ElementsAre(kind.stored));
+}
+
+INSTANTIATE_TEST_SUITE_P(Outlook,
+                         EveryEnumeratorTest,
+                         testing::ValuesIn(kKinds),
+                         [](const auto& tested) { return tested.param.name; });
