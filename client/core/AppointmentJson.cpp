@@ -1,20 +1,12 @@
 #include "client/core/AppointmentJson.h"
 
+#include "client/core/JsonValues.h"
 #include "client/core/Unicode.h"
-
-#include <nlohmann/json.hpp>
 
 namespace pim
 {
 namespace
 {
-using Json = nlohmann::ordered_json;
-
-Json TextOrNull(const std::optional<std::wstring>& text)
-{
-    return text ? Json(Utf8FromWide(*text)) : Json();
-}
-
 Json FlagOrNull(const std::optional<bool>& flag)
 {
     return flag ? Json(*flag) : Json();
@@ -29,12 +21,6 @@ Json LocalOrNull(DATE local)
 {
     const auto time = CivilFromDate(local);
     return time ? Json(Utf8FromWide(FormatIso(*time))) : Json();
-}
-
-Json UtcOrNull(const std::optional<DATE>& utc)
-{
-    const auto time = utc ? CivilFromDate(*utc) : std::nullopt;
-    return time ? Json(Utf8FromWide(FormatIso(*time) + L"Z")) : Json();
 }
 
 Json LocalOfItem(const std::optional<DATE>& date, bool isAllDay, const ILocalZone& zone)
@@ -130,10 +116,5 @@ Json AppointmentJson(const Appointment& item, const ILocalZone& zone)
     json["modifiedUtc"] = UtcOrNull(item.modifiedUtc);
     json["recurrence"] = RecurrenceJson(item.recurrence);
     return json;
-}
-
-std::wstring JsonText(const Json& json)
-{
-    return WideFromUtf8(json.dump(2)) + L'\n';
 }
 } // namespace pim

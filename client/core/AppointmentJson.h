@@ -27,7 +27,4 @@
 namespace pim
 {
 nlohmann::ordered_json AppointmentJson(const Appointment& item, const ILocalZone& zone);
-
-// Text that is valid JSON, indented, with a line feed at its end.
-std::wstring JsonText(const nlohmann::ordered_json& json);
 } // namespace pim

@@ -1,27 +1,15 @@
 #include "client/core/AppointmentText.h"
 
-#include "client/core/ItemIds.h"
-#include "client/core/TextTable.h"
-#include "client/core/Unicode.h"
+#include "client/core/FieldLines.h"
 
-#include <algorithm>
-#include <array>
-#include <iterator>
 #include <vector>
 
 namespace pim
 {
 namespace
 {
-// The columns of the table, in order, with their titles and, for texts, the widths beyond which
-// they are cut.
-constexpr const wchar_t* kTitles[] = {L"START", L"END", L"SUBJECT", L"PLACE", L"REPEATS", L"ID"};
-constexpr std::size_t kColumnCount = std::size(kTitles);
-constexpr int kMaxWidths[kColumnCount] = {0, 0, 36, 20, 48, 0};
-constexpr int kLeastTextWidth = 8;
-constexpr std::size_t kLeastIdLength = 6;
-
-using Row = std::vector<std::wstring>;
+constexpr ItemColumn kColumns[] = {
+    {L"START", 0}, {L"END", 0}, {L"SUBJECT", 36}, {L"PLACE", 20}, {L"REPEATS", 48}, {L"ID", 0}};
 
 std::optional<CivilTime> CivilOf(const std::optional<DATE>& date)
 {
@@ -95,76 +83,6 @@ std::wstring LocalAndUtc(const CivilTime& utc, const ILocalZone& zone)
     return FormatDayAndClock(zone.LocalFromUtc(utc)) + L" (" + FormatDayAndClock(utc) + L" UTC)";
 }
 
-// The widths that the rows take up, cut to the readable maximum.
-std::array<int, kColumnCount> NaturalWidths(const std::vector<Row>& rows)
-{
-    std::array<int, kColumnCount> widths{};
-    for (std::size_t i = 0; i < kColumnCount; ++i)
-    {
-        widths[i] = DisplayWidth(kTitles[i]);
-        for (const Row& row : rows)
-            widths[i] = std::max(widths[i], DisplayWidth(OneLine(row[i])));
-        if (kMaxWidths[i] > 0)
-            widths[i] = std::min(widths[i], kMaxWidths[i]);
-    }
-    return widths;
-}
-
-// Takes columns off the widest texts until the table fits, as far as a text stays readable.
-void FitWidths(std::array<int, kColumnCount>& widths, int columns)
-{
-    int total = TextTable::kGap * int(kColumnCount - 1);
-    for (const int width : widths)
-        total += width;
-    for (; total > columns; --total)
-    {
-        std::size_t widest = kColumnCount;
-        for (std::size_t i = 0; i < kColumnCount; ++i)
-        {
-            const bool canShrink = kMaxWidths[i] > 0 && widths[i] > kLeastTextWidth;
-            if (canShrink && (widest == kColumnCount || widths[i] > widths[widest]))
-                widest = i;
-        }
-        if (widest == kColumnCount)
-            return;
-        --widths[widest];
-    }
-}
-
-void ShortenIds(std::vector<Row>& rows)
-{
-    std::vector<std::wstring> ids;
-    for (const Row& row : rows)
-        ids.push_back(row.back());
-    const std::vector<std::wstring> shortIds = ShortItemIds(ids, kLeastIdLength);
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        rows[i].back() = shortIds[i];
-}
-
-class FieldLines
-{
-  public:
-    void Add(const wchar_t* name, const std::wstring& value)
-    {
-        if (value.empty())
-            return;
-        std::wstring line = name;
-        line += L':';
-        line.resize(kNameColumns, L' ');
-        m_text += line + OneLine(value) + L'\n';
-    }
-    void Add(const wchar_t* name, const std::optional<std::wstring>& value)
-    {
-        if (value)
-            Add(name, *value);
-    }
-    const std::wstring& Text() const noexcept { return m_text; }
-
-  private:
-    static constexpr std::size_t kNameColumns = 12;
-    std::wstring m_text;
-};
-
 void AddTimes(FieldLines& lines, const Appointment& item, const ILocalZone& zone)
 {
     const auto start = CivilOf(item.start);
@@ -232,7 +150,7 @@ std::wstring AppointmentTable(std::span<const Appointment> items,
                               const ILocalZone& zone,
                               const TableRoom& room)
 {
-    std::vector<Row> rows;
+    std::vector<ItemRow> rows;
     for (const Appointment& item : items)
     {
         const auto start = LocalOf(item.start, item.IsAllDay(), zone);
@@ -244,20 +162,7 @@ std::wstring AppointmentTable(std::span<const Appointment> items,
                         RepeatsOf(item),
                         item.id.value_or(L"")});
     }
-    const bool isFitted = room.terminalColumns > 0 && !room.isWide;
-    if (isFitted)
-        ShortenIds(rows);
-    std::array<int, kColumnCount> widths = NaturalWidths(rows);
-    if (isFitted)
-        FitWidths(widths, room.terminalColumns);
-
-    std::vector<TextTable::Column> columns;
-    for (std::size_t i = 0; i < kColumnCount; ++i)
-        columns.push_back({kTitles[i], room.isWide ? 0 : widths[i]});
-    TextTable table(std::move(columns));
-    for (const Row& row : rows)
-        table.AddRow(row);
-    return table.Format();
+    return FormatItemTable(kColumns, std::move(rows), room);
 }
 
 std::wstring AppointmentDetails(const Appointment& item, const ILocalZone& zone)
@@ -281,13 +186,6 @@ std::wstring AppointmentDetails(const Appointment& item, const ILocalZone& zone)
     if (item.persistId != item.id)
         lines.Add(L"Lasting ID", item.persistId);
 
-    std::wstring text = lines.Text();
-    if (item.description && !item.description->empty())
-    {
-        text += L'\n' + ManyLines(*item.description);
-        if (text.back() != L'\n')
-            text += L'\n';
-    }
-    return text;
+    return lines.Text() + ParagraphBelow(item.description);
 }
 } // namespace pim

@@ -2,19 +2,13 @@
 #pragma once
 
 #include "client/core/Appointment.h"
+#include "client/core/ItemTable.h"
 
 #include <span>
 #include <string>
 
 namespace pim
 {
-// How much room a table has.
-struct TableRoom
-{
-    bool isWide = false;     // nothing is cut
-    int terminalColumns = 0; // fit into that many columns, with shortened IDs; 0: any width
-};
-
 // A table with one line per item, in the given order. Long cells are cut to a readable width, and
 // further where a terminal is narrow.
 std::wstring AppointmentTable(std::span<const Appointment> items,

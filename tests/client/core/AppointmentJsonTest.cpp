@@ -1,8 +1,7 @@
 #include "client/core/AppointmentJson.h"
 
 #include "client/core/FixedZone.h"
-
-#include <nlohmann/json.hpp>
+#include "client/core/JsonValues.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,6 @@
 #include "client/core/StoreOwner.h"
 
-#include "client/core/AppointmentJson.h"
-
-#include <nlohmann/json.hpp>
+#include "client/core/JsonValues.h"
 
 #include <gtest/gtest.h>
 
