@@ -1,9 +1,7 @@
 #include "client/AppointmentAccess.h"
 
-#include "client/Failure.h"
+#include "client/PropertyAccess.h"
 #include "client/SystemZone.h"
-#include "client/core/CommandLine.h"
-#include "platform/Bstr.h"
 
 #include <memory>
 
@@ -11,31 +9,6 @@ namespace pim
 {
 namespace
 {
-using Microsoft::WRL::ComPtr;
-
-template <typename Interface>
-std::optional<std::wstring> GetText(Interface* item,
-                                    HRESULT (STDMETHODCALLTYPE Interface::*get)(BSTR*))
-{
-    Bstr text;
-    const HRESULT result = (item->*get)(text.Put());
-    CheckServerIsThere(result);
-    if (FAILED(result) || !text)
-        return std::nullopt;
-    return std::wstring(text.View());
-}
-
-template <typename Interface, typename Value>
-std::optional<Value> GetValue(Interface* item, HRESULT (STDMETHODCALLTYPE Interface::*get)(Value*))
-{
-    Value value = {};
-    const HRESULT result = (item->*get)(&value);
-    CheckServerIsThere(result);
-    if (FAILED(result))
-        return std::nullopt;
-    return value;
-}
-
 std::optional<bool> GetFlag(INAppointment* item,
                             HRESULT (STDMETHODCALLTYPE INAppointment::*get)(VARIANT_BOOL*))
 {
@@ -54,23 +27,6 @@ std::optional<Recurrence> GetRecurrence(INAppointment* item)
     return ReadRecurrence(*record);
 }
 
-ComPtr<INEntityItem> EntityOf(INAppointment* item)
-{
-    ComPtr<INEntityItem> entity;
-    CheckServerIsThere(
-        item->QueryInterface(IID_INEntityItem, reinterpret_cast<void**>(entity.GetAddressOf())));
-    return entity;
-}
-
-void CheckPut(HRESULT result, const wchar_t* field)
-{
-    CheckServerIsThere(result);
-    if (FAILED(result))
-        throw Failure{kExitFailed,
-                      std::wstring(L"The server did not take the item's ") + field + L" (" +
-                          ResultText(result) + L"). Nothing was stored."};
-}
-
 using PutText = HRESULT (STDMETHODCALLTYPE INAppointment::*)(BSTR);
 
 void PutTextChange(INAppointment* item,
@@ -85,13 +41,6 @@ void PutTextChange(INAppointment* item,
     CheckPut((item->*put)(text.Get()), field);
 }
 } // namespace
-
-std::wstring ReadItemId(INAppointment* item)
-{
-    const auto entity = EntityOf(item);
-    return entity ? GetText(entity.Get(), &INEntityItem::get_EntityID).value_or(L"")
-                  : std::wstring();
-}
 
 Appointment ReadAppointment(INAppointment* item, ReadFields fields)
 {

@@ -1,6 +1,7 @@
 // Moves values between the server's item objects and the client's plain ones.
 #pragma once
 
+#include "client/ReadFields.h"
 #include "client/core/Appointment.h"
 #include "platform/WindowsHeaders.h"
 
@@ -8,18 +9,9 @@
 
 namespace pim
 {
-enum class ReadFields
-{
-    ForTable, // what a list shows; each field costs a call to the server
-    All
-};
-
 // Reads what the item gives; a property that fails or is null is absent from the result.
 // Throws: Failure, where the server went away.
 Appointment ReadAppointment(INAppointment* item, ReadFields fields);
-
-// The item's ID; empty where it gives none. Throws as above.
-std::wstring ReadItemId(INAppointment* item);
 
 // Puts every field in which wanted differs from before.
 // Throws: Failure, where a put fails or the server went away.

@@ -29,4 +29,11 @@ void CheckServerIsThere(HRESULT result)
                       L"The server went away in the middle of its work (" + ResultText(result) +
                           L"). Run the command again."};
 }
+
+void CheckDone(HRESULT result, const std::wstring& sentence)
+{
+    CheckServerIsThere(result);
+    if (FAILED(result))
+        throw Failure{kExitFailed, sentence + L" (" + ResultText(result) + L")."};
+}
 } // namespace pim

@@ -19,4 +19,8 @@ std::wstring ResultText(HRESULT result);
 
 // Throws the failure that stands for a server that went away, where the result tells of one.
 void CheckServerIsThere(HRESULT result);
+
+// Throws as above, and where the result is a failure: the sentence says what did not happen and
+// gets the result behind it.
+void CheckDone(HRESULT result, const std::wstring& sentence);
 } // namespace pim

@@ -6,9 +6,6 @@
 
 #include "PimStoreBridge.h"
 
-#include <functional>
-#include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -48,6 +45,12 @@ class Server
     Microsoft::WRL::ComPtr<INPersonalInformationService> m_service;
 };
 
+// The providers to try, best first: the default one, then those that are installed.
+std::vector<std::wstring> UsableProviders(const Server& server);
+
+// An object of one of the server's classes, in its process. Throws: Failure.
+void MakeInServer(REFCLSID clsid, REFIID iid, void** object);
+
 // Stops the service that a session started, at the session's end.
 class StartedService
 {
@@ -64,53 +67,4 @@ class StartedService
     Microsoft::WRL::ComPtr<INPersonalInformationService> m_service;
 };
 
-// The calendar of one provider. Starts the service where none runs, and stops it at the end where
-// it started it: a service that another client started stays as it is.
-class CalendarSession
-{
-  public:
-    // A name picks that provider; without one it is the default where that is usable, else the
-    // first usable one that starts and has a calendar.
-    CalendarSession(const Server& server, const std::optional<std::wstring>& provider);
-    CalendarSession(const CalendarSession&) = delete;
-    CalendarSession& operator=(const CalendarSession&) = delete;
-
-    // The provider's name; absent where another client started the service and it cannot be told.
-    const std::optional<std::wstring>& ProviderName() const noexcept { return m_provider; }
-
-    // Whether the store is one of calendar files, which has no reminder of none and so changes
-    // nothing where an update brings one.
-    bool IsFileStore() const noexcept { return m_isFileStore; }
-
-    // Hands every item out, in the store's order, until the last one or a cancel by the user.
-    void Walk(const std::function<void(INAppointment*)>& take) const;
-
-    // The item of exactly that ID; null where there is none.
-    Microsoft::WRL::ComPtr<INAppointment> Find(const std::wstring& id) const;
-
-    // An empty item in the server's process.
-    Microsoft::WRL::ComPtr<INAppointment> NewItem() const;
-
-    // The new item's ID.
-    std::wstring Add(INAppointment* item) const;
-    void Update(INAppointment* item) const;
-    // False where the store has no such item.
-    bool Delete(const std::wstring& id) const;
-
-    // Reads the store again, for what was changed to show.
-    void Reload() const;
-
-  private:
-    Microsoft::WRL::ComPtr<INCalendar> OpenCalendar() const;
-    void Start(const Server& server, const std::optional<std::wstring>& provider);
-    void Rewind() const;
-    bool HasItem() const;
-
-    Microsoft::WRL::ComPtr<INPersonalInformationService> m_service;
-    // Released behind the calendar, whose tables point into what the service holds.
-    std::unique_ptr<StartedService> m_started;
-    Microsoft::WRL::ComPtr<INCalendar> m_calendar;
-    std::optional<std::wstring> m_provider;
-    bool m_isFileStore = false;
-};
 } // namespace pim

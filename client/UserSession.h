@@ -5,6 +5,9 @@
 #include "client/Server.h"
 #include "client/core/StoreOwner.h"
 
+#include <memory>
+#include <optional>
+
 namespace pim
 {
 // Starts the service where none runs, and stops it at the end where it started it: a service that

@@ -77,12 +77,6 @@ std::optional<std::wstring> ZoneText(const Appointment& item)
     return *item.timeZone + L", " + *item.timeZoneDisplay;
 }
 
-// "2024-05-01 10:00 (2024-05-01 08:00 UTC)"
-std::wstring LocalAndUtc(const CivilTime& utc, const ILocalZone& zone)
-{
-    return FormatDayAndClock(zone.LocalFromUtc(utc)) + L" (" + FormatDayAndClock(utc) + L" UTC)";
-}
-
 void AddTimes(FieldLines& lines, const Appointment& item, const ILocalZone& zone)
 {
     const auto start = CivilOf(item.start);
@@ -98,10 +92,8 @@ void AddTimes(FieldLines& lines, const Appointment& item, const ILocalZone& zone
         lines.Add(L"All day", days);
         return;
     }
-    if (start)
-        lines.Add(L"Start", LocalAndUtc(*start, zone));
-    if (end)
-        lines.Add(L"End", LocalAndUtc(*end, zone));
+    lines.Add(L"Start", LocalAndUtc(item.start, zone));
+    lines.Add(L"End", LocalAndUtc(item.end, zone));
 }
 
 void AddExceptions(FieldLines& lines, const Recurrence& recurrence)
@@ -179,8 +171,7 @@ std::wstring AppointmentDetails(const Appointment& item, const ILocalZone& zone)
         lines.Add(L"Reminder", ReminderText(*item.reminderMinutes));
     if (item.busy.value_or(false))
         lines.Add(L"Shown as", std::wstring(L"busy"));
-    if (const auto modified = CivilOf(item.modifiedUtc))
-        lines.Add(L"Changed", LocalAndUtc(*modified, zone));
+    lines.Add(L"Changed", LocalAndUtc(item.modifiedUtc, zone));
     lines.Add(L"Folder", item.folderId);
     lines.Add(L"ID", item.id);
     if (item.persistId != item.id)

@@ -125,6 +125,11 @@ int WeekdayOf(const CivilTime& time)
     return int(std::chrono::weekday(DayOf(time)).c_encoding());
 }
 
+bool IsMidnight(const CivilTime& time)
+{
+    return time.hour == 0 && time.minute == 0 && time.second == 0;
+}
+
 std::wstring FormatDay(const CivilTime& time)
 {
     return Digits(time.year, 4) + L"-" + Digits(time.month, 2) + L"-" + Digits(time.day, 2);

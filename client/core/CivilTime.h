@@ -38,6 +38,8 @@ std::optional<CivilTime> AddSeconds(const CivilTime& time, long long seconds);
 // 0 for Sunday to 6 for Saturday.
 int WeekdayOf(const CivilTime& time);
 
+bool IsMidnight(const CivilTime& time);
+
 std::wstring FormatDay(const CivilTime& time);         // 2024-05-01
 std::wstring FormatClock(const CivilTime& time);       // 10:00, or 10:00:30 where seconds are set
 std::wstring FormatDayAndClock(const CivilTime& time); // 2024-05-01 10:00

@@ -1,6 +1,7 @@
 // The command line of pim. Portable.
 #pragma once
 
+#include "client/core/ContactArguments.h"
 #include "client/core/ItemOptions.h"
 
 #include <optional>
@@ -26,20 +27,35 @@ enum class CommandKind
     Show,
     Add,
     Update,
+    Rename,
     Delete,
     Register,
     Unregister
 };
 
+// What the commands from List to Delete work on.
+enum class ItemKind
+{
+    Appointment,
+    Contact,
+    Group,
+    Category
+};
+
 struct Command
 {
     CommandKind kind = CommandKind::Providers;
+    ItemKind items = ItemKind::Appointment;
     std::optional<std::wstring> provider;
     bool asJson = false;
     bool isWide = false;
     bool forUser = false; // a registration among the user's own classes
     std::vector<std::wstring> ids;
-    ItemOptions item;
+    ItemOptions item; // of an appointment
+    ContactOptions contact;
+    std::wstring name; // of a group or a category
+    std::optional<int> color;
+    std::optional<std::wstring> pictureDirectory;
 };
 
 // Either a command, or what to print and the code to end with.

@@ -8,16 +8,39 @@ namespace pim
 {
 namespace
 {
-constexpr std::size_t kNameColumns = 12;
-}
+// The values of most items stand in one column, whichever fields an item has.
+constexpr std::size_t kLeastNameColumns = 12;
+constexpr std::size_t kColonAndBlank = 2;
+} // namespace
 
 void FieldLines::Add(const std::wstring& name, const std::optional<std::wstring>& value)
 {
-    if (!value || value->empty())
-        return;
-    std::wstring line = name + L':';
-    line.resize(std::max(kNameColumns, line.size() + 1), L' ');
-    m_text += line + OneLine(*value) + L'\n';
+    if (value && !value->empty())
+        m_lines.emplace_back(name, OneLine(*value));
+}
+
+std::wstring FieldLines::Text() const
+{
+    std::size_t columns = kLeastNameColumns;
+    for (const auto& [name, value] : m_lines)
+        columns = std::max(columns, name.size() + kColonAndBlank);
+    std::wstring text;
+    for (const auto& [name, value] : m_lines)
+    {
+        std::wstring line = name + L':';
+        line.resize(columns, L' ');
+        text += line + value + L'\n';
+    }
+    return text;
+}
+
+std::optional<std::wstring> LocalAndUtc(const std::optional<DATE>& utc, const ILocalZone& zone)
+{
+    const auto time = utc ? CivilFromDate(*utc) : std::nullopt;
+    if (!time)
+        return std::nullopt;
+    return FormatDayAndClock(zone.LocalFromUtc(*time)) + L" (" + FormatDayAndClock(*time) +
+           L" UTC)";
 }
 
 std::wstring ParagraphBelow(const std::optional<std::wstring>& text)

@@ -1,5 +1,7 @@
 #include "client/core/ItemIds.h"
 
+#include "client/core/LetterCase.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -7,30 +9,10 @@ namespace pim
 {
 namespace
 {
-wchar_t FoldCase(wchar_t c)
-{
-    return c >= L'a' && c <= L'z' ? wchar_t(c - L'a' + L'A') : c;
-}
-
-std::wstring Folded(const std::wstring& text)
-{
-    std::wstring folded;
-    std::transform(text.begin(), text.end(), std::back_inserter(folded), FoldCase);
-    return folded;
-}
-
 std::size_t SharedLength(const std::wstring& left, const std::wstring& right)
 {
     const auto ends = std::mismatch(left.begin(), left.end(), right.begin(), right.end());
     return std::size_t(ends.first - left.begin());
-}
-
-bool BeginsWith(std::wstring_view text, std::wstring_view beginning)
-{
-    return text.size() >= beginning.size() &&
-           std::equal(beginning.begin(), beginning.end(), text.begin(), [](wchar_t a, wchar_t b) {
-               return FoldCase(a) == FoldCase(b);
-           });
 }
 } // namespace
 
@@ -44,8 +26,8 @@ std::vector<std::wstring> MatchItemIds(std::span<const std::wstring> ids, std::w
     for (const std::wstring& id : ids)
     {
         const bool braced = !id.empty() && id.front() == L'{';
-        const bool hit =
-            BeginsWith(id, typed) || (braced && BeginsWith(std::wstring_view(id).substr(1), typed));
+        const bool hit = BeginsWithIgnoringCase(id, typed) ||
+                         (braced && BeginsWithIgnoringCase(std::wstring_view(id).substr(1), typed));
         // Two items with one ID are one answer: the store takes the first of them.
         if (hit && std::find(matches.begin(), matches.end(), id) == matches.end())
             matches.push_back(id);

@@ -1,0 +1,189 @@
+#include "client/ContactCommands.h"
+
+#include "client/ContactAccess.h"
+#include "client/InputFile.h"
+#include "client/ItemFinder.h"
+#include "client/PictureFiles.h"
+#include "client/core/ContactJson.h"
+#include "client/core/ContactText.h"
+#include "client/core/JsonValues.h"
+
+#include <algorithm>
+
+namespace pim
+{
+namespace
+{
+using AddressBook = ItemCollection<ContactKind>;
+using Finder = ItemFinder<ContactKind>;
+
+std::optional<PictureFolder> FolderForPictures(const Context& context)
+{
+    if (!context.command.pictureDirectory)
+        return std::nullopt;
+    return PictureFolder(*context.command.pictureDirectory);
+}
+
+// What the command asks for, with the full paths of pictures.
+std::vector<Contact> ReadWishes(const ContactOptions& options)
+{
+    std::vector<Contact> wishes = {options.wish};
+    if (options.file)
+    {
+        ContactFile file = ReadContacts(ReadInput(*options.file));
+        if (!file.problem.empty())
+            throw Failure{kExitFailed,
+                          L"\"" + OneLine(*options.file) + L"\" cannot be taken: " +
+                              OneLine(file.problem)};
+        wishes = std::move(file.contacts);
+    }
+    for (Contact& wish : wishes)
+    {
+        if (wish.picture && !wish.picture->empty())
+            wish.picture = ReadablePicture(*wish.picture);
+    }
+    return wishes;
+}
+
+// Compares what was asked for with what the store holds now; the list was read again before.
+WriteResult CheckStored(const AddressBook& contacts,
+                        const std::wstring& id,
+                        const Contact& before,
+                        const Contact& wanted)
+{
+    const auto item = contacts.Find(id);
+    const Contact kept = item ? ReadContact(item.Get(), ReadFields::All, true) : before;
+    return {id, FieldsNotKept(before, wanted, kept)};
+}
+
+std::wstring AddContact(const AddressBook& contacts, const Contact& wish)
+{
+    const auto item = contacts.NewItem();
+    PutChanges(item.Get(), Contact(), wish);
+    return contacts.Add(item.Get());
+}
+
+// Adds the contacts of a file in their order. What was added before a failure stays, and is
+// printed.
+int AddAll(const Context& context, const AddressBook& contacts, const std::vector<Contact>& wishes)
+{
+    std::vector<std::wstring> ids;
+    std::optional<Failure> failure;
+    {
+        Progress progress(context.errors, L"Adding contacts");
+        try
+        {
+            for (const Contact& wish : wishes)
+            {
+                ids.push_back(AddContact(contacts, wish));
+                progress.Step();
+            }
+        }
+        catch (const Failure& problem)
+        {
+            failure = problem;
+        }
+    }
+    contacts.Reload();
+    Json list = Json::array();
+    int exitCode = kExitOk;
+    for (std::size_t i = 0; i < ids.size(); ++i)
+    {
+        const WriteResult result = CheckStored(contacts, ids[i], Contact(), wishes[i]);
+        if (context.command.asJson)
+            list.push_back(WriteResultJson(result));
+        else
+            context.Print(L"Added " + OneLine(ids[i]) + L"\n");
+        exitCode = std::max(exitCode, WarnOfNotKept(context, result));
+    }
+    if (context.command.asJson)
+        context.Print(JsonText({{"added", std::move(list)}}));
+    if (failure)
+        throw *failure;
+    return exitCode;
+}
+} // namespace
+
+int ListContacts(const Context& context)
+{
+    const auto pictures = FolderForPictures(context);
+    const Server server;
+    const AddressBook addressBook(server, context.command.provider);
+    const auto fields = context.command.asJson ? ReadFields::All : ReadFields::ForTable;
+    std::vector<Contact> contacts;
+    unsigned leftOut = 0;
+    {
+        Progress progress(context.errors, L"Reading contacts");
+        leftOut = addressBook.Walk([&](INContactItem* item) {
+            contacts.push_back(ReadContact(item, fields, pictures.has_value()));
+            if (pictures)
+                pictures->Save(contacts.back());
+            progress.Step();
+        });
+    }
+    std::stable_sort(contacts.begin(), contacts.end(), [](const auto& left, const auto& right) {
+        return ComesBefore(left, right);
+    });
+    PrintItems<Contact>(context,
+                        addressBook.Session(),
+                        ContactKind::kWords,
+                        contacts,
+                        ContactJson,
+                        [&](const auto& all) { return ContactTable(all, context.Room()); });
+    WarnOfLeftOut(context, ContactKind::kWords, leftOut);
+    return kExitOk;
+}
+
+int ShowContact(const Context& context)
+{
+    const auto pictures = FolderForPictures(context);
+    const Server server;
+    const AddressBook contacts(server, context.command.provider);
+    const auto found = Finder(contacts, context.errors).Find(context.command.ids.front());
+    Contact contact = ReadContact(found.item.Get(), ReadFields::All, true);
+    if (pictures)
+        pictures->Save(contact);
+    context.Print(context.command.asJson ? JsonText(ContactJson(contact))
+                                         : ContactDetails(contact, context.zone));
+    return kExitOk;
+}
+
+int AddContacts(const Context& context)
+{
+    const std::vector<Contact> wishes = ReadWishes(context.command.contact);
+    const Server server;
+    const AddressBook contacts(server, context.command.provider);
+    if (context.command.contact.file)
+        return AddAll(context, contacts, wishes);
+    const std::wstring id = AddContact(contacts, wishes.front());
+    contacts.Reload();
+    return PrintWritten(context, L"Added", CheckStored(contacts, id, Contact(), wishes.front()));
+}
+
+int UpdateContact(const Context& context)
+{
+    const std::vector<Contact> wishes = ReadWishes(context.command.contact);
+    if (wishes.size() != 1)
+        CheckOptions(L"An update takes a file of one contact, not of " +
+                     std::to_wstring(wishes.size()) + L".");
+    const Server server;
+    const AddressBook contacts(server, context.command.provider);
+    const auto found = Finder(contacts, context.errors).Find(context.command.ids.front());
+    const Contact before = ReadContact(found.item.Get(), ReadFields::All, true);
+    Contact wanted = before;
+    Apply(wishes.front(), wanted);
+    PutChanges(found.item.Get(), before, wanted);
+    contacts.Update(found.item.Get());
+    contacts.Reload();
+    return PrintWritten(context, L"Updated", CheckStored(contacts, found.id, before, wanted));
+}
+
+int DeleteContacts(const Context& context)
+{
+    const Server server;
+    const AddressBook contacts(server, context.command.provider);
+    Finder finder(contacts, context.errors);
+    return DeleteItems<ContactKind>(
+        context, finder, [&](const Finder::Found& found) { return contacts.Delete(found.id); });
+}
+} // namespace pim
