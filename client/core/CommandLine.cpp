@@ -138,7 +138,8 @@ void AddId(CLI::App& command, ItemKind items, TypedOptions& typed)
                     IsNamedOnly(items) ? "The item's ID, its beginning, or the name"
                                        : "The item's ID, or its beginning")
         ->required()
-        ->expected(1);
+        ->expected(1)
+        ->allow_extra_args(false);
 }
 
 void AddName(CLI::App& command, ItemKind items, TypedOptions& typed)

@@ -11,7 +11,7 @@ namespace
 {
 const FixedZone kZone(-5);
 
-std::wstring Json(const Appointment& item)
+std::wstring JsonOf(const Appointment& item)
 {
     return JsonText(AppointmentJson(item, kZone));
 }
@@ -19,7 +19,7 @@ std::wstring Json(const Appointment& item)
 
 TEST(AppointmentJsonTest, GivesEveryMemberAlways)
 {
-    EXPECT_EQ(Json(Appointment()), LR"({
+    EXPECT_EQ(JsonOf(Appointment()), LR"({
   "id": null,
   "persistId": null,
   "folderId": null,
@@ -66,7 +66,7 @@ TEST(AppointmentJsonTest, GivesLocalAndUtcTimesAndTheSeries)
     item.recurrence->until = kMay1 + 0.5;
     item.recurrence->deletedLocalDays = {kMay1 + 1};
     item.recurrence->modified = {{kMay1, kMay1 + 0.25, kMay1 + 0.5, kMay1 + 0.125, L"S", L"P"}};
-    EXPECT_EQ(Json(item),
+    EXPECT_EQ(JsonOf(item),
               std::wstring(LR"({
   "id": "{1}",
   "persistId": "{1}",

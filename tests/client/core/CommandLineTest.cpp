@@ -54,6 +54,62 @@ TEST(CommandLineTest, KnowsTheCommands)
     EXPECT_THAT(remove.ids, ElementsAre(L"a", L"b", L"/c"));
 }
 
+TEST(CommandLineTest, KnowsTheCommandsOfEveryKindOfItem)
+{
+    struct Row
+    {
+        const char* name;
+        ItemKind items;
+        CommandKind change;
+    };
+    constexpr Row kRows[] = {{"calendar", ItemKind::Appointment, CommandKind::Update},
+                             {"contacts", ItemKind::Contact, CommandKind::Update},
+                             {"groups", ItemKind::Group, CommandKind::Rename},
+                             {"categories", ItemKind::Category, CommandKind::Rename}};
+    for (const Row& row : kRows)
+    {
+        const bool isNamed = row.change == CommandKind::Rename;
+        const std::string option = row.items == ItemKind::Contact ? "--company" : "--place";
+        const Command list = Parsed({row.name, "list", "--wide"});
+        EXPECT_EQ(list.kind, CommandKind::List);
+        EXPECT_EQ(list.items, row.items);
+        EXPECT_TRUE(list.isWide);
+        EXPECT_EQ(Parsed({row.name, "show", "x"}).items, row.items);
+        const Command add =
+            isNamed ? Parsed({row.name, "add", "New"}) : Parsed({row.name, "add", option, "New"});
+        EXPECT_EQ(add.kind, CommandKind::Add);
+        EXPECT_EQ(add.items, row.items);
+        EXPECT_EQ(add.name, isNamed ? L"New" : L"");
+        const Command change = isNamed ? Parsed({row.name, "rename", "x", "Other"})
+                                       : Parsed({row.name, "update", "x", option, "Other"});
+        EXPECT_EQ(change.kind, row.change);
+        EXPECT_EQ(change.items, row.items);
+        EXPECT_THAT(change.ids, ElementsAre(L"x"));
+        EXPECT_EQ(change.name, isNamed ? L"Other" : L"");
+        const Command remove = Parsed({row.name, "delete", "x", "y"});
+        EXPECT_EQ(remove.kind, CommandKind::Delete);
+        EXPECT_EQ(remove.items, row.items);
+        EXPECT_THAT(remove.ids, ElementsAre(L"x", L"y"));
+        UsageError({row.name});
+        UsageError({row.name, isNamed ? "update" : "rename", "x", "y"});
+    }
+}
+
+TEST(CommandLineTest, ReadsWhatBelongsToOneKindOfItem)
+{
+    EXPECT_EQ(Parsed({"contacts", "list", "--picture-dir", "p"}).pictureDirectory, L"p");
+    EXPECT_EQ(Parsed({"contacts", "show", "x", "--picture-dir", "p"}).pictureDirectory, L"p");
+    EXPECT_FALSE(Parsed({"contacts", "list"}).pictureDirectory);
+    UsageError({"calendar", "list", "--picture-dir", "p"});
+    EXPECT_EQ(Parsed({"categories", "add", "New", "--color", "7"}).color, 7);
+    EXPECT_FALSE(Parsed({"categories", "add", "New"}).color);
+    UsageError({"categories", "add", "New", "--color", "red"});
+    UsageError({"groups", "add", "New", "--color", "7"});
+    EXPECT_THAT(UsageError({"groups", "add", ""}), HasSubstr(L"name"));
+    UsageError({"groups", "rename", "x"});
+    UsageError({"contacts", "update", "x"});
+}
+
 TEST(CommandLineTest, TakesGlobalOptionsBeforeAndBehindTheCommand)
 {
     for (const Command& command :
