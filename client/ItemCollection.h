@@ -64,7 +64,7 @@ template <typename Kind> class ItemCollection
                 return leftOut;
             }
             // A store answers for one that it cannot open with the one before.
-            if (item == previous)
+            if (item.Get() == previous.Get())
                 ++leftOut;
             else
                 take(item.Get());
