@@ -74,20 +74,20 @@ TEST_F(PimStoreCalendarTest, TellsSeriesExceptionsAndZonesInWords)
 {
     EXPECT_EQ(
         Show(kIds + "05"),
-        "Subject:    Review of the sensor board\n"
-        "Place:      Room 214\n"
-        "Start:      2026-02-05 10:00 (2026-02-05 09:00 UTC)\n"
-        "End:        2026-02-05 11:30 (2026-02-05 10:30 UTC)\n"
-        "Time zone:  W. Europe Standard Time, (UTC+01:00) Amsterdam, Berlin, Bern, Rome, "
+        "Subject:     Review of the sensor board\n"
+        "Place:       Room 214\n"
+        "Start:       2026-02-05 10:00 (2026-02-05 09:00 UTC)\n"
+        "End:         2026-02-05 11:30 (2026-02-05 10:30 UTC)\n"
+        "Time zone:   W. Europe Standard Time, (UTC+01:00) Amsterdam, Berlin, Bern, Rome, "
         "Stockholm, Vienna\n"
-        "Repeats:    every 2 weeks on Thursday, 10 times, 1 day left out, 1 day changed\n"
-        "Left out:   2026-03-05\n"
-        "Changed day:2026-02-19 10:00 is 2026-02-20 13:00 to 14:00, Review with the supplier, "
+        "Repeats:     every 2 weeks on Thursday, 10 times, 1 day left out, 1 day changed\n"
+        "Left out:    2026-03-05\n"
+        "Changed day: 2026-02-19 10:00 is 2026-02-20 13:00 to 14:00, Review with the supplier, "
         "Room 3\n"
-        "Reminder:   15 minutes before\n"
-        "Shown as:   busy\n"
-        "Changed:    2026-01-02 09:05 (2026-01-02 08:05 UTC)\n"
-        "ID:         " +
+        "Reminder:    15 minutes before\n"
+        "Shown as:    busy\n"
+        "Changed:     2026-01-02 09:05 (2026-01-02 08:05 UTC)\n"
+        "ID:          " +
             kIds +
             "05\n"
             "\n"
