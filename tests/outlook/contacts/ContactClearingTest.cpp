@@ -1,5 +1,6 @@
 #include "outlook/contacts/ContactClearing.h"
 
+#include "outlook/contacts/ContactCalls.h"
 #include "outlook/contacts/ContactTableFixture.h"
 
 #include <gmock/gmock.h>
@@ -33,38 +34,15 @@ class ContactClearingTest : public ContactTableTest
     StoreFault fault = StoreFault::CallFailed;
 };
 
-const std::string kNames = std::string("IMessage(ann).GetIDsFromNames([") + kAddressSetText;
-
-// The calls of a message with that many attachments, written down by hand.
+// The calls for a message whose attachments are deleted by these.
 Lines Clearing(const Lines& deletions)
 {
-    Lines calls = {
-        "IMessage(ann).DeleteProps([3A51001E 3A50001E 3A4C001E 3A59001F 3A5A001F 3A5B001F 3A5C001F "
-        "3A5D001F 3A5E001F 3A27001F 3A26001F 3A2A001F 3A28001F 3A29001F 3A2B001F 3A5F001F 3A60001F "
-        "3A61001F 3A62001F 3A63001F 3A64001F 3A08001F 3A1B001F 3A2E001F 3A24001F 3A1C001F 3A02001F "
-        "3A1E001F 3A57001F 3A09001F 3A2F001F 3A25001F 3A1F001F 3A420040 3A410040 3001001F 3A06001F "
-        "3A44001F 3A11001F 3A45001F 3A4F001F 3A16001F 3A18001F 3A17001F 3A19001F 10090102 3A21001F "
-        "3A23001F 3A1D001F 3A4B001F 3A2D001F 3A2C001F 3A1A001F])",
-        kNames + " 8082 8083 8092 8093 80A2 80A3 801A 801B 801C 8084 8094 80A4 8045 8046 8047 8048 "
-                 "8049 804A 8080 8090 80A0 8062 802B], 00000000)",
-        "IMessage(ann).DeleteProps([8082001F 8083001F 8092001F 8093001F 80A2001F 80A3001F 801A001F "
-        "801B001F 801C001F 8084001F 8094001F 80A4001F 8045001F 8046001F 8047001F 8048001F 8049001F "
-        "804A001F 8080001F 8090001F 80A0001F 8062001F 802B001F])",
-        kNames + " 80DE 80DF], 00000000)",
-        "IMessage(ann).DeleteProps([80DE0040 80DF0040])",
-        std::string("IMessage(ann).GetIDsFromNames([") + kPublicSetText +
-            " \"Keywords\"], 00000000)",
-        "IMessage(ann).DeleteProps([80E2101F])",
-        "IMessage(ann).QueryInterface(IMessage)",
-        "IMessage(ann).GetAttachmentTable(00000008)",
-        "HrQueryAllRows@24(IMAPITable(ann attachments table), [0E210003], null, null, 0)"};
+    Lines calls = ClearingCalls("ann");
     calls.insert(calls.end(), deletions.begin(), deletions.end());
     return calls;
 }
 
-const Lines kSaving = {kNames + " 8015], 00000000)",
-                       "IMessage(ann).SetProps({8015000B 0})",
-                       "IMessage(ann).SaveChanges(00000002)"};
+const Lines kSaving = SavingWithoutPictureCalls("ann");
 
 Lines And(Lines first, const Lines& second)
 {

@@ -1,5 +1,6 @@
 #include "outlook/contacts/ContactPicture.h"
 
+#include "outlook/contacts/ContactCalls.h"
 #include "outlook/contacts/ContactTableFixture.h"
 #include "support/DebugOutputCapture.h"
 
@@ -110,15 +111,9 @@ class CreatePictureTest : public ContactTableTest
             .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(size));
         return path;
     }
-    // 0x0CB34557 as the high word of a time.
     static std::string Setting(const std::string& bytes)
     {
-        return "IAttach(ann#0).SetProps({3703001F \".jpg\", 3704001F \"\", 3707001F "
-               "\"ContactPicture.jpg\", 37050003 1, 0E200003 " +
-               bytes +
-               ", 3001001F \"ContactPicture.jpg\", 370B0003 -1, 7FFD0003 0, 7FFE000B 0, 7FFA0003 "
-               "0, 7FFF000B 1, 7FFC0040 915151389250813952, 7FFB0040 915151389250813952, 37020102 "
-               "<>, 37140003 0})";
+        return MarkingPictureCall("ann#0", bytes);
     }
 
     ScratchDirectory files;

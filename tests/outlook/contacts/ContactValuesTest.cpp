@@ -1,6 +1,7 @@
 #include "outlook/contacts/ContactValues.h"
 
 #include "outlook/contacts/ContactText.h"
+#include "outlook/contacts/OwnContact.h"
 #include "platform/Bstr.h"
 #include "platform/SafeArray.h"
 #include "service/ItemAccess.h"
@@ -101,6 +102,53 @@ TEST_F(ContactValuesTest, WhatIsAbsentIsNotSet)
     values.Text(2, L"Public");
     EXPECT_THAT(Put(true, 0.0, 2), ElementsAre("FirstName \"kept\""));
     EXPECT_THAT(Put(true, 0.0, 3), ElementsAre("FirstName \"kept\"", "LastName \"Public\""));
+}
+
+// The order of the columns is another one.
+TEST_F(ContactValuesTest, FieldsAreSetInThisOrder)
+{
+    for (ULONG i = 0; i < 61; ++i)
+        values.Text(i, L"a");
+    for (const ULONG time : {0, 51, 52, 59, 60})
+        values.Time(time, UnitsOf(36526));
+    const auto own = OwnContact::Make(contact);
+    PutContactValues(*own.Get(), *own.Get(), values.View(), true, 0.0);
+    std::vector<std::string> expected = {"put LastModificationTime",
+                                         "put FirstName",
+                                         "put LastName",
+                                         "put MiddleName",
+                                         "put JobTitle",
+                                         "put CompanyName",
+                                         "put InstantMessagingAddress"};
+    for (int type = 0; type < 13; ++type)
+        expected.push_back("put PhoneNumber " + std::to_string(type));
+    for (const char* const put : {"put Emails",
+                                  "put Website",
+                                  "put DisplayName",
+                                  "put Address 0",
+                                  "put Address 1",
+                                  "put Address 2",
+                                  "put Birthday",
+                                  "put Anniversary",
+                                  "put Suffix"})
+        expected.push_back(put);
+    EXPECT_EQ(expected, own->calls);
+}
+
+// Each by itself: a field that refuses its value keeps nothing from the others.
+TEST_F(ContactValuesTest, AFieldThatRefusesIsPassedOver)
+{
+    for (ULONG i = 0; i < 61; ++i)
+        values.Text(i, L"a");
+    const auto all = OwnContact::Make(CreateObject<INContactItem>(CLSID_NContactItem));
+    PutContactValues(*all.Get(), *all.Get(), values.View(), true, 0.0);
+    for (const std::string& refused : all->calls)
+    {
+        const auto own = OwnContact::Make(CreateObject<INContactItem>(CLSID_NContactItem));
+        own->failing = {refused};
+        PutContactValues(*own.Get(), *own.Get(), values.View(), true, 0.0);
+        EXPECT_EQ(all->calls, own->calls) << refused;
+    }
 }
 
 TEST_F(ContactValuesTest, EveryTextHasItsField)

@@ -6,6 +6,7 @@
 #include "outlook/contacts/ContactWriting.h"
 
 #include "outlook/contacts/ContactTableFixture.h"
+#include "outlook/contacts/OwnContact.h"
 #include "platform/SafeArray.h"
 
 #include <gmock/gmock.h>
@@ -1023,7 +1024,81 @@ TEST_F(ContactWritingTest, WithoutAnAttachmentThereIsNoMark)
     EXPECT_THAT(store.Calls(), Not(Contains(StartsWith("IMessage(ann).CreateAttach"))));
 }
 
-// --- Items that are not of ours, or odd ----------------------------------------------------------
+// --- Items of a client's own -----------------------------------------------------------------
+
+TEST_F(ContactWritingTest, TheCategoriesAreAllThatIsPutBack)
+{
+    const auto puts = [&](const std::string& text) {
+        const auto own = OwnContact::Make(ContactOf(LinesOf(text)));
+        Write(own.Get());
+        Lines calls = own->calls;
+        std::erase_if(calls, [](const std::string& call) { return call.starts_with("get "); });
+        return calls;
+    };
+    EXPECT_THAT(puts("FirstName \"John\"\nEmail \"a@b\"\nCategory \"Friends\""),
+                ElementsAre("put CategoryIDs"));
+    EXPECT_THAT(puts("FirstName \"John\"\nEmail \"a@b\""), IsEmpty());
+}
+
+// What a field gives stands in the same places whether it is absent or cannot be had.
+TEST_F(ContactWritingTest, AFieldThatCannotBeHadIsLeftOut)
+{
+    const struct
+    {
+        const char* get;
+        const char* line; // of the field
+    } fields[] = {{"get FirstName", "FirstName"},
+                  {"get MiddleName", "MiddleName"},
+                  {"get LastName", "LastName"},
+                  {"get JobTitle", "JobTitle"},
+                  {"get CompanyName", "CompanyName"},
+                  {"get Suffix", "Suffix"},
+                  {"get Notes", "Notes"},
+                  {"get InstantMessagingAddress", "InstantMessagingAddress"},
+                  {"get PhoneNumber 1", "Phone1"},
+                  {"get Emails", "Email"},
+                  {"get Website", "Website"},
+                  {"get Address 0", "Home.City"},
+                  {"get Address 1", "Business.City"},
+                  {"get Address 2", "Other.City"},
+                  {"get Birthday", "Birthday"},
+                  {"get Anniversary", "Anniversary"},
+                  {"get Picture", "Picture"},
+                  {"get CategoryIDs", "Category"}};
+    const Lines all = LinesOf(R"_(
+        FirstName "John"
+        MiddleName "Q"
+        LastName "Public"
+        JobTitle "Clerk"
+        CompanyName "Acme"
+        Suffix "Jr."
+        Notes "note"
+        InstantMessagingAddress "im"
+        Phone1 "mobile"
+        Email "a@b"
+        Website "http://a"
+        Home.City "H"
+        Business.City "B"
+        Other.City "O"
+        Birthday 25569
+        Anniversary 25570
+        Picture "none"
+        Category "Friends")_");
+    ASSERT_EQ(std::size(fields), all.size());
+    for (const auto& field : fields)
+    {
+        Lines others = all;
+        std::erase_if(others, [&](const std::string& line) {
+            return line.starts_with(std::string(field.line) + ' ');
+        });
+        ASSERT_EQ(all.size() - 1, others.size()) << field.line;
+        const auto own = OwnContact::Make(ContactOf(all));
+        own->failing = {field.get};
+        EXPECT_EQ(Write(ContactOf(others).Get()), Write(own.Get())) << field.get;
+    }
+}
+
+// --- Items that are odd ----------------------------------------------------------
 
 TEST_F(ContactWritingTest, ArraysOfAnotherKindCountAsEmpty)
 {
