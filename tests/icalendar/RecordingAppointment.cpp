@@ -82,7 +82,7 @@ HRESULT RecordingAppointment::GetText(const std::string& name, BSTR* value)
         return E_FAIL;
     if (!nulls.contains(name))
         *value = SysAllocString(texts[name].c_str());
-    return S_OK;
+    return textResult;
 }
 
 HRESULT RecordingAppointment::PutText(const std::string& name, BSTR value)

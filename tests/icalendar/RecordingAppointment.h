@@ -28,6 +28,7 @@ class RecordingAppointment final : public INAppointment, public INEntityItem
     bool isAppointment = true;     // false: INEntityItem alone
     std::set<std::string> failing; // calls that give E_FAIL, such as "get Subject"
     std::set<std::string> nulls;   // text properties that read as null
+    HRESULT textResult = S_OK;     // of the text properties that can be read
     std::function<void(const std::string& call)> onCall; // runs inside each call
     std::vector<std::string> calls;                      // "get Subject", "put Subject [Lunch]"
     bool keepsEntityId = false;                          // put EntityID changes texts["EntityID"]

@@ -1,54 +1,32 @@
-// The server's calendar table over the embedded store: appointments that were added come back.
-#include "automation/ClassObjects.h"
+// The calendar of the server's provider over the embedded store: appointments that were added come
+// back.
 #include "localstore/StoreProfile.h"
-#include "outlook/calendar/OutlookCalendarTable.h"
-#include "outlook/store/MAPIProxcy.h"
 #include "platform/Bstr.h"
 #include "service/ItemAccess.h"
-#include "tests/support/TestModule.h"
-#include "tests/localstore/StoreClient.h"
-
-#include <filesystem>
+#include "tests/localstore/StoreProviderFixture.h"
+#include "tests/outlook/calendar/RecurrenceSupport.h"
 
 namespace
 {
 // 2024-03-05 00:00
 constexpr DATE kDay = 45356.0;
 
-class StoreCalendarTest : public StoreTest
+class StoreCalendarTest : public StoreProviderTest
 {
   protected:
     void SetUp() override
     {
-        StoreTest::SetUp();
-        ASSERT_EQ(S_OK,
-                  m_classes.Register(GetObjectMap(), CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE));
-        auto proxy = std::make_unique<CMAPIProxcy>();
-        MAPIINIT_0 record{0, 8};
-        wchar_t program[MAX_PATH] = {};
-        GetModuleFileNameW(nullptr, program, MAX_PATH);
-        const std::filesystem::path library =
-            std::filesystem::path(program).parent_path() / L"PimLocalStore.dll";
-        ASSERT_TRUE(proxy->Load(library.wstring(), &record));
-        m_helper = std::make_unique<CMAPIHelper>(std::move(proxy));
-        m_calendar = OpenFolder(Binary(StoreTest::RootFolder().Get(), kCalendarFolder));
-        ASSERT_TRUE(m_calendar);
+        StoreProviderTest::SetUp();
+        ASSERT_NO_FATAL_FAILURE(LogOnProvider());
         m_table = NewTable();
     }
     void TearDown() override
     {
         m_table.reset();
-        m_calendar.Reset();
-        m_helper.reset();
+        StoreProviderTest::TearDown();
     }
 
-    std::unique_ptr<COutlookCalendarTable> NewTable()
-    {
-        auto table = std::make_unique<COutlookCalendarTable>(m_calendar.Get(), m_helper.get());
-        table->GetItemIDs();
-        table->ResetItem();
-        return table;
-    }
+    std::unique_ptr<IEnumerator> NewTable() { return LoadTable(Calendar); }
     static ComPtr<INEntityItem> NewItem(const wchar_t* subject)
     {
         ComPtr<INEntityItem> item;
@@ -81,12 +59,68 @@ class StoreCalendarTest : public StoreTest
         return value;
     }
 
-    TestModule m_module;
-    ClassObjects m_classes;
-    std::unique_ptr<CMAPIHelper> m_helper;
-    ComPtr<IMAPIFolder> m_calendar;
-    std::unique_ptr<COutlookCalendarTable> m_table;
+    std::unique_ptr<IEnumerator> m_table;
 };
+struct SeriesCase
+{
+    const char* what;
+    const wchar_t* zone; // one whose rules no other zone of the system with a lower key has
+    DATE utcStart;
+    DATE utcEnd;
+    void (*set)(_tagRecurringInfo& rule);
+    const char* text; // of the rule that comes back
+};
+
+// Starts and ends are UTC. Days of a rule are those of the zone.
+const SeriesCase kSeries[] = {
+    {"daily to the east",
+     L"Nepal Standard Time", // 5:45 ahead
+     DateOf(2024, 3, 4, 20, 0),
+     DateOf(2024, 3, 4, 21, 0),
+     [](_tagRecurringInfo& rule) {
+         rule.eRecurType = Daily;
+         rule.tDaily.ulIntervalDay = 3;
+         rule.tEndInfo = {EndByCount, 0.0, 4};
+     },
+     "kind 1\ndaily.interval 3\nend.kind 1\nend.times 4\n"},
+    {"weekly to the west, over the start of summer time",
+     L"Newfoundland Standard Time", // 3:30 behind, 2:30 in summer
+     DateOf(2024, 3, 8, 13, 30),
+     DateOf(2024, 3, 8, 15, 0),
+     [](_tagRecurringInfo& rule) {
+         rule.eRecurType = Weekly;
+         rule.tWeekly.ulIntervalWeek = 1;
+         SetWeekdays(rule.tWeekly.bValidWeekday, {0, 5});
+         rule.tEndInfo = {EndByDate, DateOf(2024, 4, 30), 0};
+         rule.arrDeletedInstance[0] = DateOf(2024, 3, 10);
+     },
+     "kind 2\nweekly.interval 1\nweekly.days S----F-\nend.kind 2\nend.date 2024-04-30 00:00\n"
+     "deleted0 2024-03-10 00:00\n"},
+    {"monthly without an end, in the hours that summer time leaves out",
+     L"Newfoundland Standard Time",
+     DateOf(2024, 3, 10, 5, 45),
+     DateOf(2024, 3, 10, 6, 45),
+     [](_tagRecurringInfo& rule) {
+         rule.eRecurType = Monthly;
+         rule.tMonthly.ulIntervalMonth = 2;
+         rule.tMonthly.bIsByDayMode = -1;
+         rule.tMonthly.lNth = -1;
+         SetWeekdays(rule.tMonthly.bValidWeekday, {0});
+     },
+     "kind 3\nmonthly.byDay -1\nmonthly.interval 2\nmonthly.nth -1\nmonthly.days S------\n"},
+    {"yearly far to the west",
+     L"Marquesas Standard Time", // 9:30 behind
+     DateOf(2024, 7, 1, 8, 0),
+     DateOf(2024, 7, 1, 9, 0),
+     [](_tagRecurringInfo& rule) {
+         rule.eRecurType = Yearly;
+         rule.tYearly.ulIntervalYear = 1;
+         rule.tYearly.bIsByMonthDayMode = -1;
+         rule.tYearly.lDay = 30;
+     },
+     "kind 4\nyearly.byMonthDay -1\nyearly.interval 1\nyearly.day 30\n"},
+};
+
 // The same over a store in which nobody has made names.
 class NamelessStoreCalendarTest : public StoreCalendarTest
 {
@@ -179,6 +213,61 @@ TEST_F(StoreCalendarTest, KeepsAnAllDayAppointmentOfTheMachinesZone)
     EXPECT_EQ(0xFFFFFFFF, ValueOf(read.Get(), &INAppointment::get_Reminder));
 }
 
+TEST_F(StoreCalendarTest, KeepsSeriesOfEveryKindAndZone)
+{
+    for (const SeriesCase& wanted : kSeries)
+    {
+        SCOPED_TRACE(wanted.what);
+        const ComPtr<INEntityItem> item = NewItem(L"Series");
+        const ComPtr<INAppointment> series = QueryItem<INAppointment>(item.Get());
+        series->put_TimeZone(Bstr(wanted.zone).Get());
+        series->put_StartTime(wanted.utcStart);
+        series->put_EndTime(wanted.utcEnd);
+        auto rule = std::make_unique<_tagRecurringInfo>(NoRecurrence());
+        wanted.set(*rule);
+        series->put_RecurringInfo(rule.get());
+        std::wstring folderID;
+        const std::wstring id = m_table->AddItem(item.Get(), folderID);
+        ASSERT_FALSE(id.empty());
+
+        const auto table = NewTable();
+        const ComPtr<INAppointment> read = Next(*table);
+        ASSERT_TRUE(read);
+        EXPECT_EQ(wanted.zone, TextOfProperty(read.Get(), &INAppointment::get_TimeZone));
+        EXPECT_DOUBLE_EQ(wanted.utcStart, ValueOf(read.Get(), &INAppointment::get_StartTime));
+        EXPECT_DOUBLE_EQ(wanted.utcEnd, ValueOf(read.Get(), &INAppointment::get_EndTime));
+        EXPECT_EQ(S_OK, read->get_RecurringInfo(rule.get()));
+        EXPECT_EQ(wanted.text, TextOf(*rule));
+        EXPECT_EQ(TRUE, m_table->DeleteItem(id));
+    }
+}
+
+TEST_F(StoreCalendarTest, ChangesTheRuleOfASeriesAndItsZone)
+{
+    const ComPtr<INEntityItem> item = NewItem(L"Series");
+    const ComPtr<INAppointment> series = QueryItem<INAppointment>(item.Get());
+    const auto write = [&](const SeriesCase& wanted) {
+        series->put_TimeZone(Bstr(wanted.zone).Get());
+        series->put_StartTime(wanted.utcStart);
+        series->put_EndTime(wanted.utcEnd);
+        auto rule = std::make_unique<_tagRecurringInfo>(NoRecurrence());
+        wanted.set(*rule);
+        series->put_RecurringInfo(rule.get());
+    };
+    write(kSeries[0]);
+    std::wstring folderID;
+    ASSERT_FALSE(m_table->AddItem(item.Get(), folderID).empty());
+    write(kSeries[1]);
+    EXPECT_EQ(TRUE, m_table->UpdateItem(item.Get()));
+    const ComPtr<INAppointment> read = Next(*NewTable());
+    ASSERT_TRUE(read);
+    EXPECT_EQ(kSeries[1].zone, TextOfProperty(read.Get(), &INAppointment::get_TimeZone));
+    EXPECT_DOUBLE_EQ(kSeries[1].utcStart, ValueOf(read.Get(), &INAppointment::get_StartTime));
+    auto rule = std::make_unique<_tagRecurringInfo>();
+    EXPECT_EQ(S_OK, read->get_RecurringInfo(rule.get()));
+    EXPECT_EQ(kSeries[1].text, TextOf(*rule));
+}
+
 TEST_F(StoreCalendarTest, ChangesAndDeletesAnAppointment)
 {
     const ComPtr<INEntityItem> item = NewItem(L"First");
@@ -207,7 +296,8 @@ TEST_F(NamelessStoreCalendarTest, KeepsWhatAStoreWithoutNamesCan)
     EXPECT_EQ(L"(null)", TextOfProperty(read.Get(), &INAppointment::get_Place));
     EXPECT_EQ(0.0, ValueOf(read.Get(), &INAppointment::get_StartTime));
     SPropTagArray* tags = nullptr;
-    EXPECT_EQ(S_OK, m_calendar->GetIDsFromNames(0, nullptr, 0, &tags));
+    const ComPtr<IMAPIFolder> calendar = OpenFolder(Binary(RootFolder().Get(), kCalendarFolder));
+    EXPECT_EQ(S_OK, calendar->GetIDsFromNames(0, nullptr, 0, &tags));
     ASSERT_TRUE(tags);
     EXPECT_EQ(0u, tags->cValues);
     m_library.FreeBuffer(tags);

@@ -182,6 +182,13 @@ TEST_F(RecurrenceBlobTest, PutsTheRecordThatItRead)
     item->nulls = {"Place"};
     ParseRecurrenceBlob(*item.Get(), blob.Bytes());
     EXPECT_EQ(TextOf(item->recurringInfo).find("Own"), std::string::npos);
+    // A warning is not good enough either.
+    item->failing.clear();
+    item->nulls.clear();
+    item->textResult = S_FALSE;
+    ParseRecurrenceBlob(*item.Get(), blob.Bytes());
+    EXPECT_EQ(TextOf(item->recurringInfo).find("Own"), std::string::npos);
+    item->textResult = S_OK;
     // That the put fails does not matter.
     item->failing = {"put RecurringInfo"};
     ParseRecurrenceBlob(*item.Get(), blob.Bytes());
