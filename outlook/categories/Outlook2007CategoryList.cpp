@@ -1,7 +1,6 @@
 #include "outlook/categories/Outlook2007CategoryList.h"
 
-#include "outlook/store/MapiMemory.h"
-#include "outlook/store/TagArray.h"
+#include "outlook/categories/CategoryStream.h"
 #include "platform/Bstr.h"
 #include "platform/GuidSource.h"
 #include "service/ItemAccess.h"
@@ -11,11 +10,6 @@
 #include <utility>
 
 using Microsoft::WRL::ComPtr;
-
-namespace
-{
-constexpr ULONG kStreamTag = 0x7C080102; // PR_ROAMING_XMLSTREAM
-} // namespace
 
 COutlook2007CategoryList::COutlook2007CategoryList(IMAPIProp* message, CMAPIHelper* helper)
     : LiveObject(helper ? &helper->Live() : nullptr), m_message(message),
@@ -49,13 +43,14 @@ void COutlook2007CategoryList::GetItemIDs()
     Clear();
     m_document.reset();
     std::string text;
-    Stream stream = ReadStream(text);
-    if (stream == Stream::Missing)
+    CNProxcy& proxy = m_pHelper->Proxy();
+    CategoryStream stream = ReadCategoryStream(*m_message.Get(), proxy, text);
+    if (stream == CategoryStream::Missing)
     {
-        WriteStream(CategoryDocument().Print());
-        stream = ReadStream(text);
+        WriteCategoryStream(*m_message.Get(), proxy, CategoryDocument().Print());
+        stream = ReadCategoryStream(*m_message.Get(), proxy, text);
     }
-    if (stream == Stream::Read)
+    if (stream == CategoryStream::Read)
         m_document = CategoryDocument::Parse(text);
     if (!m_document)
         return;
@@ -80,52 +75,14 @@ void COutlook2007CategoryList::AppendCategory(const Category& category)
     Append(item.Get());
 }
 
-COutlook2007CategoryList::Stream COutlook2007CategoryList::ReadStream(std::string& text) const
-{
-    TagArray tags({&kStreamTag, 1});
-    ULONG count = 0;
-    SPropValue* delivered = nullptr;
-    const HRESULT result = m_message->GetProps(tags.Get(), MAPI_UNICODE, &count, &delivered);
-    // What a failed call left in its outputs is nobody's.
-    const auto value = AdoptMapiBuffer(SUCCEEDED(result) ? delivered : nullptr, m_pHelper->Proxy());
-    if (!value || count == 0)
-        return Stream::Unreadable;
-    if (PROP_TYPE(value->ulPropTag) == PT_ERROR)
-        // A value that is too large to be handed over in this way is there all the same.
-        return value->Value.err == MAPI_E_NOT_ENOUGH_MEMORY ? Stream::Unreadable : Stream::Missing;
-    if (PROP_TYPE(value->ulPropTag) != PT_BINARY)
-        return Stream::Unreadable;
-    const SBinary& bytes = value->Value.bin;
-    if (bytes.cb == 0)
-        return Stream::Missing;
-    if (!bytes.lpb)
-        return Stream::Unreadable;
-    text.assign(reinterpret_cast<const char*>(bytes.lpb), bytes.cb);
-    return Stream::Read;
-}
-
 // --- Writing -----------------------------------------------------------------------------------
-
-bool COutlook2007CategoryList::WriteStream(const std::string& text)
-{
-    std::string bytes = text; // values hold plain pointers; the interface does not write through
-    SPropValue value = {};
-    value.ulPropTag = kStreamTag;
-    value.Value.bin = {static_cast<ULONG>(bytes.size()), reinterpret_cast<BYTE*>(bytes.data())};
-    SPropProblemArray* problems = nullptr;
-    const HRESULT set = m_message->SetProps(1, &value, &problems);
-    const auto owned = AdoptMapiBuffer(SUCCEEDED(set) ? problems : nullptr, m_pHelper->Proxy());
-    // A problem with the one value is told as a success of the call.
-    if (FAILED(set) || (owned && owned->cProblem != 0))
-        return false;
-    return SUCCEEDED(m_message->SaveChanges(FORCE_SAVE));
-}
 
 bool COutlook2007CategoryList::Store(CategoryDocument changed)
 {
     const std::string text = changed.Print();
     // What could not be read again is not written.
-    if (ScanXml(text) != XmlScanResult::Ok || !WriteStream(text))
+    if (ScanXml(text) != XmlScanResult::Ok ||
+        !WriteCategoryStream(*m_message.Get(), m_pHelper->Proxy(), text))
         return false;
     m_document = std::move(changed);
     return true;

@@ -39,14 +39,6 @@ class COutlook2007CategoryList : public CCategoryList, public LiveObject
     virtual DATE UtcNow() const;
 
   private:
-    enum class Stream
-    {
-        Read,
-        Missing,
-        Unreadable // there may be one; it must not be replaced
-    };
-    Stream ReadStream(std::string& text) const;
-    bool WriteStream(const std::string& text);
     bool Store(CategoryDocument changed);
     void AppendCategory(const Category& category);
 

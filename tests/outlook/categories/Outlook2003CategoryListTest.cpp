@@ -9,6 +9,7 @@
 
 #include <gmock/gmock.h>
 
+#include <deque>
 #include <regex>
 
 using testing::ElementsAre;
@@ -321,7 +322,8 @@ namespace
 class CallingCategory final : public INContactCategory
 {
   public:
-    std::function<void()> onName;
+    std::wstring name = L"Called";
+    std::function<void()> onName = [] {};
 
     STDMETHODIMP QueryInterface(REFIID iid, void** result) override
     {
@@ -341,10 +343,10 @@ class CallingCategory final : public INContactCategory
     {
         return E_NOTIMPL;
     }
-    STDMETHODIMP get_Name(BSTR* name) override
+    STDMETHODIMP get_Name(BSTR* value) override
     {
         onName();
-        *name = NewText(L"Called");
+        *value = NewText(name);
         return S_OK;
     }
     STDMETHODIMP put_Name(BSTR) override { return S_OK; }
@@ -360,6 +362,7 @@ class CallingItem final : public INEntityItem
   public:
     CallingCategory category;
     std::wstring id;
+    int idReads = 0;
 
     STDMETHODIMP QueryInterface(REFIID iid, void** result) override
     {
@@ -383,6 +386,7 @@ class CallingItem final : public INEntityItem
     }
     STDMETHODIMP get_EntityID(BSTR* value) override
     {
+        ++idReads;
         *value = NewText(id);
         return S_OK;
     }
@@ -418,4 +422,35 @@ TEST_F(Outlook2003CategoryListTest, WhileAnItemIsReadNothingElseChangesTheList)
     EXPECT_GE(calls, 1);
     EXPECT_EQ(L"One;Two;Called;", ReadMasterList());
     list.GetItemIDs(); // lets go of the item
+}
+
+// --- Cost --------------------------------------------------------------------------------------
+
+TEST_F(Outlook2003CategoryListTest, ALookupDoesNotReadTheWholeList)
+{
+    Load(L"");
+    constexpr int kCount = 100;
+    std::deque<CallingItem> items(kCount);
+    for (int i = 0; i < kCount; ++i)
+    {
+        items[i].category.name = L"Name " + std::to_wstring(i);
+        Add(&items[i]);
+    }
+    const auto reads = [&] {
+        int all = 0;
+        for (const CallingItem& item : items)
+            all += item.idReads;
+        return all;
+    };
+    const int before = reads();
+    for (int i = kCount; i-- > 0;)
+    {
+        list.ResetItem();
+        list.GetItemByID(items[i].id);
+        EXPECT_EQ(items[i].category.name, CurrentName(list));
+    }
+    EXPECT_LE(reads() - before, 2 * kCount);
+    registry.SetText(kCategoriesKey, L"MasterList", L"");
+    list.GetItemIDs(); // lets go of the items
+    list.ResetItem();
 }

@@ -218,10 +218,12 @@ TEST_F(Outlook2007CategoryListTest, AStreamThatIsTooLargeToBeHandedOverIsNotRepl
     store.SetProps("categories", StoreProps().Failing(kStreamTag, MAPI_E_NOT_ENOUGH_MEMORY));
     Open();
     list->GetItemIDs();
-    EXPECT_THAT(store.Calls(), ElementsAre(kRead));
+    const std::vector<std::string> reading = {
+        kRead, "IMessage(categories).OpenProperty(7C080102, IStream, 0, 00000000)"};
+    EXPECT_EQ(reading, store.Calls());
     EXPECT_THAT(Walk(*list), IsEmpty());
     EXPECT_EQ(L"", Add(CategoryOf(L"Work").Get()));
-    EXPECT_THAT(store.Calls(), ElementsAre(kRead));
+    EXPECT_EQ(reading, store.Calls());
 }
 
 TEST_F(Outlook2007CategoryListTest, AnyOtherErrorOfTheValueCountsAsMissing)
