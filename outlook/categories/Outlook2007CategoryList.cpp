@@ -5,7 +5,6 @@
 #include "platform/GuidSource.h"
 #include "service/ItemAccess.h"
 #include "service/TimeConversions.h"
-#include "service/XmlScan.h"
 
 #include <utility>
 
@@ -79,10 +78,13 @@ void COutlook2007CategoryList::AppendCategory(const Category& category)
 
 bool COutlook2007CategoryList::Store(CategoryDocument changed)
 {
+    // What would not come back is not written: the document may be too large by now, and odd markup
+    // of others, printed as it came, may not parse.
     const std::string text = changed.Print();
-    // What could not be read again is not written.
-    if (ScanXml(text) != XmlScanResult::Ok ||
-        !WriteCategoryStream(*m_message.Get(), m_pHelper->Proxy(), text))
+    const auto again = CategoryDocument::Parse(text);
+    if (!again || again->Categories() != changed.Categories())
+        return false;
+    if (!WriteCategoryStream(*m_message.Get(), m_pHelper->Proxy(), text))
         return false;
     m_document = std::move(changed);
     return true;

@@ -416,6 +416,19 @@ TEST_F(Outlook2007CategoryListTest, WhatCouldNotBeReadAgainIsNotWritten)
     EXPECT_EQ(kTwo, Stored());
 }
 
+// The declaration of this one would be printed with an end of its own inside.
+TEST_F(Outlook2007CategoryListTest, ADocumentThatWouldNotComeBackIsLeftAsItIs)
+{
+    constexpr char kOdd[] = "<?xml version=\"1&quot;&gt;x\"?><r><c name=\"Work\" guid=\"{A}\"/></r>";
+    Load(kOdd);
+    EXPECT_THAT(Walk(*list), ElementsAre(L"Work"));
+    EXPECT_EQ(L"", Add(CategoryOf(L"One").Get()));
+    EXPECT_EQ(FALSE, list->UpdateItem(CategoryOf(L"One", L"{A}").Get()));
+    EXPECT_EQ(FALSE, list->DeleteItem(L"{A}"));
+    EXPECT_THAT(store.Calls(), IsEmpty());
+    EXPECT_EQ(kOdd, Stored());
+}
+
 // --- Updating ----------------------------------------------------------------------------------
 
 TEST_F(Outlook2007CategoryListTest, WritesNameAndTimeButNoColour)
