@@ -1,13 +1,29 @@
 #include "localstore/AddressBook.h"
 
+#include "localstore/StoreProperties.h"
+
 #include <cstring>
 
-AddressBook::AddressBook(std::shared_ptr<BookSession> session) : PropObject(std::move(session)) {}
-
-PropertyMap AddressBook::Properties()
+PropertyMap AddressBookState::Read(const PropertySelection&)
 {
-    return {{static_cast<std::uint16_t>(PROP_ID(PR_OBJECT_TYPE)),
-             {PT_LONG, std::uint64_t{MAPI_ADDRBOOK}}}};
+    PropertyMap properties;
+    PutLong(properties, PR_OBJECT_TYPE, MAPI_ADDRBOOK);
+    return properties;
+}
+
+HRESULT AddressBookState::Change(PropertyChanges)
+{
+    return MAPI_E_NO_ACCESS;
+}
+
+bool AddressBookState::IsComputed(std::uint16_t id) const
+{
+    return id == PROP_ID(PR_OBJECT_TYPE);
+}
+
+HRESULT AddressBookState::Save(ULONG)
+{
+    return S_OK;
 }
 
 STDMETHODIMP AddressBook::OpenEntry(ULONG entryIdBytes,
@@ -17,27 +33,18 @@ STDMETHODIMP AddressBook::OpenEntry(ULONG entryIdBytes,
                                     ULONG* objectType,
                                     LPUNKNOWN* object)
 {
-    return BookSession::OpenEntry(
-        SharedSession(), entryIdBytes, entryId, iid, flags, objectType, object);
+    return Session().OpenEntry(entryIdBytes, entryId, iid, flags, true, true, objectType, object);
 }
 
 STDMETHODIMP AddressBook::CompareEntryIDs(
     ULONG firstBytes, LPENTRYID first, ULONG secondBytes, LPENTRYID second, ULONG, ULONG* same)
 {
-    if (!same)
-        return MAPI_E_INVALID_PARAMETER;
-    *same = 0;
-    if ((firstBytes && !first) || (secondBytes && !second))
-        return MAPI_E_INVALID_PARAMETER;
-    const bool equal = firstBytes == secondBytes &&
-                       (firstBytes == 0 || std::memcmp(first, second, firstBytes) == 0);
-    *same = equal ? 1 : 0;
-    return S_OK;
+    return CompareEntryIdBytes(firstBytes, first, secondBytes, second, same);
 }
 
 STDMETHODIMP AddressBook::Advise(ULONG, LPENTRYID, ULONG, LPMAPIADVISESINK, ULONG* connection)
 {
-    return RefuseWithOptional(connection);
+    return RefuseWith(connection);
 }
 
 STDMETHODIMP AddressBook::Unadvise(ULONG)
@@ -48,17 +55,13 @@ STDMETHODIMP AddressBook::Unadvise(ULONG)
 STDMETHODIMP
 AddressBook::CreateOneOff(LPTSTR, LPTSTR, LPTSTR, ULONG, ULONG* entryIdBytes, LPENTRYID* entryId)
 {
-    if (entryIdBytes)
-        *entryIdBytes = 0;
-    return RefuseWithOptional(entryId);
+    return RefuseWith(entryIdBytes, entryId);
 }
 
 STDMETHODIMP AddressBook::NewEntry(
     ULONG_PTR, ULONG, ULONG, LPENTRYID, ULONG, LPENTRYID, ULONG* entryIdBytes, LPENTRYID* entryId)
 {
-    if (entryIdBytes)
-        *entryIdBytes = 0;
-    return RefuseWithOptional(entryId);
+    return RefuseWith(entryIdBytes, entryId);
 }
 
 STDMETHODIMP AddressBook::ResolveName(ULONG_PTR, ULONG, LPTSTR, LPADRLIST)
@@ -86,9 +89,7 @@ STDMETHODIMP AddressBook::RecipOptions(ULONG_PTR, ULONG, LPADRENTRY)
 STDMETHODIMP
 AddressBook::QueryDefaultRecipOpt(LPTSTR, ULONG, ULONG* count, LPSPropValue* options)
 {
-    if (count)
-        *count = 0;
-    return RefuseWithOptional(options);
+    return RefuseWith(count, options);
 }
 
 STDMETHODIMP AddressBook::GetPAB(ULONG* entryIdBytes, LPENTRYID* entryId)
@@ -99,7 +100,7 @@ STDMETHODIMP AddressBook::GetPAB(ULONG* entryIdBytes, LPENTRYID* entryId)
     *entryId = nullptr;
     return Session().Run([&] {
         const Bytes bytes =
-            Session().EntryIdOfContainer(Session().ContainerOfRole(BookRole::Personal));
+            State().Book().EntryIdOfContainer(State().Book().ContainerOfRole(BookRole::Personal));
         ChainedBuffer buffer(ChainedMemory::OfLibrary(), bytes.size());
         std::memcpy(buffer.Get(), bytes.data(), bytes.size());
         *entryIdBytes = static_cast<ULONG>(bytes.size());
@@ -115,9 +116,7 @@ STDMETHODIMP AddressBook::SetPAB(ULONG, LPENTRYID)
 
 STDMETHODIMP AddressBook::GetDefaultDir(ULONG* entryIdBytes, LPENTRYID* entryId)
 {
-    if (entryIdBytes)
-        *entryIdBytes = 0;
-    return RefuseWithOptional(entryId);
+    return RefuseWith(entryIdBytes, entryId);
 }
 
 STDMETHODIMP AddressBook::SetDefaultDir(ULONG, LPENTRYID)
@@ -127,7 +126,7 @@ STDMETHODIMP AddressBook::SetDefaultDir(ULONG, LPENTRYID)
 
 STDMETHODIMP AddressBook::GetSearchPath(ULONG, LPSRowSet* path)
 {
-    return RefuseWithOptional(path);
+    return RefuseWith(path);
 }
 
 STDMETHODIMP AddressBook::SetSearchPath(ULONG, LPSRowSet)

@@ -1,14 +1,36 @@
 // The embedded address book as clients hold it.
 #pragma once
 
-#include "localstore/PropObject.h"
+#include "localstore/BookSession.h"
+#include "localstore/StoreObject.h"
 
-#include <mapiguid.h>
-
-class AddressBook : public PropObject<IAddrBook, &IID_IMAPIProp, &IID_IAddrBook>
+// The book has no properties but its type.
+class AddressBookState : public StoredObject
 {
   public:
-    explicit AddressBook(std::shared_ptr<BookSession> session);
+    explicit AddressBookState(std::shared_ptr<BookSession> session)
+        : StoredObject(session, false), m_session(std::move(session))
+    {
+    }
+
+    BookSession& Book() const noexcept { return *m_session; }
+
+    PropertyMap Read(const PropertySelection& selection) override;
+    HRESULT Change(PropertyChanges changes) override;
+    bool IsComputed(std::uint16_t id) const override;
+    HRESULT Save(ULONG flags) override;
+
+  private:
+    const std::shared_ptr<BookSession> m_session;
+};
+
+class AddressBook : public StoreObject<AddressBookState, IAddrBook, &IID_IAddrBook>
+{
+  public:
+    explicit AddressBook(std::shared_ptr<BookSession> session)
+        : StoreObject(std::make_shared<AddressBookState>(std::move(session)))
+    {
+    }
 
     STDMETHODIMP OpenEntry(ULONG entryIdBytes,
                            LPENTRYID entryId,
@@ -71,7 +93,4 @@ class AddressBook : public PropObject<IAddrBook, &IID_IMAPIProp, &IID_IAddrBook>
     STDMETHODIMP GetSearchPath(ULONG flags, LPSRowSet* path) override;
     STDMETHODIMP SetSearchPath(ULONG flags, LPSRowSet path) override;
     STDMETHODIMP PrepareRecips(ULONG flags, LPSPropTagArray tags, LPADRLIST recipients) override;
-
-  protected:
-    PropertyMap Properties() override;
 };

@@ -1,5 +1,8 @@
 #include "localstore/BookEntries.h"
 
+#include "localstore/BookEntry.h"
+#include "localstore/StoreProperties.h"
+
 namespace
 {
 
@@ -33,17 +36,21 @@ class BookEntriesSource : public TableSource
         Database& database = m_session->Store();
         for (const std::int64_t key : keys)
         {
-            Statement entry = database.Prepare(
-                "SELECT entry_id, object_type, modified FROM book_entry WHERE id = ?1");
-            entry.Bind(1, key);
-            if (!entry.Step())
+            Statement found = database.Prepare(
+                "SELECT entry_id, object_type, created, modified FROM book_entry WHERE id = ?1");
+            found.Bind(1, key);
+            if (!found.Step())
                 continue;
-            PropertyMap row = ReadProperties(database, {OwnerKind::BookEntry, key}, selection);
-            const auto entryId = entry.Blob(0);
-            row[PROP_ID(PR_ENTRYID)] = {PT_BINARY, Bytes(entryId.begin(), entryId.end())};
-            row[PROP_ID(PR_OBJECT_TYPE)] = {PT_LONG, static_cast<std::uint64_t>(entry.Integer(1))};
-            row[PROP_ID(PR_LAST_MODIFICATION_TIME)] = {
-                PT_SYSTIME, static_cast<std::uint64_t>(entry.Integer(2))};
+            BookEntryRow entry;
+            entry.id = key;
+            const auto entryId = found.Blob(0);
+            entry.entryId.assign(entryId.begin(), entryId.end());
+            entry.objectType = static_cast<ULONG>(found.Integer(1));
+            entry.created = found.Integer(2);
+            entry.modified = found.Integer(3);
+            PropertyMap row =
+                ReadStored(database, {OwnerKind::BookEntry, key}, selection, IsComputedOfBookEntry);
+            PutBookEntryProperties(entry, row);
             if (!visit(key, row))
                 return;
         }

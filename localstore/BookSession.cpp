@@ -1,7 +1,8 @@
 #include "localstore/BookSession.h"
 
 #include "localstore/BookContainer.h"
-#include "localstore/StoreSchema.h"
+#include "localstore/BookEntry.h"
+#include "localstore/BookEntryId.h"
 
 namespace
 {
@@ -30,64 +31,35 @@ std::int64_t BookSession::ContainerOfRole(BookRole role)
     return row.Integer(0);
 }
 
-HRESULT BookSession::Find(std::span<const std::byte> entryId, BookObject& found)
+HRESULT BookSession::CheckEntryId(ULONG size,
+                                  const void* bytes,
+                                  std::span<const std::byte>& entryId) const
 {
-    Statement container = Store().Prepare("SELECT id FROM book_container WHERE entry_id = ?1");
-    container.Bind(1, entryId);
-    if (container.Step())
-    {
-        found = {OwnerKind::BookContainer, container.Integer(0), MAPI_ABCONT};
-        return S_OK;
-    }
-    Statement entry = Store().Prepare("SELECT id, object_type FROM book_entry WHERE entry_id = ?1");
-    entry.Bind(1, entryId);
-    if (entry.Step())
-    {
-        found = {OwnerKind::BookEntry, entry.Integer(0), static_cast<ULONG>(entry.Integer(1))};
-        return S_OK;
-    }
-    return IsOwnEntryId(entryId) ? MAPI_E_NOT_FOUND : MAPI_E_UNKNOWN_ENTRYID;
+    if (size != 0 && !bytes)
+        return MAPI_E_INVALID_PARAMETER;
+    if (size == 0 || size > kLongestEntryId)
+        return MAPI_E_INVALID_ENTRYID;
+    entryId = {static_cast<const std::byte*>(bytes), size};
+    return S_OK;
 }
 
-HRESULT BookSession::OpenEntry(const std::shared_ptr<BookSession>& session,
-                               ULONG entryIdBytes,
-                               const ENTRYID* entryId,
-                               const IID* iid,
-                               ULONG flags,
-                               ULONG* objectType,
-                               IUnknown** object) noexcept
+std::optional<Bytes> BookSession::RootEntryId()
 {
-    if (objectType)
-        *objectType = 0;
-    if (!object)
-        return MAPI_E_INVALID_PARAMETER;
-    *object = nullptr;
-    if (entryIdBytes != 0 && !entryId)
-        return MAPI_E_INVALID_PARAMETER;
-    if (entryIdBytes > kLongestEntryId)
-        return MAPI_E_INVALID_ENTRYID;
-    return session->Run([&]() -> HRESULT {
-        BookObject found{};
-        if (entryIdBytes == 0)
-        {
-            found = {
-                OwnerKind::BookContainer, session->ContainerOfRole(BookRole::Root), MAPI_ABCONT};
-        }
-        else
-        {
-            const std::span bytes(reinterpret_cast<const std::byte*>(entryId), entryIdBytes);
-            if (const HRESULT result = session->Find(bytes, found); FAILED(result))
-                return result;
-        }
-        if (found.kind != OwnerKind::BookContainer)
-            return MAPI_E_NO_SUPPORT;
-        if (iid && !BookContainer::Answers(*iid))
-            return MAPI_E_INTERFACE_NOT_SUPPORTED;
-        if ((flags & MAPI_MODIFY) && session->Store().IsReadOnly())
-            return MAPI_E_NO_ACCESS;
-        *object = MakeObject<BookContainer>(session, found.id).Detach();
-        if (objectType)
-            *objectType = found.objectType;
-        return S_OK;
-    });
+    return EntryIdOfContainer(ContainerOfRole(BookRole::Root));
+}
+
+HRESULT BookSession::Open(std::span<const std::byte> entryId,
+                          const IID* iid,
+                          bool writable,
+                          bool mayWrite,
+                          ULONG& objectType,
+                          IUnknown** object)
+{
+    const auto self = std::static_pointer_cast<BookSession>(shared_from_this());
+    HRESULT result = BookContainer::Open(self, entryId, iid, mayWrite, objectType, object);
+    if (result == MAPI_E_NOT_FOUND)
+        result = OpenBookEntry(self, entryId, iid, writable, objectType, object);
+    if (result == MAPI_E_NOT_FOUND && !IsOwnEntryId(entryId) && !IsBookEntryId(entryId))
+        return MAPI_E_UNKNOWN_ENTRYID;
+    return result;
 }

@@ -1,41 +1,29 @@
 // What the objects of one WABOpen share: the connection to the store and the ways into the book.
 #pragma once
 
-#include "localstore/StoreConnection.h"
-#include "platform/WindowsHeaders.h"
+#include "localstore/StoreSession.h"
 
-#include <memory>
-#include <span>
-
-// What an entry ID leads to.
-struct BookObject
-{
-    OwnerKind kind;
-    std::int64_t id;
-    ULONG objectType;
-};
-
-class BookSession : public StoreConnection
+class BookSession : public StoreSession
 {
   public:
-    explicit BookSession(Database database) : StoreConnection(std::move(database), L"PimLocalBook")
-    {
-    }
+    explicit BookSession(Database database) : StoreSession(std::move(database), L"PimLocalBook") {}
 
     // Only inside Run:
     Bytes EntryIdOfContainer(std::int64_t id);
     std::int64_t ContainerOfRole(BookRole role);
+
+  protected:
+    // Entries may have IDs of any form.
+    HRESULT CheckEntryId(ULONG size,
+                         const void* bytes,
+                         std::span<const std::byte>& entryId) const override;
+    std::optional<Bytes> RootEntryId() override;
     // MAPI_E_UNKNOWN_ENTRYID for an ID that is none of a book's, MAPI_E_NOT_FOUND for one whose
     // object is gone.
-    HRESULT Find(std::span<const std::byte> entryId, BookObject& found);
-
-    // Opens what an entry ID names, the root container for an empty one. Serves every OpenEntry.
-    // Takes the lock itself.
-    static HRESULT OpenEntry(const std::shared_ptr<BookSession>& session,
-                             ULONG entryIdBytes,
-                             const ENTRYID* entryId,
-                             const IID* iid,
-                             ULONG flags,
-                             ULONG* objectType,
-                             IUnknown** object) noexcept;
+    HRESULT Open(std::span<const std::byte> entryId,
+                 const IID* iid,
+                 bool writable,
+                 bool mayWrite,
+                 ULONG& objectType,
+                 IUnknown** object) override;
 };

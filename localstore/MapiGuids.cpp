@@ -12,6 +12,7 @@
 #define USES_IID_IMessage
 #define USES_IID_IAttachment
 #define USES_IID_IMailUser
+#define USES_IID_IDistList
 #define USES_PS_MAPI
 
 #include "platform/WindowsHeaders.h"

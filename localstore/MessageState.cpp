@@ -14,16 +14,7 @@ constexpr ULONG kAttachmentColumns[] = {PR_ATTACH_NUM,
                                         PR_ATTACH_SIZE,
                                         PR_RENDERING_POSITION};
 
-// Moves changes over those that are there already. Needs no memory, so it cannot fail half way.
-void MoveChanges(PropertyChanges& into, PropertyChanges&& changes) noexcept
-{
-    while (!changes.empty())
-    {
-        auto change = changes.extract(changes.begin());
-        into.erase(change.key());
-        into.insert(std::move(change));
-    }
-}
+constexpr RowKind kMessages = {OwnerKind::Message, "message", IsComputedOfMessage};
 
 class AttachmentSource : public TableSource
 {
@@ -60,32 +51,12 @@ class AttachmentSource : public TableSource
 
 PropertyMap MessageState::Read(const PropertySelection& selection)
 {
-    PropertyMap properties;
-    if (m_row.id != 0)
-    {
-        Database& database = Session().Store();
-        const PropertyOwner owner{OwnerKind::Message, m_row.id};
-        properties = ReadStored(database, owner, selection, IsComputedOfMessage);
-        // A message without any of them is looked at twice: it may be gone.
-        if (properties.empty())
-        {
-            Statement row = database.Prepare("SELECT 1 FROM message WHERE id = ?1");
-            row.Bind(1, m_row.id);
-            if (!row.Step())
-                throw DatabaseError(DatabaseFailure::Gone, "the message was deleted");
-        }
-    }
+    PropertyMap properties = ReadRow(Session().Store(), kMessages, m_row.id, selection);
     Overlay(properties, m_changes, selection);
     PutMessageProperties(Session(), m_row, m_folderEntryId, IsWritable(), properties);
     if (selection.Has(PROP_ID(PR_HASATTACH)))
         PutBoolean(properties, PR_HASATTACH, !AttachmentNumbers().empty());
     return properties;
-}
-
-HRESULT MessageState::Change(PropertyChanges changes)
-{
-    MoveChanges(m_changes, std::move(changes));
-    return S_OK;
 }
 
 bool MessageState::IsComputed(std::uint16_t id) const
@@ -117,20 +88,7 @@ void MessageState::SaveRow(MessageRow& row, bool force)
         row.id = database.LastInsertId();
         return;
     }
-    Statement stored = database.Prepare("SELECT modified FROM message WHERE id = ?1");
-    stored.Bind(1, row.id);
-    if (!stored.Step())
-        throw DatabaseError(DatabaseFailure::Gone, "the message was deleted");
-    const std::int64_t modified = stored.Integer(0);
-    stored.Reset();
-    if (modified != row.modified && !force)
-        throw DatabaseError(DatabaseFailure::Changed, "the message was changed meanwhile");
-    // Strictly later than before, so that every save shows.
-    row.modified = std::max(CurrentFileTime(), modified + 1);
-    database.Prepare("UPDATE message SET modified = ?2 WHERE id = ?1")
-        .Bind(1, row.id)
-        .Bind(2, row.modified)
-        .Run();
+    TouchRow(database, kMessages, row, force);
 }
 
 void MessageState::SaveAttachments(std::int64_t message)
@@ -271,12 +229,6 @@ PropertyMap AttachmentState::Read(const PropertySelection& selection)
     PropertyMap properties = m_message->ReadAttachment(m_number, selection);
     Overlay(properties, m_changes, selection);
     return properties;
-}
-
-HRESULT AttachmentState::Change(PropertyChanges changes)
-{
-    MoveChanges(m_changes, std::move(changes));
-    return S_OK;
 }
 
 bool AttachmentState::IsComputed(std::uint16_t id) const

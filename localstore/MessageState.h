@@ -3,12 +3,12 @@
 #pragma once
 
 #include "localstore/StoreProperties.h"
-#include "localstore/StoredObject.h"
 #include "localstore/TableSource.h"
+#include "localstore/WaitingObject.h"
 
 #include <map>
 
-class MessageState : public StoredObject
+class MessageState : public WaitingObject
 {
   public:
     // A row with the ID 0 is a message that was never saved.
@@ -16,13 +16,12 @@ class MessageState : public StoredObject
                  MessageRow row,
                  Bytes folderEntryId,
                  bool writable)
-        : StoredObject(std::move(session), writable), m_row(std::move(row)),
+        : WaitingObject(std::move(session), writable), m_row(std::move(row)),
           m_folderEntryId(std::move(folderEntryId))
     {
     }
 
     PropertyMap Read(const PropertySelection& selection) override;
-    HRESULT Change(PropertyChanges changes) override;
     bool IsComputed(std::uint16_t id) const override;
     // Without FORCE_SAVE a message that was changed by others since it was opened is refused with
     // MAPI_E_OBJECT_CHANGED. Nothing is written where nothing waits.
@@ -53,22 +52,20 @@ class MessageState : public StoredObject
 
     MessageRow m_row;
     const Bytes m_folderEntryId;
-    PropertyChanges m_changes;
     std::map<ULONG, AttachmentChange> m_attachments;
     std::int64_t m_lastNumber = -1;
 };
 
-class AttachmentState : public StoredObject
+class AttachmentState : public WaitingObject
 {
   public:
     AttachmentState(std::shared_ptr<MessageState> message, ULONG number, bool isNew, bool writable)
-        : StoredObject(message->SharedSession(), writable), m_message(std::move(message)),
+        : WaitingObject(message->SharedSession(), writable), m_message(std::move(message)),
           m_number(number), m_isNew(isNew)
     {
     }
 
     PropertyMap Read(const PropertySelection& selection) override;
-    HRESULT Change(PropertyChanges changes) override;
     bool IsComputed(std::uint16_t id) const override;
     // Hands the changes to the message.
     HRESULT Save(ULONG flags) override;
@@ -78,7 +75,6 @@ class AttachmentState : public StoredObject
     const ULONG m_number;
     // Not yet among the message's attachments.
     bool m_isNew;
-    PropertyChanges m_changes;
 };
 
 std::unique_ptr<TableSource> MakeAttachmentSource(std::shared_ptr<MessageState> message);

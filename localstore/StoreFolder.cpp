@@ -13,7 +13,6 @@ namespace
 // Deleting for good is what this store does anyway.
 constexpr ULONG kDeleteHard = 0x00000010;
 constexpr ULONG kTableFlags = MAPI_UNICODE | MAPI_DEFERRED_ERRORS | MAPI_ASSOCIATED;
-constexpr ULONG kMaxListEntries = 0x00FFFFFF;
 
 std::wstring TextOf(LPTSTR text, ULONG flags)
 {
@@ -188,35 +187,17 @@ StoreFolder::CopyMessages(LPENTRYLIST, LPCIID, LPVOID, ULONG, LPMAPIPROGRESS, UL
 STDMETHODIMP
 StoreFolder::DeleteMessages(LPENTRYLIST entries, ULONG, LPMAPIPROGRESS, ULONG flags)
 {
-    if (!entries || (entries->cValues != 0 && !entries->lpbin))
-        return MAPI_E_INVALID_PARAMETER;
-    if (entries->cValues > kMaxListEntries)
-        return MAPI_E_INVALID_PARAMETER;
+    if (const HRESULT result = CheckList(entries); FAILED(result))
+        return result;
     if (flags & ~(MESSAGE_DIALOG | kDeleteHard))
         return MAPI_E_UNKNOWN_FLAGS;
     return Session().Run([&]() -> HRESULT {
         if (!State().IsWritable())
             return MAPI_E_NO_ACCESS;
-        Database& database = Session().Store();
-        Transaction transaction(database);
-        HRESULT outcome = S_OK;
-        for (ULONG i = 0; i < entries->cValues; ++i)
-        {
-            std::span<const std::byte> entryId;
-            if (FAILED(ReadEntryId(entries->lpbin[i].cb, entries->lpbin[i].lpb, entryId)))
-            {
-                outcome = MAPI_W_PARTIAL_COMPLETION;
-                continue;
-            }
-            database.Prepare("DELETE FROM message WHERE entry_id = ?1 AND folder = ?2")
-                .Bind(1, entryId)
-                .Bind(2, State().Id())
-                .Run();
-            if (database.Changes() == 0)
-                outcome = MAPI_W_PARTIAL_COMPLETION;
-        }
-        transaction.Commit();
-        return outcome;
+        return DeleteRows(Session().Store(),
+                          "DELETE FROM message WHERE entry_id = ?1 AND folder = ?2",
+                          State().Id(),
+                          *entries);
     });
 }
 

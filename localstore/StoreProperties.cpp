@@ -51,6 +51,20 @@ constexpr ULONG kOfAttachment[] = {
 
 constexpr ULONG kOfIdentity[] = {PR_ENTRYID, PR_RECORD_KEY, PR_OBJECT_TYPE, PR_DISPLAY_TYPE};
 
+constexpr ULONG kOfBookContainer[] = {PR_ENTRYID,
+                                      PR_OBJECT_TYPE,
+                                      PR_DISPLAY_TYPE,
+                                      PR_CONTAINER_FLAGS,
+                                      PR_DEF_CREATE_DL,
+                                      PR_DEF_CREATE_MAILUSER};
+
+constexpr ULONG kOfBookEntry[] = {PR_ENTRYID,
+                                  PR_RECORD_KEY,
+                                  PR_OBJECT_TYPE,
+                                  PR_DISPLAY_TYPE,
+                                  PR_CREATION_TIME,
+                                  PR_LAST_MODIFICATION_TIME};
+
 // What this store's provider is called in tables of stores.
 constexpr wchar_t kProviderName[] = L"PimStoreBridge Local Store";
 // {C1E7A9D4-5B0E-4F0B-9C2E-6E1B7A4D3F58}, made for this provider alone.
@@ -105,6 +119,16 @@ bool IsComputedOfAttachment(std::uint16_t id)
 bool IsComputedOfIdentity(std::uint16_t id)
 {
     return IsOneOf(kOfIdentity, id);
+}
+
+bool IsComputedOfBookContainer(std::uint16_t id)
+{
+    return IsOneOf(kOfBookContainer, id);
+}
+
+bool IsComputedOfBookEntry(std::uint16_t id)
+{
+    return IsOneOf(kOfBookEntry, id);
 }
 
 void PutLong(PropertyMap& properties, ULONG tag, ULONG value)
@@ -202,14 +226,7 @@ void PutMessageProperties(const StoreSession& session,
                           bool writable,
                           PropertyMap& properties)
 {
-    // A message has neither an ID nor times before its first save.
-    if (message.id != 0)
-    {
-        PutBinary(properties, PR_ENTRYID, message.entryId);
-        PutBinary(properties, PR_RECORD_KEY, message.entryId);
-        PutTime(properties, PR_CREATION_TIME, message.created);
-        PutTime(properties, PR_LAST_MODIFICATION_TIME, message.modified);
-    }
+    PutRowProperties(message, properties);
     PutBinary(properties, PR_PARENT_ENTRYID, folderEntryId);
     PutBinary(properties, PR_STORE_ENTRYID, session.StoreEntryId());
     PutBinary(properties, PR_STORE_RECORD_KEY, session.StoreUid());

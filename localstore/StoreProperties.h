@@ -1,6 +1,7 @@
 // The properties that the store itself makes for its objects.
 #pragma once
 
+#include "localstore/SavedRow.h"
 #include "localstore/StoreSession.h"
 
 #include <cstdint>
@@ -10,6 +11,8 @@ bool IsComputedOfFolder(std::uint16_t id);
 bool IsComputedOfMessage(std::uint16_t id);
 bool IsComputedOfAttachment(std::uint16_t id);
 bool IsComputedOfIdentity(std::uint16_t id);
+bool IsComputedOfBookContainer(std::uint16_t id);
+bool IsComputedOfBookEntry(std::uint16_t id);
 
 void PutLong(PropertyMap& properties, ULONG tag, ULONG value);
 void PutBoolean(PropertyMap& properties, ULONG tag, bool value);
@@ -27,15 +30,11 @@ PropertyMap ReadFolder(StoreSession& session,
                        bool writable,
                        const PropertySelection& selection);
 
-// A saved message as a row of the table message has it.
-struct MessageRow
+// A message as a row of the table message has it.
+struct MessageRow : SavedRow
 {
-    std::int64_t id = 0;
-    Bytes entryId;
     std::int64_t folder = 0;
     bool associated = false;
-    std::int64_t created = 0;
-    std::int64_t modified = 0;
 };
 
 // The computed properties of a message but PR_HASATTACH.

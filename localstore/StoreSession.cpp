@@ -36,8 +36,8 @@ Bytes MakeStoreEntryId(const Bytes& uid)
 
 } // namespace
 
-StoreSession::StoreSession(Database database)
-    : StoreConnection(std::move(database), L"PimLocalStore"), m_readOnly(Store().IsReadOnly()),
+StoreSession::StoreSession(Database database, const wchar_t* component)
+    : StoreConnection(std::move(database), component), m_readOnly(Store().IsReadOnly()),
       m_names(Store()), m_storeUid(ReadStoreUid(Store())),
       m_storeEntryId(MakeStoreEntryId(m_storeUid))
 {
@@ -89,18 +89,17 @@ HRESULT StoreSession::OpenEntry(ULONG entryIdBytes,
     const bool openRoot = entryIdBytes == 0 && emptyIsRoot;
     if (!openRoot)
     {
-        if (const HRESULT result = ReadEntryId(entryIdBytes, entryId, bytes); FAILED(result))
+        if (const HRESULT result = CheckEntryId(entryIdBytes, entryId, bytes); FAILED(result))
             return result;
     }
     return Run([&]() -> HRESULT {
-        Bytes root;
+        std::optional<Bytes> root;
         if (openRoot)
         {
-            const auto folder = RootFolder(Store());
-            if (!folder)
+            root = RootEntryId();
+            if (!root)
                 return MAPI_E_NOT_FOUND;
-            root = EntryIdOfFolder(Store(), *folder);
-            bytes = root;
+            bytes = *root;
         }
         const bool writes = (flags & (MAPI_MODIFY | MAPI_BEST_ACCESS)) && mayWrite;
         ULONG type = 0;
@@ -115,6 +114,19 @@ HRESULT StoreSession::OpenEntry(ULONG entryIdBytes,
             *objectType = type;
         return S_OK;
     });
+}
+
+HRESULT StoreSession::CheckEntryId(ULONG size,
+                                   const void* bytes,
+                                   std::span<const std::byte>& entryId) const
+{
+    return ReadEntryId(size, bytes, entryId);
+}
+
+std::optional<Bytes> StoreSession::RootEntryId()
+{
+    const auto folder = RootFolder(Store());
+    return folder ? std::optional(EntryIdOfFolder(Store(), *folder)) : std::nullopt;
 }
 
 HRESULT StoreSession::Open(std::span<const std::byte> entryId,

@@ -1,5 +1,6 @@
-// What the objects of one logon to the message store share: the connection, the named properties
-// and the ways from an entry ID to an object. Lives as long as any of them.
+// What the objects of one opening share: the connection, the named properties and the ways from an
+// entry ID to an object. Lives as long as any of them. The message store has this one, the address
+// book one that is derived from it.
 #pragma once
 
 #include "localstore/NameCache.h"
@@ -13,7 +14,10 @@
 class StoreSession : public StoreConnection, public std::enable_shared_from_this<StoreSession>
 {
   public:
-    explicit StoreSession(Database database);
+    explicit StoreSession(Database database) : StoreSession(std::move(database), L"PimLocalStore")
+    {
+    }
+    virtual ~StoreSession() = default;
 
     bool IsReadOnly() const noexcept { return m_readOnly; }
     const Bytes& StoreUid() const noexcept { return m_storeUid; }
@@ -38,14 +42,29 @@ class StoreSession : public StoreConnection, public std::enable_shared_from_this
                       ULONG* objectType,
                       IUnknown** object) noexcept;
 
-  private:
-    HRESULT Open(std::span<const std::byte> entryId,
-                 const IID* iid,
-                 bool writable,
-                 bool mayWrite,
-                 ULONG& objectType,
-                 IUnknown** object);
+  protected:
+    // component: the library's name in the records of LastError.
+    StoreSession(Database database, const wchar_t* component);
 
+    // The bytes of an entry ID that a caller passed; fails for what can be none.
+    virtual HRESULT CheckEntryId(ULONG size,
+                                 const void* bytes,
+                                 std::span<const std::byte>& entryId) const;
+    // Inside Run:
+
+    // The root that an empty entry ID stands for; nothing where there is none.
+    virtual std::optional<Bytes> RootEntryId();
+    // Opens what an entry ID names.
+    //   writable   whether that object may change
+    //   mayWrite   whether anything may
+    virtual HRESULT Open(std::span<const std::byte> entryId,
+                         const IID* iid,
+                         bool writable,
+                         bool mayWrite,
+                         ULONG& objectType,
+                         IUnknown** object);
+
+  private:
     bool m_readOnly;
     NameCache m_names;
     Bytes m_storeUid;
