@@ -91,9 +91,10 @@ int RunLoad(const std::wstring& path, bool replace)
             LoadStore(database, file, replace ? LoadMode::Replace : LoadMode::Merge);
         Print(L"Loaded " + Counted(counts.folders, L"folder", L"folders") + L", " +
               Counted(counts.messages, L"message", L"messages") + L", " +
-              Counted(counts.attachments, L"attachment", L"attachments") + L" and " +
-              Counted(counts.properties, L"property", L"properties") + L" into " + StorePath() +
-              L".");
+              Counted(counts.attachments, L"attachment", L"attachments") + L", " +
+              Counted(counts.bookEntries, L"address book entry", L"address book entries") +
+              L" and " + Counted(counts.properties, L"property", L"properties") + L" into " +
+              StorePath() + L".");
         return kOk;
     }
     catch (const JsonProblem& problem)

@@ -3,6 +3,7 @@
 #include "localstore/KnownProperties.h"
 #include "localstore/NamedProperties.h"
 #include "localstore/PropertyJson.h"
+#include "localstore/Snapshot.h"
 #include "localstore/StoreProfile.h"
 #include "localstore/StoredProperties.h"
 
@@ -16,29 +17,6 @@ namespace
 
 // Text goes to the sink in pieces of about this size.
 constexpr size_t kPieceBytes = 1 << 16;
-
-// Keeps what is read the same until the end of the scope.
-class Snapshot
-{
-  public:
-    explicit Snapshot(Database& database) : m_database(database) { m_database.Execute("BEGIN"); }
-    ~Snapshot()
-    {
-        try
-        {
-            m_database.Execute("ROLLBACK");
-        }
-        catch (const std::exception&)
-        {
-            // The connection ended the transaction itself.
-        }
-    }
-    Snapshot(const Snapshot&) = delete;
-    Snapshot& operator=(const Snapshot&) = delete;
-
-  private:
-    Database& m_database;
-};
 
 struct FolderRow
 {
@@ -71,6 +49,7 @@ class Dumper
         Properties({OwnerKind::Store, 0}, 4, true);
         m_text += "\n  }";
         Identity();
+        Book();
         Root();
         m_text += "\n}\n";
         m_sink(m_text);
@@ -202,6 +181,57 @@ class Dumper
         m_text += '}';
     }
 
+    // The rows of a statement as a list, which is a further key of the object whose lines have that
+    // indent; nothing for no rows.
+    template <typename WriteItem>
+    void List(Statement& rows, const char* key, int indent, WriteItem&& writeItem)
+    {
+        bool any = false;
+        while (rows.Step())
+        {
+            bool first = false;
+            if (any)
+                m_text += ',';
+            else
+            {
+                Key(indent, first, key);
+                m_text += '[';
+            }
+            any = true;
+            Line(indent + 2);
+            writeItem(indent + 2);
+        }
+        if (!any)
+            return;
+        Line(indent);
+        m_text += ']';
+    }
+
+    void Book()
+    {
+        Statement rows = m_database.Prepare("SELECT id, entry_id, object_type, created, modified "
+                                            "FROM book_entry ORDER BY id");
+        List(rows, "book", 2, [&](int indent) { BookEntry(rows, indent); });
+    }
+
+    void BookEntry(const Statement& row, int indent)
+    {
+        const std::int64_t id = row.Integer(0);
+        bool first = true;
+        m_text += '{';
+        if (row.Integer(2) == MAPI_DISTLIST)
+        {
+            Key(indent + 2, first, "type");
+            m_text += "\"list\"";
+        }
+        Key(indent + 2, first, "entryId");
+        m_text += "\"" + HexText(row.Blob(1)) + "\"";
+        Times(row.Integer(3), row.Integer(4), indent + 2, first);
+        Properties({OwnerKind::BookEntry, id}, indent + 2, first);
+        Line(indent);
+        m_text += '}';
+    }
+
     void Root()
     {
         const auto roots = m_children.find(0);
@@ -289,25 +319,7 @@ class Dumper
         Statement rows = m_database.Prepare("SELECT id, entry_id, created, modified FROM message "
                                             "WHERE folder = ?1 AND associated = ?2 ORDER BY id");
         rows.Bind(1, folder).Bind(2, associated);
-        bool any = false;
-        while (rows.Step())
-        {
-            bool first = false;
-            if (any)
-                m_text += ',';
-            else
-            {
-                Key(indent, first, key);
-                m_text += '[';
-            }
-            any = true;
-            Line(indent + 2);
-            Message(rows, indent + 2);
-        }
-        if (!any)
-            return;
-        Line(indent);
-        m_text += ']';
+        List(rows, key, indent, [&](int inner) { Message(rows, inner); });
     }
 
     void Message(const Statement& row, int indent)
@@ -329,31 +341,15 @@ class Dumper
         Statement rows = m_database.Prepare(
             "SELECT id, number FROM attachment WHERE message = ?1 ORDER BY number");
         rows.Bind(1, message);
-        bool any = false;
-        while (rows.Step())
-        {
-            bool first = false;
-            if (any)
-                m_text += ',';
-            else
-            {
-                Key(indent, first, "attachments");
-                m_text += '[';
-            }
-            any = true;
-            Line(indent + 2);
+        List(rows, "attachments", indent, [&](int inner) {
+            bool first = true;
             m_text += '{';
-            first = true;
-            Key(indent + 4, first, "number");
+            Key(inner + 2, first, "number");
             m_text += std::to_string(rows.Integer(1));
-            Properties({OwnerKind::Attachment, rows.Integer(0)}, indent + 4, first);
-            Line(indent + 2);
+            Properties({OwnerKind::Attachment, rows.Integer(0)}, inner + 2, first);
+            Line(inner);
             m_text += '}';
-        }
-        if (!any)
-            return;
-        Line(indent);
-        m_text += ']';
+        });
     }
 
     struct Told

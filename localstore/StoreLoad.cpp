@@ -1,5 +1,6 @@
 #include "localstore/StoreLoad.h"
 
+#include "localstore/BookEntryId.h"
 #include "localstore/PropertyJson.h"
 #include "localstore/StoreProfile.h"
 #include "localstore/StoredProperties.h"
@@ -40,6 +41,11 @@ struct MessageData : ObjectData
     std::vector<AttachmentData> attachments;
 };
 
+struct BookEntryData : ObjectData
+{
+    std::int64_t objectType = MAPI_MAILUSER;
+};
+
 struct FolderData : ObjectData
 {
     size_t line = 0;
@@ -50,7 +56,7 @@ struct FolderData : ObjectData
     std::vector<std::string> receives;
 };
 
-// Everything of the file but the messages.
+// Everything of the file but the messages and the entries of the book.
 struct FileData
 {
     std::optional<ObjectData> store;
@@ -138,6 +144,32 @@ MessageData ReadMessage(const JsonPlace& place)
     return message;
 }
 
+// Entries of the book may have IDs of any form, as other programs' books have them.
+BookEntryData ReadBookEntry(const JsonPlace& place)
+{
+    constexpr size_t kLongestEntryId = 4096;
+    place.ExpectKeys({"type", "entryId", "created", "modified", "properties"});
+    BookEntryData entry;
+    if (place.Find("type"))
+    {
+        const JsonPlace type = place.At("type");
+        if (type.Text() == "list")
+            entry.objectType = MAPI_DISTLIST;
+        else if (type.Text() != "user")
+            type.Fail("an entry of the book is of the type \"user\" or \"list\"");
+    }
+    if (place.Find("entryId"))
+    {
+        entry.entryId = ReadHex(place.At("entryId"));
+        if (entry.entryId->empty() || entry.entryId->size() > kLongestEntryId)
+            place.At("entryId").Fail(
+                "an entry ID has 1 to 4,096 bytes; leave it out for a new one");
+    }
+    ReadObjectTimes(place, entry);
+    entry.properties = ReadPropertiesOf(place);
+    return entry;
+}
+
 // Follows the form of the file: which values are held, which are entered, where a message stands.
 class FileReader : public JsonListener
 {
@@ -151,6 +183,8 @@ class FileReader : public JsonListener
         case Level::File:
             if (key == "root")
                 return EnterFolder(std::nullopt, kind, path, line);
+            if (key == "book")
+                return Enter(Level::Book, Kind::Array, kind, path, line);
             return Known(key, {"format", "version", "store", "identity"}, path, line);
         case Level::Folder:
             if (key == "folders")
@@ -188,6 +222,9 @@ class FileReader : public JsonListener
         case Level::Folder:
             TakeFolderValue(m_folders.back(), key, place);
             return;
+        case Level::Book:
+            TakeBookEntry(place);
+            return;
         default:
             TakeMessage(m_folders.back(), m_levels.back() == Level::Associated, place);
             return;
@@ -210,11 +247,13 @@ class FileReader : public JsonListener
                             size_t line) = 0;
     virtual void TakeFolderValue(size_t folder, std::string_view key, const JsonPlace& place) = 0;
     virtual void TakeMessage(size_t folder, bool associated, const JsonPlace& place) = 0;
+    virtual void TakeBookEntry(const JsonPlace& place) = 0;
 
   private:
     enum class Level
     {
         File,
+        Book,
         Folder,
         Folders,
         Messages,
@@ -258,7 +297,7 @@ class FileReader : public JsonListener
     size_t m_next = 0;
 };
 
-// The first reading: checks everything and keeps all but the messages.
+// The first reading: checks everything and keeps all but the messages and the entries of the book.
 class Survey : public FileReader
 {
   public:
@@ -347,6 +386,12 @@ class Survey : public FileReader
         TakeEntryId(message, place);
     }
 
+    void TakeBookEntry(const JsonPlace& place) override
+    {
+        const BookEntryData entry = ReadBookEntry(place);
+        TakeEntryId(entry, place);
+    }
+
   private:
     void TakeEntryId(const ObjectData& object, const JsonPlace& place)
     {
@@ -425,13 +470,14 @@ class Survey : public FileReader
     std::set<std::string> m_classes;
 };
 
-// The second reading: writes the messages into the folders that were made before it.
+// The second reading: writes the messages into the folders that were made before it, and the
+// entries of the book into the personal container.
 class Writer : public FileReader
 {
   public:
     explicit Writer(Database& database) : m_database(database), m_now(CurrentFileTime()) {}
 
-    // Everything but the messages.
+    // Everything but the messages and the entries of the book.
     void Write(const FileData& file)
     {
         if (file.store)
@@ -490,6 +536,30 @@ class Writer : public FileReader
             WriteProperties({OwnerKind::Attachment, m_database.LastInsertId()},
                             attachment.properties);
         }
+    }
+
+    void TakeBookEntry(const JsonPlace& place) override
+    {
+        const BookEntryData entry = ReadBookEntry(place);
+        if (entry.entryId)
+            m_database.Prepare("DELETE FROM book_entry WHERE entry_id = ?1")
+                .Bind(1, std::span<const std::byte>(*entry.entryId))
+                .Run();
+        const Bytes entryId = entry.entryId ? *entry.entryId : NewBookEntryId();
+        m_database
+            .Prepare("INSERT INTO book_entry (entry_id, container, object_type, created, modified) "
+                     "SELECT ?1, id, ?2, ?3, ?4 FROM book_container WHERE role = ?5")
+            .Bind(1, std::span<const std::byte>(entryId))
+            .Bind(2, entry.objectType)
+            .Bind(3, entry.created.value_or(m_now))
+            .Bind(4, entry.modified.value_or(m_now))
+            .Bind(5, static_cast<std::int64_t>(BookRole::Personal))
+            .Run();
+        if (m_database.Changes() == 0)
+            throw DatabaseError(DatabaseFailure::Corrupt,
+                                "a container of the address book is gone");
+        ++m_counts.bookEntries;
+        WriteProperties({OwnerKind::BookEntry, m_database.LastInsertId()}, entry.properties);
     }
 
   private:
@@ -667,6 +737,7 @@ void Empty(Database& database)
                             "DELETE FROM receive_folder",
                             "DELETE FROM folder",
                             "DELETE FROM identity",
+                            "DELETE FROM book_entry",
                             "DELETE FROM property WHERE owner_kind = 1"})
         database.Execute(sql);
 }

@@ -1,4 +1,4 @@
-// Loads a JSON file into the message store: the form that StoreDump.h writes, and shorter ones
+// Loads a JSON file into the store: the form that StoreDump.h writes, and shorter ones
 // written by hand.
 // Format notes: docs/formats/store_json.md
 //
@@ -24,6 +24,7 @@ struct LoadCounts
     std::size_t folders = 0;
     std::size_t messages = 0;
     std::size_t attachments = 0;
+    std::size_t bookEntries = 0;
     std::size_t properties = 0;
 };
 

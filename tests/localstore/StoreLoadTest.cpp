@@ -240,6 +240,22 @@ TEST_F(StoreLoadTest, ADumpHasThisForm)
       {"tag": "PR_ACCOUNT_W", "value": "maja"}
     ]
   },
+  "book": [
+    {
+      "entryId": "2F0047005500490044003A002200610022",
+      "created": "2024-01-02T00:00:00Z",
+      "modified": "2024-01-03T00:00:00Z",
+      "properties": [
+        {"tag": "PR_DISPLAY_NAME_W", "value": "Oda"}
+      ]
+    },
+    {
+      "type": "list",
+      "entryId": "0102",
+      "created": "2024-01-01T00:00:00Z",
+      "modified": "2024-01-01T00:00:00Z"
+    }
+  ],
   "root": {
     "entryId": "000000005053030100000000000000000000000000000002",
     "created": "2024-01-01T00:00:00Z",
@@ -320,9 +336,10 @@ TEST_F(StoreLoadTest, ADumpHasThisForm)
     EXPECT_EQ(4u, counts.folders);
     EXPECT_EQ(3u, counts.messages);
     EXPECT_EQ(2u, counts.attachments);
+    EXPECT_EQ(2u, counts.bookEntries);
     // Store, identity, root, six names and classes, one comment, two and one of messages, one of
-    // an attachment.
-    EXPECT_EQ(12u, counts.properties);
+    // an attachment, one of the book.
+    EXPECT_EQ(13u, counts.properties);
     EXPECT_EQ(text, Dump(database));
     EXPECT_EQ(1, database.QueryInteger("SELECT count(*) FROM message WHERE associated = 1"));
 
@@ -333,6 +350,56 @@ TEST_F(StoreLoadTest, ADumpHasThisForm)
     EXPECT_EQ(text, Dump(other));
     Load(other, text);
     EXPECT_EQ(text, Dump(other));
+}
+
+TEST_F(StoreLoadTest, EntriesOfTheBookAreAddedReplacedAndEmptied)
+{
+    const auto file = [](const std::string& book) {
+        return R"({"format":"PimStoreBridge store","version":1,"book":[)" + book + "]}";
+    };
+    const std::string oda =
+        R"({"entryId":"0A0B","properties":[{"tag":"PR_DISPLAY_NAME_W","value":"Oda"}]})";
+    Database database = OpenStore(L":memory:");
+    Load(database, file(oda + R"(,{"type":"user"})"));
+    const auto count = [&](const char* condition) {
+        return database.QueryInteger(
+            std::string("SELECT count(*) FROM book_entry WHERE container = "
+                        "(SELECT id FROM book_container WHERE role = 1) AND ") +
+            condition);
+    };
+    EXPECT_EQ(2, count("object_type = 6"));
+    EXPECT_EQ(1, count("entry_id = x'0A0B'"));
+    // A new ID is the UTF-16 text /GUID:"{...}", 46 units.
+    EXPECT_EQ(1, count("length(entry_id) = 92 AND substr(entry_id, 1, 4) = x'2F004700'"));
+
+    // The entry of that ID gives way; one without an ID is a further one.
+    Load(database, file(R"({"type":"list","entryId":"0a0b"},{})"));
+    EXPECT_EQ(1, count("entry_id = x'0A0B' AND object_type = 8"));
+    EXPECT_EQ(3, count("1"));
+    EXPECT_EQ(0, database.QueryInteger("SELECT count(*) FROM property WHERE owner_kind = 7"));
+
+    Load(database, file(oda), LoadMode::Replace);
+    EXPECT_EQ(1, count("1"));
+    Load(database, R"({"format":"PimStoreBridge store","version":1})", LoadMode::Replace);
+    EXPECT_EQ(0, count("1"));
+    EXPECT_EQ(std::string::npos, Dump(database).find("book"));
+}
+
+TEST_F(StoreLoadTest, SaysWhatIsWrongInTheBook)
+{
+    const auto problem = [&](const std::string& book) {
+        return Problem(R"({"format":"PimStoreBridge store","version":1,"book":)" + book + "}");
+    };
+    EXPECT_EQ("1: book: an array is needed here", problem("{}"));
+    EXPECT_THAT(problem(R"([{"type":"group"}])"),
+                HasSubstr("book/0/type: an entry of the book is"));
+    EXPECT_THAT(problem(R"([{"entryId":""}])"), HasSubstr("book/0/entryId: an entry ID has"));
+    EXPECT_THAT(problem(R"([{"entryId":")" + std::string(2 * 4097, 'A') + R"("}])"),
+                HasSubstr("book/0/entryId: an entry ID has"));
+    EXPECT_EQ("loaded", problem(R"([{"entryId":")" + std::string(2 * 4096, 'A') + R"("}])"));
+    EXPECT_THAT(problem(R"([{"entryId":"01"},{"entryId":"01"}])"),
+                HasSubstr("two objects of the file have this entry ID"));
+    EXPECT_THAT(problem(R"([{"attachments":[]}])"), HasSubstr("book/0"));
 }
 
 TEST_F(StoreLoadTest, ALargeValueAndALongTextComeBack)
