@@ -178,6 +178,21 @@ void RecordingStore::AddIdentity(const StoreProps& props)
     SetProps("identity", props);
 }
 
+void RecordingStore::AddBook()
+{
+    Require(m_control->AddBook(), "book");
+    SetProps("book",
+             StoreProps()
+                 .Bytes(PR_DEF_CREATE_MAILUSER, {'U', 's', 'e', 'r'})
+                 .Bytes(PR_DEF_CREATE_DL, {'L', 'i', 's', 't'}));
+}
+
+void RecordingStore::AddBookEntry(std::string_view name, const StoreProps& props, ULONG objectType)
+{
+    Require(m_control->AddBookEntry(Name(name).c_str(), objectType), name);
+    SetProps(name, props);
+}
+
 void RecordingStore::AddFolder(std::string_view name,
                                std::string_view parent,
                                std::wstring_view containerClass,
@@ -325,7 +340,7 @@ void RecordingStore::SetRowEntryId(std::string_view message, const std::vector<B
 
 std::vector<BYTE> RecordingStore::EntryIdOf(std::string_view object) const
 {
-    BYTE bytes[24] = {};
+    BYTE bytes[kLongestStoreEntryId] = {};
     ULONG size = 0;
     Require(m_control->EntryIdOf(Name(object).c_str(), &size, bytes), object);
     return CopyBytes(bytes, size);

@@ -13,6 +13,10 @@
 //     EXPECT_THAT(store.Calls(), ElementsAre("MAPIInitialize(0, 00000008)", ...));
 //     EXPECT_TRUE(store.IsClean()) << store.Complaints();
 //
+// WABOpen gives the address book over the same contents and record: "address book", the IWABObject
+// "wab", whose FreeBuffer is a line of the kind Memory, the container "book" and its entries. It
+// initialises the library, and the last release of the IWABObject uninitialises it.
+//
 // Objects have logical names that the test chooses; the library's own are "session", "store",
 // "root", "identity", and "new 1", "new 2", ... for messages that the server creates. Attachments
 // are called "ann#0" after message and number. Calls name objects by them, wherever an object or an
@@ -159,6 +163,13 @@ class RecordingStore
     void SetDefaultStore(std::string_view store);
     // The user of the session; without it there is none.
     void AddIdentity(const StoreProps& props);
+    // The personal container "book" of the address book that WABOpen gives, with the templates
+    // <55736572> of mail users and <4C697374> of distribution lists; without it there is none.
+    void AddBook();
+    // An entry of it, by its MAPI type.
+    void AddBookEntry(std::string_view name,
+                      const StoreProps& props = {},
+                      ULONG objectType = MAPI_MAILUSER);
     void AddFolder(std::string_view name,
                    std::string_view parent,
                    std::wstring_view containerClass = {},
@@ -182,7 +193,7 @@ class RecordingStore
     // The ID of a named property, made known where it is new; from 0x8000 up in order.
     ULONG NameProperty(const GUID& set, LONG number);
     ULONG NameProperty(const GUID& set, std::wstring_view name);
-    // In place of the counted ones. At most 24 bytes.
+    // In place of the counted ones.
     void SetEntryId(std::string_view object, const std::vector<BYTE>& entryId);
     // The ID that contents tables show for a message, where it is to differ from its own; both open
     // it.

@@ -4,9 +4,13 @@
 
 #include "platform/WindowsHeaders.h"
 
+#include <cstddef>
 #include <cstdint>
 
 enum class StoreFault : unsigned;
+
+// IDs of the address book are texts.
+inline constexpr std::size_t kLongestStoreEntryId = 1024;
 
 // Gets texts one by one.
 using StoreTextSink = void (*)(void* context, const char* text);
@@ -31,6 +35,8 @@ struct IRecordingStore
     virtual bool AddStore(const char* name) noexcept = 0;
     virtual bool SetDefaultStore(const char* name) noexcept = 0;
     virtual bool AddIdentity() noexcept = 0;
+    virtual bool AddBook() noexcept = 0;
+    virtual bool AddBookEntry(const char* name, ULONG objectType) noexcept = 0;
     virtual bool AddFolder(const char* name, const char* parent) noexcept = 0;
     virtual bool AddMessage(const char* name, const char* folder, bool isAssociated) noexcept = 0;
     virtual bool AddAttachment(const char* message, ULONG* number) noexcept = 0;
@@ -41,7 +47,7 @@ struct IRecordingStore
     virtual ULONG NameProperty(const MAPINAMEID* name) noexcept = 0;
     virtual bool SetEntryId(const char* object, ULONG size, const BYTE* bytes) noexcept = 0;
     virtual bool SetRowEntryId(const char* message, ULONG size, const BYTE* bytes) noexcept = 0;
-    // Writes at most 24 bytes and their count.
+    // Writes at most kLongestStoreEntryId bytes and their count.
     virtual bool EntryIdOf(const char* object, ULONG* size, BYTE* bytes) noexcept = 0;
     virtual void SetClock(std::uint64_t fileTime, std::uint64_t step) noexcept = 0;
     virtual bool SetTimes(const char* object,

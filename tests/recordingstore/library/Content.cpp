@@ -25,6 +25,9 @@ void Content::Clear()
     m_retired.insert(m_retired.end(), m_stores.begin(), m_stores.end());
     m_stores.clear();
     m_identity.reset();
+    if (m_book)
+        m_retired.push_back(m_book);
+    m_book.reset();
     m_byName.clear();
     m_byEntryId.clear();
     m_names.clear();
@@ -72,6 +75,18 @@ NodePtr Content::AddIdentity()
     SetEntryId(m_identity, NewEntryId());
     m_byName.emplace(m_identity->name, m_identity);
     return m_identity;
+}
+
+NodePtr Content::AddBook()
+{
+    if (m_book || m_byName.contains("book"))
+        return nullptr;
+    m_book = std::make_shared<Node>();
+    m_book->kind = NodeKind::BookContainer;
+    m_book->name = "book";
+    SetEntryId(m_book, NewEntryId());
+    m_byName.emplace(m_book->name, m_book);
+    return m_book;
 }
 
 NodePtr Content::Add(NodeKind kind, const std::string& name, Node& parent)
@@ -122,6 +137,23 @@ void Content::Remove(Node& node)
         return;
     m_retired.push_back(*found);
     siblings.erase(found);
+}
+
+HRESULT Content::RemoveListed(const SBinaryArray* entries, NodeKind kind, const Node& parent)
+{
+    if (!entries || (entries->cValues && !entries->lpbin))
+        return MAPI_E_INVALID_PARAMETER;
+    HRESULT result = S_OK;
+    for (ULONG i = 0; i < entries->cValues; ++i)
+    {
+        const SBinary& entry = entries->lpbin[i];
+        const NodePtr node = FindEntry(entry.lpb, entry.cb).first;
+        if (node && node->kind == kind && node->parent == &parent)
+            Remove(*node);
+        else
+            result = MAPI_W_PARTIAL_COMPLETION;
+    }
+    return result;
 }
 
 NodePtr Content::Find(const std::string& name) const

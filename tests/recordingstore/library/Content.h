@@ -18,7 +18,9 @@ enum class NodeKind
     MessageFolder,
     Message,
     Attachment,
-    Identity
+    Identity,
+    BookContainer,
+    BookEntry
 };
 
 struct Node
@@ -36,6 +38,7 @@ struct Node
     ULONG attachNumber = 0;     // of an attachment
     ULONG nextAttachNumber = 0; // of a message
     bool isAssociated = false;  // of a message
+    ULONG objectType = 0;       // of an entry of the book
     bool isGone = false;
     std::vector<std::shared_ptr<Node>> children;
 };
@@ -62,18 +65,24 @@ class Content
     // Null where the name is taken.
     NodePtr AddStore(const std::string& name);
     NodePtr AddIdentity();
+    // The personal container of the address book; null where there is one.
+    NodePtr AddBook();
     NodePtr Add(NodeKind kind, const std::string& name, Node& parent);
     // Takes a message that a caller made and saves for the first time.
     void Adopt(const NodePtr& message);
     // The name of a message that a caller makes, the next free one of "new 1", "new 2", ...
     std::string NextName();
     void Remove(Node& node);
+    // Takes those of a parent's children away that the list names. MAPI_W_PARTIAL_COMPLETION where
+    // it names others too.
+    HRESULT RemoveListed(const SBinaryArray* entries, NodeKind kind, const Node& parent);
 
     NodePtr Find(const std::string& name) const;
     // By entry ID, row entry IDs included; with the second where it is the row's.
     std::pair<NodePtr, bool> FindEntry(const void* entryId, std::size_t size) const;
     const std::vector<NodePtr>& Stores() const { return m_stores; }
     NodePtr Identity() const { return m_identity; }
+    NodePtr Book() const { return m_book; }
     // The root folder of the store that the node lies in.
     NodePtr RootOf(const Node& node) const;
     const Node& StoreOf(const Node& node) const;
@@ -99,6 +108,7 @@ class Content
 
     std::vector<NodePtr> m_stores;
     NodePtr m_identity;
+    NodePtr m_book;
     std::map<std::string, NodePtr> m_byName;
     std::map<ByteString, std::pair<NodePtr, bool>> m_byEntryId;
     std::vector<PropertyName> m_names;

@@ -52,6 +52,15 @@ class Control final : public IRecordingStore
         return true;
     }
     bool AddIdentity() noexcept override { return Contents().AddIdentity() != nullptr; }
+    bool AddBook() noexcept override { return Contents().AddBook() != nullptr; }
+    bool AddBookEntry(const char* name, ULONG objectType) noexcept override
+    {
+        const NodePtr book = Contents().Book();
+        const NodePtr entry = book ? Contents().Add(NodeKind::BookEntry, name, *book) : nullptr;
+        if (entry)
+            entry->objectType = objectType;
+        return entry != nullptr;
+    }
     bool AddFolder(const char* name, const char* parent) noexcept override
     {
         const NodePtr above = Find(parent);
@@ -147,7 +156,8 @@ class Control final : public IRecordingStore
     bool SetEntryId(const char* object, ULONG size, const BYTE* bytes) noexcept override
     {
         const NodePtr node = Find(object);
-        if (!node || size == 0 || size > kEntryIdBytes || Contents().FindEntry(bytes, size).first)
+        if (!node || size == 0 || size > kLongestStoreEntryId ||
+            Contents().FindEntry(bytes, size).first)
             return false;
         Contents().SetEntryId(node, Copy(size, bytes));
         return true;
@@ -155,7 +165,8 @@ class Control final : public IRecordingStore
     bool SetRowEntryId(const char* message, ULONG size, const BYTE* bytes) noexcept override
     {
         const NodePtr node = Find(message);
-        if (!node || size == 0 || size > kEntryIdBytes || Contents().FindEntry(bytes, size).first)
+        if (!node || size == 0 || size > kLongestStoreEntryId ||
+            Contents().FindEntry(bytes, size).first)
             return false;
         Contents().SetRowEntryId(node, Copy(size, bytes));
         return true;

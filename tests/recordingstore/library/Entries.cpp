@@ -1,5 +1,6 @@
 #include "tests/recordingstore/library/Entries.h"
 
+#include "tests/recordingstore/library/BookObject.h"
 #include "tests/recordingstore/library/FolderObject.h"
 #include "tests/recordingstore/library/MessageObject.h"
 
@@ -63,6 +64,21 @@ HRESULT OpenNode(const NodePtr& root,
         if (!isFor(UserObject::Answers))
             return MAPI_E_INTERFACE_NOT_SUPPORTED;
         return Give(NewObject<UserObject>(node), MAPI_MAILUSER, type, object);
+    case NodeKind::BookContainer:
+        if (!isFor(BookContainerObject::Answers))
+            return MAPI_E_INTERFACE_NOT_SUPPORTED;
+        return Give(NewObject<BookContainerObject>(node), MAPI_ABCONT, type, object);
+    case NodeKind::BookEntry: {
+        const bool isList = node->objectType == MAPI_DISTLIST;
+        if (!isFor(isList ? DistListObject::Answers : BookUserObject::Answers))
+            return MAPI_E_INTERFACE_NOT_SUPPORTED;
+        auto bag = std::make_shared<MessageBag>(node, IsWriting(flags));
+        if (isList)
+            return Give(
+                NewObject<DistListObject>(node->name, std::move(bag)), MAPI_DISTLIST, type, object);
+        return Give(
+            NewObject<BookUserObject>(node->name, std::move(bag)), node->objectType, type, object);
+    }
     default:
         return MAPI_E_INVALID_ENTRYID;
     }

@@ -1,5 +1,6 @@
 // The names that the server binds.
 #include "localstore/CompressedRtf.h"
+#include "tests/recordingstore/library/BookObject.h"
 #include "tests/recordingstore/library/Delivery.h"
 #include "tests/recordingstore/library/RecordedObject.h"
 #include "tests/recordingstore/library/SessionObject.h"
@@ -15,24 +16,6 @@ constexpr std::size_t kMaxRtfBytes = 64u << 20;
 Recorder& Record()
 {
     return TheLibrary().recorder;
-}
-
-// Frees one buffer, and keeps the books where it is none.
-HRESULT FreeOne(void* buffer, const std::string& line)
-{
-    if (!buffer)
-        return S_OK;
-    switch (TheLibrary().memory.Free(buffer))
-    {
-    case BufferMemory::FreeResult::Freed:
-        return S_OK;
-    case BufferMemory::FreeResult::FreedBefore:
-        Record().AddViolation("freed twice: " + line);
-        return MAPI_E_INVALID_PARAMETER;
-    default:
-        ++Record().refusedFrees;
-        return MAPI_E_INVALID_PARAMETER;
-    }
 }
 
 void FreeRows(SRowSet* rows, const std::string& line)
@@ -316,4 +299,28 @@ extern "C" HRESULT WINAPI RecordedPlainHrQueryAllRows(IMAPITable* table,
                                                       LPSRowSet* rows)
 {
     return RecordedQuery("HrQueryAllRows", table, tags, restriction, sort, rowLimit, rows);
+}
+
+extern "C" HRESULT WINAPI RecordedWABOpen(LPADRBOOK* book,
+                                          LPWABOBJECT* library,
+                                          const WAB_PARAM* parameter,
+                                          DWORD reserved)
+{
+    const StoreFault fault =
+        Record().Begin(std::string("WABOpen(") + (parameter ? "parameter" : "null") + ", " +
+                           std::to_string(reserved) + ")",
+                       kStoreExports,
+                       false);
+    return RunCall(
+        fault,
+        [&](StoreFault) -> HRESULT {
+            if (!book || !library)
+                return MAPI_E_INVALID_PARAMETER;
+            Record().Initialised();
+            *book = NewObject<AddressBookObject>();
+            *library = NewObject<WabLibraryObject>();
+            return S_OK;
+        },
+        book,
+        library);
 }

@@ -2,8 +2,6 @@
 
 #include "tests/recordingstore/library/MessageObject.h"
 
-#include <algorithm>
-
 namespace
 {
 std::vector<ULONG> DefaultColumns()
@@ -120,20 +118,7 @@ HRESULT FolderObject::DeleteMessages(LPENTRYLIST messages,
     return RunCall(
         Begin("DeleteMessages(" + EntriesText(messages) + ", " + std::to_string(uiParam) + ", " +
               (progress ? "progress, " : "null, ") + FlagsText(flags) + ")"),
-        [&](StoreFault) -> HRESULT {
-            if (!messages || (messages->cValues && !messages->lpbin))
-                return MAPI_E_INVALID_PARAMETER;
-            Content& content = TheLibrary().content;
-            HRESULT result = S_OK;
-            for (ULONG i = 0; i < messages->cValues; ++i)
-            {
-                const SBinary& entry = messages->lpbin[i];
-                const NodePtr node = content.FindEntry(entry.lpb, entry.cb).first;
-                if (node && node->kind == NodeKind::Message && node->parent == m_node.get())
-                    content.Remove(*node);
-                else
-                    result = MAPI_W_PARTIAL_COMPLETION;
-            }
-            return result;
+        [&](StoreFault) {
+            return TheLibrary().content.RemoveListed(messages, NodeKind::Message, *m_node);
         });
 }

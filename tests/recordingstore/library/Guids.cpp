@@ -10,6 +10,9 @@
 #define USES_IID_IMessage
 #define USES_IID_IAttachment
 #define USES_IID_IMailUser
+#define USES_IID_IAddrBook
+#define USES_IID_IABContainer
+#define USES_IID_IDistList
 
 #include "platform/WindowsHeaders.h"
 

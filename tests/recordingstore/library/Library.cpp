@@ -22,3 +22,20 @@ void EmptyGraveyard()
 {
     g_graveyard.clear();
 }
+
+HRESULT FreeOne(void* buffer, const std::string& line)
+{
+    if (!buffer)
+        return S_OK;
+    switch (TheLibrary().memory.Free(buffer))
+    {
+    case BufferMemory::FreeResult::Freed:
+        return S_OK;
+    case BufferMemory::FreeResult::FreedBefore:
+        TheLibrary().recorder.AddViolation("freed twice: " + line);
+        return MAPI_E_INVALID_PARAMETER;
+    default:
+        ++TheLibrary().recorder.refusedFrees;
+        return MAPI_E_INVALID_PARAMETER;
+    }
+}

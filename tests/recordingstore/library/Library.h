@@ -17,6 +17,9 @@ struct Library
 
 Library& TheLibrary() noexcept;
 
+// Frees one buffer, and keeps the books where it is none. line: the call that does it.
+HRESULT FreeOne(void* buffer, const std::string& line);
+
 // Sets every output that there is to nothing.
 template <typename... Outputs> void ClearOutputs(Outputs*... outputs)
 {

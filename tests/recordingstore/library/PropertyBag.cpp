@@ -48,6 +48,8 @@ LONG ObjectTypeOf(NodeKind kind)
         return MAPI_MESSAGE;
     case NodeKind::Attachment:
         return MAPI_ATTACH;
+    case NodeKind::BookContainer:
+        return MAPI_ABCONT;
     default:
         return MAPI_MAILUSER;
     }
@@ -68,7 +70,9 @@ constexpr unsigned kFolder = Bit(NodeKind::MessageFolder);
 constexpr unsigned kMessage = Bit(NodeKind::Message);
 constexpr unsigned kAttachment = Bit(NodeKind::Attachment);
 constexpr unsigned kIdentity = Bit(NodeKind::Identity);
-constexpr unsigned kEntries = kStore | kFolder | kMessage | kIdentity;
+constexpr unsigned kBook = Bit(NodeKind::BookContainer);
+constexpr unsigned kBookEntry = Bit(NodeKind::BookEntry);
+constexpr unsigned kEntries = kStore | kFolder | kMessage | kIdentity | kBook | kBookEntry;
 
 // clang-format off
 constexpr struct
@@ -79,12 +83,12 @@ constexpr struct
 } kComputed[] = {
     {PROP_ID(PR_ENTRYID), kEntries, [](const Node& node) { return Id(node.entryId); }},
     {PROP_ID(PR_RECORD_KEY), kEntries, [](const Node& node) { return Id(node.entryId); }},
-    {PROP_ID(PR_OBJECT_TYPE), kEntries | kAttachment, [](const Node& node) { return std::optional(Long(ObjectTypeOf(node.kind))); }},
+    {PROP_ID(PR_OBJECT_TYPE), kEntries | kAttachment, [](const Node& node) { return std::optional(node.objectType ? Long(node.objectType) : Long(ObjectTypeOf(node.kind))); }},
     {PROP_ID(PR_STORE_ENTRYID), kStore | kFolder | kMessage, [](const Node& node) { return Id(TheLibrary().content.StoreOf(node).entryId); }},
     // The root is its own parent.
     {PROP_ID(PR_PARENT_ENTRYID), kFolder | kMessage, [](const Node& node) { return Id(node.parent->kind == NodeKind::MessageFolder ? node.parent->entryId : node.entryId); }},
-    {PROP_ID(PR_CREATION_TIME), kFolder | kMessage, [](const Node& node) { return Time(node.created); }},
-    {PROP_ID(PR_LAST_MODIFICATION_TIME), kFolder | kMessage, [](const Node& node) { return Time(node.modified); }},
+    {PROP_ID(PR_CREATION_TIME), kFolder | kMessage | kBookEntry, [](const Node& node) { return Time(node.created); }},
+    {PROP_ID(PR_LAST_MODIFICATION_TIME), kFolder | kMessage | kBookEntry, [](const Node& node) { return Time(node.modified); }},
     {PROP_ID(PR_DEFAULT_STORE), kStore, [](const Node& node) { return std::optional(Boolean(TheLibrary().content.defaultStore == node.name)); }},
     {PROP_ID(PR_CONTENT_COUNT), kFolder, [](const Node& node) { return std::optional(Long(CountMessages(node, false))); }},
     {PROP_ID(PR_ASSOC_CONTENT_COUNT), kFolder, [](const Node& node) { return std::optional(Long(CountMessages(node, true))); }},
@@ -187,6 +191,13 @@ MessageBag::MessageBag(Node& folder, std::string name, bool isAssociated)
     m_node->isAssociated = isAssociated;
 }
 
+MessageBag::MessageBag(Node& container, std::string name, ULONG objectType)
+    : MessageBag(container, std::move(name), false)
+{
+    m_node->kind = NodeKind::BookEntry;
+    m_node->objectType = objectType;
+}
+
 MessageBag::MessageBag(NodePtr message, bool isWritable)
     : m_node(std::move(message)), m_isWritable(isWritable), m_isNew(false),
       m_version(m_node->version), m_nextAttachNumber(m_node->nextAttachNumber)
@@ -195,7 +206,7 @@ MessageBag::MessageBag(NodePtr message, bool isWritable)
 
 std::optional<Value> MessageBag::Get(USHORT id) const
 {
-    if (id == PROP_ID(PR_HASATTACH))
+    if (id == PROP_ID(PR_HASATTACH) && m_node->kind == NodeKind::Message)
         return NumberValue(PT_BOOLEAN, !Attachments().empty());
     std::optional<Value> value;
     return m_changes.Tell(id, value) ? value : GetStored(*m_node, id);

@@ -65,18 +65,20 @@ class Changes
     std::map<USHORT, std::optional<Value>> m_changes;
 };
 
-// One open message.
+// One open message, or an entry of the address book, which is one without attachments.
 class MessageBag final : public PropertyBag
 {
   public:
     // A new message of that folder, under that name; nothing is stored before it is saved.
     MessageBag(Node& folder, std::string name, bool isAssociated);
+    // A new entry of that type in the address book, likewise.
+    MessageBag(Node& container, std::string name, ULONG objectType);
     // One that is stored.
     MessageBag(NodePtr message, bool isWritable);
 
     std::optional<Value> Get(USHORT id) const override;
     std::vector<USHORT> Ids() const override;
-    bool IsComputed(USHORT id) const override { return IsComputedProperty(NodeKind::Message, id); }
+    bool IsComputed(USHORT id) const override { return IsComputedProperty(m_node->kind, id); }
     bool IsWritable() const override { return m_isWritable; }
     void Put(USHORT id, Value value) override { m_changes.Put(id, std::move(value)); }
     void Remove(USHORT id) override { m_changes.Remove(id); }
