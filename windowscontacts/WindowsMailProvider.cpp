@@ -1,10 +1,11 @@
 #include "windowscontacts/WindowsMailProvider.h"
 
 #include "icalendar/WindowsMailCalendar.h"
-#include "outlook/store/MapiMemory.h"
 #include "outlook/store/WAPProxcy.h"
 #include "service/Registry.h"
 #include "service/TextConversions.h"
+#include "windowscontacts/PersonalBook.h"
+#include "windowscontacts/WindowsMailAddressTable.h"
 
 #include <exception>
 #include <utility>
@@ -41,6 +42,11 @@ CWindowsMailProvider::CWindowsMailProvider(bool addressBookOnly)
         throw std::exception();
 }
 
+CWindowsMailProvider::~CWindowsMailProvider()
+{
+    m_pHelper->Live().DetachAll();
+}
+
 bool CWindowsMailProvider::OpenBook()
 {
     CNProxcy& proxy = m_pHelper->Proxy();
@@ -55,23 +61,8 @@ bool CWindowsMailProvider::OpenBook()
         return false;
     proxy.SetValue(CNProxcy::kWabObjectKey, m_pWabObject.Get());
 
-    ULONG entrySize = 0;
-    LPENTRYID entry = nullptr;
-    const HRESULT found = m_pAddrBook->GetPAB(&entrySize, &entry);
-    const auto ownedEntry = AdoptMapiBuffer(entry, proxy);
-    if (FAILED(found) || !entry)
-        return false;
-
-    ULONG objectType = 0;
-    // Opened without naming an interface, a container comes under its own one.
-    const HRESULT entered =
-        m_pAddrBook->OpenEntry(entrySize,
-                               entry,
-                               nullptr,
-                               0,
-                               &objectType,
-                               reinterpret_cast<LPUNKNOWN*>(m_pContainer.GetAddressOf()));
-    return SUCCEEDED(entered) && m_pContainer;
+    m_pContainer = OpenPersonalBook(*m_pAddrBook.Get(), proxy);
+    return m_pContainer != nullptr;
 }
 
 bool CWindowsMailProvider::SetCalendarPath()
@@ -88,9 +79,18 @@ std::unique_ptr<UserIdentity> CWindowsMailProvider::GetUserProperties()
     return nullptr;
 }
 
+std::unique_ptr<CWindowsMailAddressTable> CWindowsMailProvider::NewAddressTable()
+{
+    return std::make_unique<CWindowsMailAddressTable>(
+        m_pContainer.Get(), m_pHelper.get(), m_isAddressBookOnly, m_pAddrBook.Get());
+}
+
 std::unique_ptr<CAddressBookHandle> CWindowsMailProvider::GetAddressBook()
 {
-    return nullptr;
+    auto contacts = NewAddressTable();
+    contacts->GetItemIDs();
+    contacts->ResetItem();
+    return std::make_unique<CAddressBookHandle>(std::move(contacts), nullptr);
 }
 
 std::unique_ptr<CCalendarHandle> CWindowsMailProvider::GetCalendar()
@@ -103,6 +103,8 @@ std::unique_ptr<CCalendarHandle> CWindowsMailProvider::GetCalendar()
 
 std::unique_ptr<IEnumerator> CWindowsMailProvider::GetEnumerator(int type)
 {
+    if (type == AddressBook)
+        return NewAddressTable();
     if (type == Calendar)
         return std::make_unique<CWindowsMailCalendar>(m_calendarPath);
     return nullptr;

@@ -10,6 +10,8 @@
 #include <memory>
 #include <string>
 
+class CWindowsMailAddressTable;
+
 class CWindowsMailProvider : public IProvider
 {
   public:
@@ -17,14 +19,16 @@ class CWindowsMailProvider : public IProvider
     // book. addressBookOnly: "Outlook Express", which has no calendar folder.
     // Throws std::exception where any step fails; what was opened until then is given back.
     explicit CWindowsMailProvider(bool addressBookOnly);
+    // Detaches the tables that clients still hold before anything is released.
+    ~CWindowsMailProvider() override;
 
     // Null: this back end knows no identity.
     std::unique_ptr<UserIdentity> GetUserProperties() override;
-    // Null: this build has no table over the address book.
+    // Loaded contacts; there are no groups.
     std::unique_ptr<CAddressBookHandle> GetAddressBook() override;
     // A loaded calendar, empty under "Outlook Express".
     std::unique_ptr<CCalendarHandle> GetCalendar() override;
-    // A calendar for type 4, not loaded; null for all others.
+    // Contacts for type 3 and a calendar for type 4, not loaded; null for all others.
     std::unique_ptr<IEnumerator> GetEnumerator(int type) override;
     // False, untouched: there are no root folders.
     bool GetContactFolders(std::vector<OutlookFolderInfo>& folders) override;
@@ -32,6 +36,7 @@ class CWindowsMailProvider : public IProvider
 
   private:
     bool OpenBook();
+    std::unique_ptr<CWindowsMailAddressTable> NewAddressTable();
     bool SetCalendarPath();
 
     // In the reverse of the order of release, which a failed construction follows too: container,

@@ -2,12 +2,12 @@
 // those that both reading and writing use.
 #pragma once
 
+#include "outlook/contacts/ContactFields.h"
 #include "outlook/store/Proxcy.h"
 #include "platform/WindowsHeaders.h"
 
 #include "PimStoreBridge.h"
 
-#include <array>
 #include <optional>
 #include <vector>
 
@@ -41,22 +41,6 @@ enum : ULONG
     kLocalAnniversary = 60,
 };
 } // namespace ContactColumn
-
-inline constexpr std::size_t kPhoneTypes = 13;
-inline constexpr std::size_t kAddressTypes = 3;
-
-// The fields of an address in the order of their columns, which is not that of the record.
-inline constexpr BSTR _tagNAddress::*kAddressFields[] = {
-    &_tagNAddress::Country,
-    &_tagNAddress::StateOrProvince,
-    &_tagNAddress::City,
-    &_tagNAddress::Street,
-    &_tagNAddress::PostalCode,
-    &_tagNAddress::PostOfficeBox,
-};
-inline constexpr std::size_t kAddressFieldCount = std::size(kAddressFields);
-
-using AddressTags = std::array<ULONG, kAddressFieldCount>;
 
 struct ContactColumnTags
 {

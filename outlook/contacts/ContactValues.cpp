@@ -4,21 +4,13 @@
 #include "outlook/store/MAPIHelper.h"
 #include "platform/Bstr.h"
 #include "platform/SafeArray.h"
-#include "service/Log.h"
 
 #include <string>
 #include <vector>
 
 namespace
 {
-struct TextRow
-{
-    ULONG column;
-    HRESULT (STDMETHODCALLTYPE INContactItem::*put)(BSTR);
-    const wchar_t* trace; // a line of the log with the text; null for none
-};
-
-constexpr TextRow kNames[] = {
+constexpr TextColumn kNames[] = {
     {ContactColumn::kFirstName, &INContactItem::put_FirstName, L"===put_FirstName:%s"},
     {ContactColumn::kLastName, &INContactItem::put_LastName, L"===put_LastName:%s"},
     {ContactColumn::kMiddleName, &INContactItem::put_MiddleName, nullptr},
@@ -27,12 +19,12 @@ constexpr TextRow kNames[] = {
     {ContactColumn::kInstantMessaging, &INContactItem::put_InstantMessagingAddress, nullptr},
 };
 
-constexpr TextRow kAfterEmails[] = {
+constexpr TextColumn kAfterEmails[] = {
     {ContactColumn::kWebsite, &INContactItem::put_Website, nullptr},
     {ContactColumn::kDisplayName, &INContactItem::put_DisplayName, nullptr},
 };
 
-constexpr TextRow kAfterDates[] = {
+constexpr TextColumn kAfterDates[] = {
     {ContactColumn::kSuffix, &INContactItem::put_Suffix, nullptr},
 };
 
@@ -66,26 +58,6 @@ constexpr DateRow kDates[] = {
      &INContactItem::put_Anniversary},
 };
 
-void PutTexts(INContactItem& contact, const PropertyView& values, std::span<const TextRow> rows)
-{
-    for (const TextRow& row : rows)
-    {
-        const wchar_t* const text = values.Text(row.column);
-        if (!text)
-            continue;
-        if (row.trace)
-            LogPrintf(row.trace, text);
-        (contact.*row.put)(Bstr(text).Get());
-    }
-}
-
-void PutPhones(INContactItem& contact, const PropertyView& values)
-{
-    for (ULONG type = 0; type < kPhoneTypes; ++type)
-        if (const wchar_t* const number = values.Text(ContactColumn::kFirstPhone + type))
-            contact.put_PhoneNumber(static_cast<_tagNPhoneNumberType>(type), Bstr(number).Get());
-}
-
 void PutEmails(INContactItem& contact, const PropertyView& values)
 {
     std::vector<std::wstring> addresses;
@@ -110,22 +82,7 @@ void PutEmails(INContactItem& contact, const PropertyView& values)
 void PutAddresses(INContactItem& contact, const PropertyView& values)
 {
     for (const AddressRow& row : kAddresses)
-    {
-        Bstr texts[kAddressFieldCount];
-        _tagNAddress address = {};
-        bool isPresent = false;
-        for (ULONG i = 0; i < kAddressFieldCount; ++i)
-        {
-            const wchar_t* const text = values.Text(row.firstColumn + i);
-            if (!text)
-                continue;
-            texts[i] = Bstr(text);
-            address.*kAddressFields[i] = texts[i].Get();
-            isPresent = true;
-        }
-        if (isPresent)
-            contact.put_Address(row.type, address);
-    }
+        PutAddress(contact, row.type, values, row.firstColumn);
 }
 
 void PutDates(INContactItem& contact,
@@ -145,17 +102,6 @@ void PutDates(INContactItem& contact,
 }
 } // namespace
 
-SAFEARRAY* NewTextArray(std::span<const std::wstring> texts)
-{
-    UniqueSafeArray array(SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(texts.size())));
-    const SafeArrayAccess<BSTR> elements(array.Get());
-    if (!elements)
-        return nullptr;
-    for (std::size_t i = 0; i < texts.size(); ++i)
-        elements.Data()[i] = Bstr(std::wstring_view(texts[i])).Detach();
-    return array.Detach();
-}
-
 double ZoneBiasDays()
 {
     TIME_ZONE_INFORMATION zone = {};
@@ -172,7 +118,7 @@ void PutContactValues(INEntityItem& entity,
     if (const FILETIME* const time = values.Time(ContactColumn::kLastModified))
         entity.put_LastModificationTime(CMAPIHelper::FileTimeToDate(*time));
     PutTexts(contact, values, kNames);
-    PutPhones(contact, values);
+    PutPhones(contact, values, ContactColumn::kFirstPhone);
     PutEmails(contact, values);
     PutTexts(contact, values, kAfterEmails);
     PutAddresses(contact, values);

@@ -6,9 +6,6 @@
 
 #include "PimStoreBridge.h"
 
-#include <span>
-#include <string>
-
 // Time of the last change, texts, phone numbers, e-mail addresses, postal addresses, dates.
 //   hasLocalDates: whether the store knows contacts' local dates, which are then preferred.
 //   zoneBiasDays:  see ZoneBiasDays.
@@ -20,9 +17,6 @@ void PutContactValues(INEntityItem& entity,
 
 // The categories; nothing where there are none.
 void PutContactCategories(INContactItem& contact, const PropertyView& values);
-
-// An array of the texts. Null where the system refuses.
-SAFEARRAY* NewTextArray(std::span<const std::wstring> texts);
 
 // What the system's zone is off from UTC, as the days to add to a local time for UTC. Without
 // daylight saving, whatever the season.

@@ -4,12 +4,10 @@
 #include "outlook/contacts/ContactEmails.h"
 #include "outlook/contacts/ContactNameTags.h"
 #include "outlook/contacts/ContactPicture.h"
-#include "outlook/contacts/ContactValues.h"
 #include "outlook/store/NamedTags.h"
 #include "platform/Bstr.h"
 #include "platform/SafeArray.h"
 #include "service/ServiceManager.h"
-#include "service/TimeConversions.h"
 
 #include <iterator>
 #include <span>
@@ -21,8 +19,6 @@ using Microsoft::WRL::ComPtr;
 
 namespace
 {
-using TextGet = HRESULT (STDMETHODCALLTYPE INContactItem::*)(BSTR*);
-
 constexpr ULONG kMessageClass = 0x001A001F; // PR_MESSAGE_CLASS
 constexpr ULONG kBody = 0x1000001F;         // PR_BODY
 constexpr ULONG kDisplayName = 0x3001001F;  // PR_DISPLAY_NAME
@@ -45,7 +41,7 @@ enum class Rule
 
 struct TextRow
 {
-    TextGet get;
+    ContactTextGet get;
     ULONG tag;
     Rule rule;
 };
@@ -75,33 +71,6 @@ constexpr DateRow kDates[] = {
     {&INContactItem::get_Birthday, 0x3A420040, 0x80DE},    // PR_BIRTHDAY
     {&INContactItem::get_Anniversary, 0x3A410040, 0x80DF}, // PR_WEDDING_ANNIVERSARY
 };
-
-// Kept as it is: the limits differ. Pinned by ContactWritingTest.
-bool IsDate(DATE value)
-{
-    return value >= 0.000001 || value <= -0.00001;
-}
-
-// False where a FILETIME cannot tell the date.
-bool ToFileTime(DATE date, FILETIME& time)
-{
-    SYSTEMTIME calendar = {};
-    return DateToSystemTime(date, calendar) && SystemTimeToFileTime(&calendar, &time);
-}
-
-// The texts of a one-dimensional array of them; empty for anything else.
-std::vector<std::wstring> TextsOf(SAFEARRAY* array)
-{
-    VARTYPE type = VT_EMPTY;
-    if (!array || SafeArrayGetDim(array) != 1 || FAILED(SafeArrayGetVartype(array, &type)) ||
-        type != VT_BSTR)
-        return {};
-    const SafeArrayAccess<BSTR> elements(array);
-    std::vector<std::wstring> texts;
-    for (ULONG i = 0; elements && i < array->rgsabound[0].cElements; ++i)
-        texts.push_back(TextOf(elements.Data()[i]));
-    return texts;
-}
 
 class Writer
 {
@@ -141,11 +110,7 @@ class Writer
     }
 
   private:
-    std::wstring Text(TextGet get)
-    {
-        Bstr text;
-        return SUCCEEDED((m_contact.*get)(text.Put())) ? TextOf(text.Get()) : std::wstring();
-    }
+    std::wstring Text(ContactTextGet get) { return TextIn(m_contact, get); }
 
     void AddTexts(std::span<const TextRow> rows)
     {
@@ -168,12 +133,8 @@ class Writer
     void AddPhones()
     {
         for (ULONG type = 0; type < kPhoneTypes; ++type)
-        {
-            Bstr number;
-            if (SUCCEEDED(m_contact.get_PhoneNumber(static_cast<_tagNPhoneNumberType>(type),
-                                                    number.Put())))
-                AddText(FixedContactTag(ContactColumn::kFirstPhone + type), TextOf(number.Get()));
-        }
+            AddText(FixedContactTag(ContactColumn::kFirstPhone + type),
+                    PhoneIn(m_contact, static_cast<_tagNPhoneNumberType>(type)));
     }
 
     void AddEmails()
@@ -222,7 +183,7 @@ class Writer
         for (const DateRow& row : kDates)
         {
             DATE local = 0.0;
-            if (FAILED((m_contact.*row.get)(&local)) || !IsDate(local))
+            if (FAILED((m_contact.*row.get)(&local)) || !IsContactDate(local))
                 continue;
             AddTime(row.utcTag, local + m_zoneBiasDays);
             AddTime(m_tags.Of(row.localName, PT_SYSTIME), local);

@@ -6,9 +6,8 @@
 #include "outlook/contacts/ContactValues.h"
 #include "outlook/contacts/ContactWriting.h"
 #include "outlook/contacts/NameSettings.h"
-#include "outlook/store/MapiMemory.h"
 #include "outlook/store/MessageBody.h"
-#include "outlook/store/TagArray.h"
+#include "outlook/store/ReadValues.h"
 #include "platform/Bstr.h"
 #include "service/ItemAccess.h"
 #include "service/Log.h"
@@ -40,26 +39,6 @@ bool IsPicture(const PropertyView& attachment)
     return attachment.Long(0) && attachment.Text(1) && attachment.Text(2) &&
            attachment.Bool(3).value_or(0);
 }
-
-// The values of the tags in one call, with their owner.
-class ReadValues
-{
-  public:
-    ReadValues(IMAPIProp& object, std::span<const ULONG> tags, CNProxcy& proxy)
-    {
-        TagArray wanted(tags);
-        SPropValue* delivered = nullptr;
-        const HRESULT result = object.GetProps(wanted.Get(), MAPI_UNICODE, &m_count, &delivered);
-        // What a failed call left in its outputs is nobody's.
-        m_values = AdoptMapiBuffer(SUCCEEDED(result) ? delivered : nullptr, proxy);
-    }
-
-    PropertyView View() const noexcept { return {m_count, m_values.get()}; }
-
-  private:
-    ULONG m_count = 0;
-    MapiBuffer<SPropValue> m_values;
-};
 } // namespace
 
 COutlookAddressTable::COutlookAddressTable(IMAPIContainer* container,

@@ -5,6 +5,7 @@
 #define USES_IID_IMAPIFolder
 #define USES_IID_IMessage
 #define USES_IID_IAttachment
+#define USES_IID_IABContainer
 
 #include "platform/WindowsHeaders.h"
 

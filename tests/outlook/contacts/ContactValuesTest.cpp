@@ -1,5 +1,6 @@
 #include "outlook/contacts/ContactValues.h"
 
+#include "outlook/contacts/ContactFields.h"
 #include "outlook/contacts/ContactText.h"
 #include "outlook/contacts/OwnContact.h"
 #include "platform/Bstr.h"

@@ -1,0 +1,32 @@
+// The values of some tags of a store object, read in one call, with their owner.
+#pragma once
+
+#include "outlook/store/MapiMemory.h"
+#include "outlook/store/PropertyView.h"
+#include "outlook/store/TagArray.h"
+
+#include <span>
+
+class ReadValues
+{
+  public:
+    // flags: those of GetProps. The proxy must outlive this. Throws std::bad_alloc.
+    ReadValues(IMAPIProp& object,
+               std::span<const ULONG> tags,
+               CNProxcy& proxy,
+               ULONG flags = MAPI_UNICODE)
+    {
+        TagArray wanted(tags);
+        SPropValue* delivered = nullptr;
+        const HRESULT result = object.GetProps(wanted.Get(), flags, &m_count, &delivered);
+        // What a failed call left in its outputs is nobody's.
+        m_values = AdoptMapiBuffer(SUCCEEDED(result) ? delivered : nullptr, proxy);
+    }
+
+    // In the order of the tags; empty where the call failed. Valid as long as this object.
+    PropertyView View() const noexcept { return {m_count, m_values.get()}; }
+
+  private:
+    ULONG m_count = 0;
+    MapiBuffer<SPropValue> m_values;
+};
