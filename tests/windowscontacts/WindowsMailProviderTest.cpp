@@ -1,14 +1,17 @@
 #include "windowscontacts/WindowsMailProvider.h"
 
+#include "outlook/store/EntryIdText.h"
 #include "platform/Bstr.h"
+#include "service/ItemAccess.h"
 #include "service/ServiceManager.h"
 #include "support/ComAssert.h"
 #include "support/DebugOutputCapture.h"
 #include "support/ScopedRegistryValue.h"
 #include "support/ScratchDirectory.h"
 #include "tests/outlook/FakeAddressBook.h"
+#include "tests/recordingstore/RecordingStore.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <exception>
 #include <fstream>
@@ -91,6 +94,42 @@ class WindowsMailProviderCalendarTest : public WindowsMailProviderTest
         HKEY_CURRENT_USER,
         L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders",
         L"Local AppData"};
+};
+
+// The recording store stands there, with two contacts and a distribution list.
+class WindowsMailProviderBookTest : public testing::Test
+{
+  protected:
+    WindowsMailProviderBookTest()
+    {
+        libraryPath.Set(RecordingStore::Path());
+        store.AddBook();
+        AddContact("ann", L"/GUID:\"ann\"");
+        store.AddBookEntry("choir", {}, MAPI_DISTLIST);
+        AddContact("bob", L"/GUID:\"bob\"");
+    }
+    ~WindowsMailProviderBookTest() override { EXPECT_TRUE(store.IsClean()) << store.Complaints(); }
+
+    void AddContact(const char* name, std::wstring_view entryID)
+    {
+        const BYTE* const bytes = reinterpret_cast<const BYTE*>(entryID.data());
+        store.AddBookEntry(name);
+        store.SetEntryId(name, {bytes, bytes + entryID.size() * sizeof(wchar_t)});
+    }
+    std::wstring HexOf(const char* name) const { return BytesToHex(store.EntryIdOf(name)); }
+    static std::wstring CurrentID(CAddressBookHandle& book)
+    {
+        ComPtr<INContactItem> contact;
+        book.GetCurrentContact(contact.GetAddressOf());
+        if (!contact)
+            return L"(none)";
+        Bstr id;
+        contact->get_PersistentID(id.Put());
+        return TextOf(id.Get());
+    }
+
+    ScopedRegistryValue libraryPath{HKEY_LOCAL_MACHINE, L"Software\\Microsoft\\WAB\\DLLPath", L""};
+    RecordingStore store;
 };
 
 // A new object of the class; null where the creation failed.
@@ -230,11 +269,85 @@ TEST_F(WindowsMailProviderTest, HasNoIdentityAndNoRootFolders)
     EXPECT_EQ(2u, folders.size());
 }
 
-TEST_F(WindowsMailProviderTest, HasNoTableOverTheAddressBook)
+TEST_F(WindowsMailProviderBookTest, HandsOutLoadedContactsWithoutGroups)
 {
-    CWindowsMailProvider provider(true);
-    EXPECT_EQ(nullptr, provider.GetAddressBook());
-    EXPECT_EQ(nullptr, provider.GetEnumerator(AddressBook));
+    for (const bool isOutlookExpress : {false, true})
+    {
+        CWindowsMailProvider provider(isOutlookExpress);
+        store.ClearRecord();
+        const auto book = provider.GetAddressBook();
+        ASSERT_NE(nullptr, book);
+        EXPECT_EQ("IABContainer(book).GetContentsTable(80000000)", store.Calls().front());
+        EXPECT_EQ("IABContainer(book).OpenEntry(bob, null, 00000002, type)", store.Calls().back());
+        book->NextItem();
+        EXPECT_EQ(isOutlookExpress ? HexOf("ann") : L"ann", CurrentID(*book));
+        book->NextItem();
+        EXPECT_EQ(isOutlookExpress ? HexOf("bob") : L"bob", CurrentID(*book));
+        book->NextItem();
+        EXPECT_EQ(L"(none)", CurrentID(*book));
+    }
+}
+
+TEST_F(WindowsMailProviderBookTest, AnEnumeratorOverContactsIsNotLoadedYet)
+{
+    CWindowsMailProvider provider(false);
+    store.ClearRecord();
+    const auto table = provider.GetEnumerator(AddressBook);
+    ASSERT_NE(nullptr, table);
+    EXPECT_EQ(Calls(), store.Calls());
+    table->ResetItem();
+    table->GetNextItem();
+    EXPECT_FALSE(CurrentItem(*table));
+    table->GetItemIDs();
+    table->ResetItem();
+    table->GetNextItem();
+    const auto item = CurrentItem(*table);
+    ASSERT_TRUE(item);
+    Bstr id;
+    item->get_EntityID(id.Put());
+    EXPECT_EQ(HexOf("ann"), TextOf(id.Get())) << "enumerators show the IDs as the table has them";
+}
+
+TEST_F(WindowsMailProviderBookTest, TheClientsIdsGoBothWays)
+{
+    CWindowsMailProvider provider(false);
+    const auto book = provider.GetAddressBook();
+    book->GetItemByID(L"bob");
+    EXPECT_EQ(L"bob", CurrentID(*book));
+    ComPtr<INContactItem> contact;
+    book->GetCurrentContact(contact.GetAddressOf());
+    contact->put_FirstName(Bstr(L"Robert").Get());
+    EXPECT_TRUE(book->UpdateContact(contact.Get()));
+    EXPECT_THAT(store.PropsOf("bob"), testing::Contains("3A06001F \"Robert\""));
+    Bstr id;
+    contact->get_PersistentID(id.Put());
+    EXPECT_EQ(HexOf("bob"), TextOf(id.Get())) << "the item keeps the table's form";
+    EXPECT_TRUE(book->DeleteItem(L"bob"));
+    EXPECT_FALSE(store.Exists("bob"));
+}
+
+TEST_F(WindowsMailProviderBookTest, TablesThatAreStillHeldOutliveTheProvider)
+{
+    std::unique_ptr<CAddressBookHandle> book;
+    std::unique_ptr<IEnumerator> table;
+    {
+        CWindowsMailProvider provider(false);
+        book = provider.GetAddressBook();
+        table = provider.GetEnumerator(AddressBook);
+        table->GetItemIDs();
+        table->ResetItem();
+        table->GetNextItem();
+    }
+    EXPECT_TRUE(store.IsClean()) << store.Complaints();
+    store.ClearRecord();
+    book->NextItem();
+    EXPECT_EQ(L"(none)", CurrentID(*book));
+    book->Refresh();
+    EXPECT_FALSE(book->DeleteItem(L"ann"));
+    table->GetItemIDs();
+    table->GetNextItem();
+    EXPECT_FALSE(CurrentItem(*table));
+    EXPECT_EQ(Calls(), store.Calls());
 }
 
 TEST_F(WindowsMailProviderTest, HasNoEnumeratorOfOtherTypes)

@@ -1,0 +1,252 @@
+// What contacts become in the Windows Address Book. Every list of values was worked out by hand;
+// none comes out of this program.
+//
+// Times are units of 100 ns since 1601, which is DATE -109205: midnight of DATE d is
+// (d + 109205) * 864000000000. 25569 is 1970-01-01 and gives 116444736000000000.
+#include "windowscontacts/WindowsContactWriting.h"
+
+#include "outlook/contacts/ContactText.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <limits>
+
+using testing::ElementsAreArray;
+
+namespace
+{
+struct WritingCase
+{
+    const char* name;
+    const char* contact; // see ContactText.h
+    const char* values;
+};
+
+constexpr WritingCase kCases[] = {
+    {"WithoutAName", "", R"_(
+        3A06001F "Untitled"
+        3001001F "Untitled")_"},
+    {"FirstAndLastNameRunTogether",
+     R"_(
+        FirstName "Oda"
+        LastName "Bakken")_",
+     R"_(
+        3A06001F "Oda"
+        3A11001F "Bakken"
+        3001001F "OdaBakken")_"},
+    {"AllPartsOfAName",
+     R"_(
+        FirstName "Oda"
+        MiddleName "Q"
+        LastName "Bakken"
+        Suffix "Jr.")_",
+     R"_(
+        3A06001F "Oda"
+        3A11001F "Bakken"
+        3A44001F "Q"
+        3A05001F "Jr."
+        3001001F "OdaBakkenQJr.")_"},
+    {"ASuffixAloneIsAName", R"_(Suffix "Jr.")_", R"_(
+        3A05001F "Jr."
+        3001001F "Jr.")_"},
+    {"EmptyTextsCountAsNone",
+     R"_(
+        FirstName ""
+        LastName ""
+        JobTitle ""
+        Notes ""
+        Phone1 ""
+        Website ""
+        Home.City "")_",
+     R"_(
+        3A06001F "Untitled"
+        3001001F "Untitled")_"},
+    {"TextsAndWebsite",
+     R"_(
+        FirstName "Oda"
+        JobTitle "Cook"
+        CompanyName "Inn"
+        Website "http://a"
+        Notes "note"
+        DisplayName "not written"
+        InstantMessagingAddress "not written"
+        GroupID "not written"
+        Category "not written")_",
+     R"_(
+        3A06001F "Oda"
+        3A17001F "Cook"
+        3A16001F "Inn"
+        3004001F "note"
+        3A51001F "http://a"
+        3001001F "Oda")_"},
+    {"PhoneNumbersInTheOrderOfTheirTypes",
+     R"_(
+        LastName "B"
+        Phone0 "0"
+        Phone1 "1"
+        Phone2 "2"
+        Phone3 "3"
+        Phone4 "4"
+        Phone5 "5"
+        Phone6 "6"
+        Phone7 "7"
+        Phone8 "8"
+        Phone9 "9"
+        Phone10 "10"
+        Phone11 "11"
+        Phone12 "12")_",
+     R"_(
+        3A11001F "B"
+        3A57001F "0"
+        3A1C001F "1"
+        3A08001F "2"
+        3A1B001F "3"
+        3A09001F "4"
+        3A2F001F "5"
+        3A24001F "6"
+        3A25001F "7"
+        3A21001F "8"
+        3A1F001F "9"
+        3A2E001F "10"
+        3A1E001F "11"
+        3A1D001F "12"
+        3001001F "B")_"},
+    {"EmailsWithTheirTypesAndTheDefault",
+     R"_(
+        MiddleName "Q"
+        Email "a@x"
+        Email ""
+        Email "b@x"
+        Email "c@x"
+        Email "d@x")_",
+     R"_(
+        3A44001F "Q"
+        3A56101F ["a@x", "", "b@x", "c@x", "d@x"]
+        3A54101F ["SMTP", "SMTP", "SMTP", "SMTP", "SMTP"]
+        3A550003 0
+        3001001F "Q")_"},
+    {"AllAddressesTheBusinessBoxUnderTheTagOfTheState",
+     R"_(
+        LastName "B"
+        Home.Country "h1"
+        Home.StateOrProvince "h2"
+        Home.City "h3"
+        Home.Street "h4"
+        Home.PostOfficeBox "h6"
+        Home.PostalCode "h5"
+        Business.Country "b1"
+        Business.StateOrProvince "b2"
+        Business.City "b3"
+        Business.Street "b4"
+        Business.PostOfficeBox "b6"
+        Business.PostalCode "b5"
+        Other.Country "o1"
+        Other.StateOrProvince "o2"
+        Other.City "o3"
+        Other.Street "o4"
+        Other.PostOfficeBox "o6"
+        Other.PostalCode "o5")_",
+     R"_(
+        3A11001F "B"
+        3A5A001F "h1"
+        3A5C001F "h2"
+        3A59001F "h3"
+        3A5D001F "h4"
+        3A5B001F "h5"
+        3A5E001F "h6"
+        3A26001F "b1"
+        3A28001F "b2"
+        3A27001F "b3"
+        3A29001F "b4"
+        3A2A001F "b5"
+        3A28001F "b6"
+        3A60001F "o1"
+        3A62001F "o2"
+        3A5F001F "o3"
+        3A63001F "o4"
+        3A61001F "o5"
+        3A64001F "o6"
+        3001001F "B")_"},
+    {"DatesAsTheyStand",
+     R"_(
+        LastName "B"
+        Birthday 25569
+        Anniversary 25570)_",
+     R"_(
+        3A11001F "B"
+        3A420040 116444736000000000
+        3A410040 116445600000000000
+        3001001F "B")_"},
+};
+
+class WindowsContactCaseTest : public testing::TestWithParam<WritingCase>
+{
+};
+
+TextLines ValuesOf(INContactItem& contact)
+{
+    PropertyArray values = WindowsContactProperties(contact);
+    return TextOfValues(values.Count(), values.Get());
+}
+} // namespace
+
+TEST_P(WindowsContactCaseTest, GivesTheseValuesInThisOrder)
+{
+    const auto contact = ContactOf(LinesOf(GetParam().contact));
+    EXPECT_THAT(ValuesOf(*contact.Get()), ElementsAreArray(LinesOf(GetParam().values)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Contacts,
+                         WindowsContactCaseTest,
+                         testing::ValuesIn(kCases),
+                         [](const auto& one) { return one.param.name; });
+
+TEST(WindowsContactWritingTest, ADateAroundTheFirstIsNone)
+{
+    const struct
+    {
+        DATE date;
+        bool isWritten;
+    } cases[] = {{0.0, false},
+                 {9e-07, false},
+                 {1e-06, true},
+                 {-9e-06, false},
+                 {-1e-05, true},
+                 {-1.0, true},
+                 // 9999-12-31 is the last day, 657435 before the first the first.
+                 {2958466.0, false},
+                 {-657436.0, false},
+                 {std::numeric_limits<double>::quiet_NaN(), false},
+                 {std::numeric_limits<double>::infinity(), false}};
+    for (const auto& one : cases)
+    {
+        const auto contact = ContactOf(LinesOf(R"_(LastName "B")_"));
+        contact->put_Birthday(one.date);
+        contact->put_Anniversary(one.date);
+        EXPECT_EQ(one.isWritten ? 4u : 2u, ValuesOf(*contact.Get()).size()) << one.date;
+    }
+}
+
+TEST(WindowsContactWritingTest, AnArrayOfNoEmailsWritesNothing)
+{
+    const auto contact = ContactOf(LinesOf(R"_(LastName "B")_"));
+    SAFEARRAY* const empty = SafeArrayCreateVector(VT_BSTR, 0, 0);
+    contact->put_Emails(empty);
+    SafeArrayDestroy(empty);
+    EXPECT_EQ(2u, ValuesOf(*contact.Get()).size());
+}
+
+// More values than a contact of one text each would have: the array grows.
+TEST(WindowsContactWritingTest, ALongListOfEmailsIsWrittenWhole)
+{
+    TextLines lines = {"LastName \"B\""};
+    for (int i = 0; i < 500; ++i)
+        lines.push_back("Email \"a@x\"");
+    const auto contact = ContactOf(lines);
+    PropertyArray values = WindowsContactProperties(*contact.Get());
+    ASSERT_EQ(5u, values.Count());
+    EXPECT_EQ(500u, values[1].Value.MVszW.cValues);
+    EXPECT_EQ(500u, values[2].Value.MVszW.cValues);
+    EXPECT_STREQ(L"SMTP", values[2].Value.MVszW.lppszW[499]);
+}
