@@ -1,6 +1,6 @@
 #include "outlook/contacts/OutlookAddressGroupTable.h"
 
-#include "outlook/contacts/ContactValues.h"
+#include "outlook/contacts/ContactFields.h"
 #include "outlook/contacts/GroupMembers.h"
 #include "outlook/store/NamedTags.h"
 #include "platform/Bstr.h"
