@@ -11,19 +11,9 @@ PropertyMap AddressBookState::Read(const PropertySelection&)
     return properties;
 }
 
-HRESULT AddressBookState::Change(PropertyChanges)
-{
-    return MAPI_E_NO_ACCESS;
-}
-
 bool AddressBookState::IsComputed(std::uint16_t id) const
 {
     return id == PROP_ID(PR_OBJECT_TYPE);
-}
-
-HRESULT AddressBookState::Save(ULONG)
-{
-    return S_OK;
 }
 
 STDMETHODIMP AddressBook::OpenEntry(ULONG entryIdBytes,

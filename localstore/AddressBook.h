@@ -5,20 +5,18 @@
 #include "localstore/StoreObject.h"
 
 // The book has no properties but its type.
-class AddressBookState : public StoredObject
+class AddressBookState : public FixedObject
 {
   public:
     explicit AddressBookState(std::shared_ptr<BookSession> session)
-        : StoredObject(session, false), m_session(std::move(session))
+        : FixedObject(session), m_session(std::move(session))
     {
     }
 
     BookSession& Book() const noexcept { return *m_session; }
 
     PropertyMap Read(const PropertySelection& selection) override;
-    HRESULT Change(PropertyChanges changes) override;
     bool IsComputed(std::uint16_t id) const override;
-    HRESULT Save(ULONG flags) override;
 
   private:
     const std::shared_ptr<BookSession> m_session;

@@ -26,14 +26,31 @@ bool IsProgramFile(const std::wstring& path)
            !(attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_SYSTEM));
 }
 
-std::wstring FindClientProgram(const std::wstring& home)
+bool FindProductFiles(const std::wstring& home,
+                      const wchar_t* library,
+                      ProductFiles& files,
+                      std::wstring& reason)
 {
+    files.library = home + library;
+    if (!IsProgramFile(files.library))
+    {
+        reason = files.library + L" is missing: pimstore.exe must lie beside it.";
+        return false;
+    }
     for (const wchar_t* name : kPrograms)
     {
-        if (IsProgramFile(home + name))
-            return home + name;
+        if (!IsProgramFile(home + name))
+            continue;
+        files.command = L"\"" + home + name + L"\"";
+        return true;
     }
-    return {};
+    reason = L"Neither pim.exe nor pimstore.exe is in " + home + L".";
+    return false;
+}
+
+std::wstring TooLongReason(const std::wstring& path)
+{
+    return L"The path " + path + L" is too long: move the product to a shorter one.";
 }
 
 bool PlanBook(const std::wstring& home,
@@ -41,25 +58,15 @@ bool PlanBook(const std::wstring& home,
               ComponentPlan& plan,
               std::wstring& reason)
 {
-    const std::wstring library = home + kBookLibrary;
-    if (!IsProgramFile(library))
+    ProductFiles files;
+    if (!FindProductFiles(home, kBookLibrary, files, reason))
+        return false;
+    if (files.library.size() > kLongestClientText || files.command.size() > kLongestClientText)
     {
-        reason = library + L" is missing: pimstore.exe must lie beside it.";
+        reason = TooLongReason(home);
         return false;
     }
-    const std::wstring program = FindClientProgram(home);
-    if (program.empty())
-    {
-        reason = L"Neither pim.exe nor pimstore.exe is in " + home + L".";
-        return false;
-    }
-    const std::wstring command = L"\"" + program + L"\"";
-    if (library.size() > kLongestClientText || command.size() > kLongestClientText)
-    {
-        reason = L"The path " + home + L" is too long: move the product to a shorter one.";
-        return false;
-    }
-    if (!ExpandsToItself(library))
+    if (!ExpandsToItself(files.library))
     {
         reason = L"The path " + home +
                  L" holds the name of an environment variable between percent signs: move the "
@@ -72,9 +79,9 @@ bool PlanBook(const std::wstring& home,
     plan.component = kBookComponent;
     plan.home = home;
     plan.values = {
-        {kBookLibraryKey, L"", library, WhenTaken::Refuse},
-        {clients + kWindowsMail + kOpenCommand, L"", command, WhenTaken::Refuse},
-        {clients + kOutlookExpress + kOpenCommand, L"", command, WhenTaken::Refuse},
+        {kBookLibraryKey, L"", files.library, WhenTaken::Refuse},
+        {clients + kWindowsMail + kOpenCommand, L"", files.command, WhenTaken::Refuse},
+        {clients + kOutlookExpress + kOpenCommand, L"", files.command, WhenTaken::Refuse},
         // Only where there is no default: an existing one is never changed.
         {kMailClients, L"", kWindowsMail, WhenTaken::Leave},
     };

@@ -19,9 +19,21 @@ inline constexpr size_t kLongestClientText = 259;
 // A file as the discovery takes it for a program: no folder and no system file.
 bool IsProgramFile(const std::wstring& path);
 
-// What the clients' open command starts: the first program of the product that is in the folder.
-// Empty where none is.
-std::wstring FindClientProgram(const std::wstring& home);
+// What a component needs of the product in its folder (with its trailing backslash).
+struct ProductFiles
+{
+    std::wstring library;
+    std::wstring command; // the clients' open command: the first program of the product, in quotes
+};
+
+// False, and the reason in words, where one of them is missing.
+bool FindProductFiles(const std::wstring& home,
+                      const wchar_t* library,
+                      ProductFiles& files,
+                      std::wstring& reason);
+
+// What to say of a path that the discovery cannot read.
+std::wstring TooLongReason(const std::wstring& path);
 
 // The plan for the product in that folder (with its trailing backslash), for the user with that
 // folder of local application data. False, and the reason in words, where the files are missing or

@@ -36,19 +36,9 @@ PropertyMap BookContainerState::Read(const PropertySelection& selection)
     return properties;
 }
 
-HRESULT BookContainerState::Change(PropertyChanges)
-{
-    return MAPI_E_NO_ACCESS;
-}
-
 bool BookContainerState::IsComputed(std::uint16_t id) const
 {
     return IsComputedOfBookContainer(id);
-}
-
-HRESULT BookContainerState::Save(ULONG)
-{
-    return S_OK;
 }
 
 HRESULT BookContainer::Open(const std::shared_ptr<BookSession>& session,

@@ -5,7 +5,7 @@
 #include "localstore/BookList.h"
 #include "localstore/BookSession.h"
 
-class BookContainerState : public StoredObject
+class BookContainerState : public FixedObject
 {
   public:
     // mayWrite: whether entries may be made and deleted.
@@ -13,7 +13,7 @@ class BookContainerState : public StoredObject
                        std::int64_t id,
                        BookRole role,
                        bool mayWrite)
-        : StoredObject(session, false), m_session(std::move(session)), m_id(id), m_role(role),
+        : FixedObject(session), m_session(std::move(session)), m_id(id), m_role(role),
           m_mayWrite(mayWrite)
     {
     }
@@ -24,9 +24,7 @@ class BookContainerState : public StoredObject
     BookRole Role() const noexcept { return m_role; }
 
     PropertyMap Read(const PropertySelection& selection) override;
-    HRESULT Change(PropertyChanges changes) override;
     bool IsComputed(std::uint16_t id) const override;
-    HRESULT Save(ULONG flags) override;
 
   private:
     const std::shared_ptr<BookSession> m_session;

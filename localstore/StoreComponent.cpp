@@ -23,25 +23,14 @@ bool PlanStore(const std::wstring& home,
                ComponentPlan& plan,
                std::wstring& reason)
 {
-    const std::wstring library = home + kStoreLibrary;
-    if (!IsProgramFile(library))
-    {
-        reason = library + L" is missing: pimstore.exe must lie beside it.";
+    ProductFiles files;
+    if (!FindProductFiles(home, kStoreLibrary, files, reason))
         return false;
-    }
-    const std::wstring program = FindClientProgram(home);
-    if (program.empty())
-    {
-        reason = L"Neither pim.exe nor pimstore.exe is in " + home + L".";
-        return false;
-    }
-    const std::wstring command = L"\"" + program + L"\"";
     const std::wstring folder = programFiles + kLibraryFolder;
     const std::wstring path = folder + kLibraryName;
-    if (command.size() > kLongestClientText || path.size() > kLongestClientText)
+    if (files.command.size() > kLongestClientText || path.size() > kLongestClientText)
     {
-        reason = L"The path " + (command.size() > kLongestClientText ? home : programFiles) +
-                 L" is too long: move the product to a shorter one.";
+        reason = TooLongReason(files.command.size() > kLongestClientText ? home : programFiles);
         return false;
     }
     plan = {};
@@ -54,11 +43,11 @@ bool PlanStore(const std::wstring& home,
          L"",
          WhenTaken::Refuse,
          {std::begin(kApplication), std::end(kApplication)}},
-        {std::wstring(kOutlookClientKey) + kOpenCommand, L"", command, WhenTaken::Refuse},
+        {std::wstring(kOutlookClientKey) + kOpenCommand, L"", files.command, WhenTaken::Refuse},
         // Only where there is no default: an existing one is never changed.
         {kMailClients, L"", kMicrosoftOutlook, WhenTaken::Leave},
     };
     plan.folders = {folder};
-    plan.files = {{library, path}};
+    plan.files = {{files.library, path}};
     return true;
 }

@@ -13,19 +13,9 @@ PropertyMap IdentityState::Read(const PropertySelection& selection)
     return properties;
 }
 
-HRESULT IdentityState::Change(PropertyChanges)
-{
-    return MAPI_E_NO_ACCESS;
-}
-
 bool IdentityState::IsComputed(std::uint16_t id) const
 {
     return IsComputedOfIdentity(id);
-}
-
-HRESULT IdentityState::Save(ULONG)
-{
-    return S_OK;
 }
 
 HRESULT StoreIdentity::Open(std::shared_ptr<StoreSession> session,

@@ -3,18 +3,16 @@
 
 #include "localstore/StoreObject.h"
 
-class IdentityState : public StoredObject
+class IdentityState : public FixedObject
 {
   public:
     IdentityState(std::shared_ptr<StoreSession> session, Bytes entryId)
-        : StoredObject(std::move(session), false), m_entryId(std::move(entryId))
+        : FixedObject(std::move(session)), m_entryId(std::move(entryId))
     {
     }
 
     PropertyMap Read(const PropertySelection& selection) override;
-    HRESULT Change(PropertyChanges changes) override;
     bool IsComputed(std::uint16_t id) const override;
-    HRESULT Save(ULONG flags) override;
 
   private:
     const Bytes m_entryId;

@@ -58,6 +58,19 @@ class StoredObject
     bool m_writable;
 };
 
+// An object whose properties no caller changes.
+class FixedObject : public StoredObject
+{
+  public:
+    explicit FixedObject(std::shared_ptr<StoreSession> session)
+        : StoredObject(std::move(session), false)
+    {
+    }
+
+    HRESULT Change(PropertyChanges) override { return MAPI_E_NO_ACCESS; }
+    HRESULT Save(ULONG) override { return S_OK; }
+};
+
 // The bodies of IMAPIProp over an open object. They take the lock.
 HRESULT GetObjectProps(
     StoredObject& object, SPropTagArray* tagArray, ULONG flags, ULONG* count, SPropValue** values);

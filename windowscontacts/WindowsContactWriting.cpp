@@ -117,7 +117,7 @@ class Writer
         UniqueSafeArray array;
         if (FAILED(m_contact.get_Emails(array.Put())))
             return;
-        const std::vector<std::wstring> addresses = TextsOf(array.Get());
+        const std::vector<std::wstring> addresses = TextsIn(array.Get());
         if (addresses.empty())
             return;
         m_values.AddTexts(WindowsContactTag(kEmails), addresses);

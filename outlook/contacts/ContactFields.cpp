@@ -83,7 +83,7 @@ bool ToFileTime(DATE date, FILETIME& time)
     return DateToSystemTime(date, calendar) && SystemTimeToFileTime(&calendar, &time);
 }
 
-std::vector<std::wstring> TextsOf(SAFEARRAY* array)
+std::vector<std::wstring> TextsIn(SAFEARRAY* array)
 {
     VARTYPE type = VT_EMPTY;
     if (!array || SafeArrayGetDim(array) != 1 || FAILED(SafeArrayGetVartype(array, &type)) ||

@@ -60,7 +60,7 @@ using ContactTextGet = HRESULT (STDMETHODCALLTYPE INContactItem::*)(BSTR*);
 std::wstring TextIn(INContactItem& contact, ContactTextGet get);
 std::wstring PhoneIn(INContactItem& contact, _tagNPhoneNumberType type);
 // The texts of a one-dimensional array of them; empty for anything else.
-std::vector<std::wstring> TextsOf(SAFEARRAY* array);
+std::vector<std::wstring> TextsIn(SAFEARRAY* array);
 
 // Whether a DATE stands for a day at all.
 // Kept as it is: the limits differ. Pinned by ContactWritingTest and WindowsContactWritingTest.

@@ -142,7 +142,7 @@ class Writer
         UniqueSafeArray array;
         if (FAILED(m_contact.get_Emails(array.Put())))
             return;
-        AddContactEmails(m_values, TextsOf(array.Get()), m_displayName, m_tags);
+        AddContactEmails(m_values, TextsIn(array.Get()), m_displayName, m_tags);
     }
 
     void AddAddresses()
@@ -245,7 +245,7 @@ class Writer
         UniqueSafeArray array;
         if (FAILED(m_contact.get_CategoryIDs(array.Put())))
             return;
-        const std::vector<std::wstring> names = TextsOf(array.Get());
+        const std::vector<std::wstring> names = TextsIn(array.Get());
         if (names.empty())
             return;
         const ULONG tag = FindKeywordsTag(m_target.container, m_target.proxy);

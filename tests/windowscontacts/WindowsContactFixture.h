@@ -6,6 +6,7 @@
 #include "outlook/store/WAPProxcy.h"
 #include "platform/Bstr.h"
 #include "service/ItemAccess.h"
+#include "service/TextConversions.h"
 #include "support/ScopedRegistryValue.h"
 #include "support/ScratchDirectory.h"
 #include "tests/outlook/store/TableFixture.h"
@@ -120,7 +121,7 @@ class WindowsContactTest : public testing::Test
     void AddContact(const char* name, const StoreProps& props = {}, DATE utcModified = kFirstDay)
     {
         store.AddBookEntry(name, props);
-        store.SetEntryId(name, MarkedID(std::wstring(name, name + std::strlen(name))));
+        store.SetEntryId(name, MarkedID(WideFromUtf8(name)));
         store.SetTimes(name, FileTimeOf(utcModified), FileTimeOf(utcModified));
     }
 

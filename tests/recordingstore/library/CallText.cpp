@@ -187,6 +187,9 @@ std::string InterfaceText(LPCIID interfaceId)
         {&IID_IMsgStore, "IMsgStore"},
         {&IID_IMAPISession, "IMAPISession"},
         {&IID_IMailUser, "IMailUser"},
+        {&IID_IAddrBook, "IAddrBook"},
+        {&IID_IABContainer, "IABContainer"},
+        {&IID_IDistList, "IDistList"},
     };
     if (!interfaceId)
         return "null";
