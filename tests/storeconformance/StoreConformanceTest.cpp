@@ -8,6 +8,52 @@ constexpr ULONG kContactFolder = 0x36D10102;     // PR_IPM_CONTACT_ENTRYID
 constexpr ULONG kAppointmentFolder = 0x36D00102; // PR_IPM_APPOINTMENT_ENTRYID
 constexpr ULONG kWriteStore = 0x00000004;        // MDB_WRITE
 
+class MessagesOfFolder final : public ItemContainer
+{
+  public:
+    explicit MessagesOfFolder(Microsoft::WRL::ComPtr<IMAPIFolder> folder)
+        : m_folder(std::move(folder))
+    {
+    }
+    HRESULT Create(IMAPIProp** item) override
+    {
+        IMessage* message = nullptr;
+        const HRESULT result = m_folder->CreateMessage(nullptr, 0, &message);
+        *item = message;
+        return result;
+    }
+    HRESULT Delete(SBinaryArray* items) override
+    {
+        return m_folder->DeleteMessages(items, 0, nullptr, 0);
+    }
+    IMAPIContainer& Container() override { return *m_folder.Get(); }
+
+  private:
+    Microsoft::WRL::ComPtr<IMAPIFolder> m_folder;
+};
+
+class EntriesOfBook final : public ItemContainer
+{
+  public:
+    EntriesOfBook(Microsoft::WRL::ComPtr<IABContainer> container, EntryIdBytes userTemplate)
+        : m_container(std::move(container)), m_template(std::move(userTemplate))
+    {
+    }
+    HRESULT Create(IMAPIProp** item) override
+    {
+        return m_container->CreateEntry(static_cast<ULONG>(m_template.size()),
+                                        reinterpret_cast<LPENTRYID>(m_template.data()),
+                                        CREATE_REPLACE,
+                                        item);
+    }
+    HRESULT Delete(SBinaryArray* items) override { return m_container->DeleteEntries(items, 0); }
+    IMAPIContainer& Container() override { return *m_container.Get(); }
+
+  private:
+    Microsoft::WRL::ComPtr<IABContainer> m_container;
+    EntryIdBytes m_template;
+};
+
 template <typename Function> void Bind(HMODULE library, const char* name, Function*& function)
 {
     function = reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(library, name)));
@@ -15,13 +61,28 @@ template <typename Function> void Bind(HMODULE library, const char* name, Functi
 }
 } // namespace
 
+MapiFunctions::MapiFunctions(IWABObject* library)
+    : freeProws([library](LPSRowSet rows) {
+          for (ULONG i = 0; rows && i < rows->cRows; ++i)
+              library->FreeBuffer(rows->aRow[i].lpProps);
+          library->FreeBuffer(rows);
+      }),
+      freeBuffer(
+          [library](void* buffer) { return static_cast<ULONG>(library->FreeBuffer(buffer)); })
+{
+}
+
 MapiFunctions::MapiFunctions(HMODULE library)
 {
     Bind(library, "MAPIInitialize", initialize);
     Bind(library, "MAPIUninitialize", uninitialize);
     Bind(library, "MAPILogonEx", logonEx);
-    Bind(library, "FreeProws@4", freeProws);
-    Bind(library, "MAPIFreeBuffer", freeBuffer);
+    void(WINAPI * freeRowsEntry)(LPSRowSet) = nullptr;
+    Bind(library, "FreeProws@4", freeRowsEntry);
+    freeProws = freeRowsEntry;
+    MAPIFREEBUFFER* freeBufferEntry = nullptr;
+    Bind(library, "MAPIFreeBuffer", freeBufferEntry);
+    freeBuffer = freeBufferEntry;
     Bind(library, "MAPIAllocateBuffer", allocateBuffer);
     Bind(library, "MAPIAllocateMore", allocateMore);
     Bind(library, "WrapCompressedRTFStream", wrapCompressedRtfStream);
@@ -58,6 +119,33 @@ void StoreConformanceTest::SetUp()
     m_under = GetParam().make();
     m_library.Reset(LoadLibraryW(m_under->LibraryPath().c_str()));
     ASSERT_TRUE(m_library);
+    if (m_under->IsBook())
+        OpenBook();
+    else
+        OpenStore();
+}
+
+void StoreConformanceTest::OpenBook()
+{
+    auto* const open = reinterpret_cast<WABOPEN*>(
+        reinterpret_cast<void*>(GetProcAddress(m_library.Get(), "WABOpen")));
+    ASSERT_NE(nullptr, open);
+    Com<IAddrBook> book;
+    ASSERT_EQ(S_OK, open(book.GetAddressOf(), m_wab.GetAddressOf(), nullptr, 0));
+    m_mapi = std::make_unique<MapiFunctions>(m_wab.Get());
+    ULONG size = 0;
+    LPENTRYID id = nullptr;
+    ASSERT_EQ(S_OK, book->GetPAB(&size, &id));
+    const auto* const bytes = reinterpret_cast<const BYTE*>(id);
+    const auto container = OpenFrom<IABContainer>(book.Get(), EntryIdBytes(bytes, bytes + size), 0);
+    m_mapi->freeBuffer(id);
+    ASSERT_TRUE(container);
+    m_items = std::make_unique<EntriesOfBook>(container,
+                                              EntryIdOf(container.Get(), PR_DEF_CREATE_MAILUSER));
+}
+
+void StoreConformanceTest::OpenStore()
+{
     m_mapi = std::make_unique<MapiFunctions>(m_library.Get());
     if (HasFailure())
         return;
@@ -109,10 +197,13 @@ void StoreConformanceTest::OpenFolders()
     m_calendar = Open<IMAPIFolder>(EntryIdOf(m_inbox.Get(), kAppointmentFolder));
     ASSERT_TRUE(m_contacts);
     ASSERT_TRUE(m_calendar);
+    m_items = std::make_unique<MessagesOfFolder>(m_contacts);
 }
 
 void StoreConformanceTest::TearDown()
 {
+    m_items.reset();
+    m_wab.Reset();
     m_calendar.Reset();
     m_contacts.Reset();
     m_inbox.Reset();
@@ -179,6 +270,22 @@ StoreConformanceTest::Com<IMessage> StoreConformanceTest::NewMessage(const wchar
     return message;
 }
 
+StoreConformanceTest::Com<IMAPIProp> StoreConformanceTest::NewItem(const wchar_t* subject,
+                                                                   bool save)
+{
+    Com<IMAPIProp> item;
+    EXPECT_EQ(S_OK, m_items->Create(item.GetAddressOf()));
+    Set(item.Get(), {TextProp(PR_SUBJECT_W, subject)});
+    if (save)
+        Save(item.Get());
+    return item;
+}
+
+EntryIdBytes StoreConformanceTest::AddItem(const wchar_t* subject)
+{
+    return EntryIdOf(NewItem(subject).Get());
+}
+
 EntryIdBytes StoreConformanceTest::AddMessage(const wchar_t* subject)
 {
     return EntryIdOf(NewMessage(subject).Get());
@@ -187,7 +294,7 @@ EntryIdBytes StoreConformanceTest::AddMessage(const wchar_t* subject)
 StoreConformanceTest::Com<IMAPITable> StoreConformanceTest::Contents(ULONG flags)
 {
     Com<IMAPITable> table;
-    EXPECT_EQ(S_OK, m_contacts->GetContentsTable(flags, table.GetAddressOf()));
+    EXPECT_EQ(S_OK, m_items->Container().GetContentsTable(flags, table.GetAddressOf()));
     return table;
 }
 

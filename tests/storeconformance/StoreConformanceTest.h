@@ -1,6 +1,6 @@
-// Base of the conformance tests: a session and the usual folders of a new store, and short forms
-// of what each test does to messages and tables. Expected values come from the published rules of
-// the interfaces.
+// Base of the conformance tests: a session and the usual folders of a new store, or the personal
+// container of a new address book, and short forms of what each test does to items and tables.
+// Expected values come from the published rules of the interfaces.
 #pragma once
 
 #include "platform/UniqueHandle.h"
@@ -11,6 +11,7 @@
 
 #include <mapiguid.h>
 
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -18,16 +19,17 @@
 
 using EntryIdBytes = std::vector<BYTE>;
 
-// The functions of a store library.
+// The functions of a store library; of a book's there are the two that free.
 struct MapiFunctions
 {
     explicit MapiFunctions(HMODULE library);
+    explicit MapiFunctions(IWABObject* library);
 
     MAPIINITIALIZE* initialize;
     MAPIUNINITIALIZE* uninitialize;
     HRESULT(WINAPI* logonEx)(ULONG_PTR, LPWSTR, LPWSTR, ULONG, LPMAPISESSION*);
-    void(WINAPI* freeProws)(LPSRowSet);
-    MAPIFREEBUFFER* freeBuffer;
+    std::function<void(LPSRowSet)> freeProws;
+    std::function<ULONG(void*)> freeBuffer;
     MAPIALLOCATEBUFFER* allocateBuffer;
     MAPIALLOCATEMORE* allocateMore;
     HRESULT(WINAPI* wrapCompressedRtfStream)(IStream*, ULONG, IStream**);
@@ -54,6 +56,16 @@ class Tags
 SPropValue LongProp(ULONG tag, LONG number);
 SPropValue TextProp(ULONG tag, const wchar_t* text);
 SPropValue BinaryProp(ULONG tag, std::vector<BYTE>& bytes);
+
+// Where items are made, listed and deleted: messages of a folder, entries of a book.
+class ItemContainer
+{
+  public:
+    virtual ~ItemContainer() = default;
+    virtual HRESULT Create(IMAPIProp** item) = 0;
+    virtual HRESULT Delete(SBinaryArray* items) = 0;
+    virtual IMAPIContainer& Container() = 0;
+};
 
 class StoreConformanceTest : public testing::TestWithParam<StoreUnderTestFactory>
 {
@@ -111,6 +123,14 @@ class StoreConformanceTest : public testing::TestWithParam<StoreUnderTestFactory
         return reinterpret_cast<LPENTRYID>(bytes.data());
     }
 
+    // A new item with a subject, a message of the contact folder or an entry; saved where asked.
+    Com<IMAPIProp> NewItem(const wchar_t* subject, bool save = true);
+    // The same, given up; its entry ID.
+    EntryIdBytes AddItem(const wchar_t* subject);
+    Com<IMAPIProp> OpenItem(const EntryIdBytes& entryId, ULONG flags = MAPI_BEST_ACCESS)
+    {
+        return OpenFrom<IMAPIProp>(&m_items->Container(), entryId, flags);
+    }
     // A new message of the contact folder with a subject; saved where asked.
     Com<IMessage> NewMessage(const wchar_t* subject, bool save = true, ULONG flags = 0);
     // The same, given up; its entry ID.
@@ -132,9 +152,18 @@ class StoreConformanceTest : public testing::TestWithParam<StoreUnderTestFactory
     Com<IMAPIFolder> m_inbox;
     Com<IMAPIFolder> m_contacts;
     Com<IMAPIFolder> m_calendar;
+    std::unique_ptr<ItemContainer> m_items;
 
   private:
+    void OpenStore();
+    void OpenBook();
     void OpenDefaultStore();
     void OpenFolders();
     bool m_isInitialised = false;
+    Com<IWABObject> m_wab;
+};
+
+// Tests of items and their tables, which stores and address books have alike.
+class ItemConformanceTest : public StoreConformanceTest
+{
 };

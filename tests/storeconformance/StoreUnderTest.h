@@ -16,6 +16,10 @@ class StoreUnderTest
 
     // The MAPI library; loaded and initialised by the test.
     virtual std::wstring LibraryPath() const = 0;
+    // Whether it is an address book's library instead, with an empty personal container. Only what
+    // items and their tables do is asked of it: a book has no session, no folders, no attachments,
+    // and names for no properties.
+    virtual bool IsBook() const { return false; }
     // Called after the library was uninitialised: what is left behind, one complaint per line.
     virtual std::string Complaints() const { return {}; }
 };

@@ -41,15 +41,15 @@ std::vector<BYTE> DataFile(const std::string& name)
 }
 } // namespace
 
-TEST_P(StoreConformanceTest, StreamsReadWhatIsStored)
+TEST_P(ItemConformanceTest, StreamsReadWhatIsStored)
 {
     std::vector<BYTE> bytes(20);
     for (std::size_t i = 0; i < bytes.size(); ++i)
         bytes[i] = static_cast<BYTE>(i + 1);
-    const auto message = NewMessage(L"one", false);
+    const auto message = NewItem(L"one", false);
     Set(message.Get(), {BinaryProp(kBytes, bytes), TextProp(PR_BODY_W, L"ab")});
     Save(message.Get());
-    const auto reader = Open<IMessage>(EntryIdOf(message.Get()), 0);
+    const auto reader = OpenItem(EntryIdOf(message.Get()), 0);
 
     Com<IStream> stream;
     ASSERT_EQ(S_OK, OpenStream(reader.Get(), kBytes, 0, stream.GetAddressOf()));
@@ -76,9 +76,9 @@ TEST_P(StoreConformanceTest, StreamsReadWhatIsStored)
     EXPECT_THAT(std::vector<BYTE>(units.begin(), units.begin() + 4), ElementsAre('a', 0, 'b', 0));
 }
 
-TEST_P(StoreConformanceTest, AMissingPropertyIsNoStream)
+TEST_P(ItemConformanceTest, AMissingPropertyIsNoStream)
 {
-    const auto message = NewMessage(L"one");
+    const auto message = NewItem(L"one");
     Com<IStream> stream;
     EXPECT_EQ(MAPI_E_NOT_FOUND, OpenStream(message.Get(), kRtf, 0, stream.GetAddressOf()));
     EXPECT_FALSE(stream);
@@ -89,9 +89,9 @@ TEST_P(StoreConformanceTest, AMissingPropertyIsNoStream)
     EXPECT_FALSE(other);
 }
 
-TEST_P(StoreConformanceTest, StreamsWriteWithCommitAndSave)
+TEST_P(ItemConformanceTest, StreamsWriteWithCommitAndSave)
 {
-    const auto message = NewMessage(L"one");
+    const auto message = NewItem(L"one");
     const EntryIdBytes id = EntryIdOf(message.Get());
     Com<IStream> stream;
     ASSERT_EQ(S_OK,
@@ -106,7 +106,7 @@ TEST_P(StoreConformanceTest, StreamsWriteWithCommitAndSave)
     EXPECT_EQ(S_OK, stream->Commit(0));
     stream.Reset();
     const auto stored = [&] {
-        const auto reader = Open<IMessage>(id, 0);
+        const auto reader = OpenItem(id, 0);
         Com<IStream> again;
         OpenStream(reader.Get(), kBytes, 0, again.GetAddressOf());
         return ReadAll(again.Get());
@@ -125,9 +125,9 @@ TEST_P(StoreConformanceTest, StreamsWriteWithCommitAndSave)
     EXPECT_THAT(stored(), ElementsAre('x'));
 }
 
-TEST_P(StoreConformanceTest, OpensNoStreamForWritingOnAMessageForReading)
+TEST_P(ItemConformanceTest, OpensNoStreamForWritingOnAMessageForReading)
 {
-    const auto reader = Open<IMessage>(AddMessage(L"one"), 0);
+    const auto reader = OpenItem(AddItem(L"one"), 0);
     Com<IStream> stream;
     EXPECT_EQ(MAPI_E_NO_ACCESS,
               OpenStream(reader.Get(), kBytes, MAPI_CREATE | MAPI_MODIFY, stream.GetAddressOf()));

@@ -49,9 +49,9 @@ struct SortBy
 };
 } // namespace
 
-TEST_P(StoreConformanceTest, RowsHoldTheColumnsInTheirOrder)
+TEST_P(ItemConformanceTest, RowsHoldTheColumnsInTheirOrder)
 {
-    const EntryIdBytes id = AddMessage(L"one");
+    const EntryIdBytes id = AddItem(L"one");
     const auto table = Contents();
     const Rows rows = AllRows(table.Get(), {PR_SUBJECT_W, PR_GIVEN_NAME_W, PR_ENTRYID});
     ASSERT_EQ(1u, rows->cRows);
@@ -67,19 +67,19 @@ TEST_P(StoreConformanceTest, RowsHoldTheColumnsInTheirOrder)
     EXPECT_EQ(id, EntryIdBytes(row.lpb, row.lpb + row.cb));
 }
 
-TEST_P(StoreConformanceTest, ColumnsOfNarrowTextGiveNarrowText)
+TEST_P(ItemConformanceTest, ColumnsOfNarrowTextGiveNarrowText)
 {
-    AddMessage(L"one");
+    AddItem(L"one");
     const Rows rows = AllRows(Contents(0).Get(), {PR_SUBJECT_A});
     ASSERT_EQ(1u, rows->cRows);
     ASSERT_EQ(PR_SUBJECT_A, rows->aRow[0].lpProps[0].ulPropTag);
     EXPECT_STREQ("one", rows->aRow[0].lpProps[0].Value.lpszA);
 }
 
-TEST_P(StoreConformanceTest, ReadsOnFromWhereItStands)
+TEST_P(ItemConformanceTest, ReadsOnFromWhereItStands)
 {
     for (const wchar_t* const subject : {L"one", L"two", L"three"})
-        AddMessage(subject);
+        AddItem(subject);
     const auto table = Contents();
     ASSERT_EQ(S_OK, table->SetColumns(Tags({PR_SUBJECT_W}).Get(), 0));
     SortBy sort{{PR_SUBJECT_W, TABLE_SORT_ASCEND}};
@@ -115,7 +115,7 @@ TEST_P(StoreConformanceTest, ReadsOnFromWhereItStands)
     EXPECT_THAT(query(5), ElementsAre(L"two"));
 }
 
-TEST_P(StoreConformanceTest, AFolderWithoutMessagesGivesATableWithoutRows)
+TEST_P(ItemConformanceTest, AFolderWithoutMessagesGivesATableWithoutRows)
 {
     const auto table = Contents();
     ULONG count = 9;
@@ -126,12 +126,12 @@ TEST_P(StoreConformanceTest, AFolderWithoutMessagesGivesATableWithoutRows)
     EXPECT_EQ(0u, rows->cRows);
 }
 
-TEST_P(StoreConformanceTest, ShowsTheRowsThatARestrictionLetsThrough)
+TEST_P(ItemConformanceTest, ShowsTheRowsThatARestrictionLetsThrough)
 {
     LONG rank = 0;
     for (const wchar_t* const subject : {L"Ann", L"anne", L"Bert"})
     {
-        const auto message = NewMessage(subject, false);
+        const auto message = NewItem(subject, false);
         Set(message.Get(), {LongProp(kRank, ++rank)});
         if (rank == 3)
             Set(message.Get(), {TextProp(PR_GIVEN_NAME_W, L"B")});
@@ -178,7 +178,7 @@ TEST_P(StoreConformanceTest, ShowsTheRowsThatARestrictionLetsThrough)
     EXPECT_THAT(shown(nullptr), UnorderedElementsAre(L"Ann", L"anne", L"Bert"));
 }
 
-TEST_P(StoreConformanceTest, SortsByItsColumns)
+TEST_P(ItemConformanceTest, SortsByItsColumns)
 {
     const struct
     {
@@ -187,7 +187,7 @@ TEST_P(StoreConformanceTest, SortsByItsColumns)
     } rows[] = {{L"b", 1}, {L"a", 2}, {L"c", 1}};
     for (const auto& [subject, rank] : rows)
     {
-        const auto message = NewMessage(subject, false);
+        const auto message = NewItem(subject, false);
         Set(message.Get(), {LongProp(kRank, rank)});
         Save(message.Get());
     }
@@ -203,9 +203,9 @@ TEST_P(StoreConformanceTest, SortsByItsColumns)
     EXPECT_THAT(Column(table.Get(), PR_SUBJECT_W), ElementsAre(L"a", L"c", L"b"));
 }
 
-TEST_P(StoreConformanceTest, RefusesBrokenRestrictionsAndColumns)
+TEST_P(ItemConformanceTest, RefusesBrokenRestrictionsAndColumns)
 {
-    AddMessage(L"one");
+    AddItem(L"one");
     const auto table = Contents();
     EXPECT_TRUE(FAILED(table->SetColumns(nullptr, 0)));
     EXPECT_TRUE(FAILED(table->SetColumns(Tags({}).Get(), 0)));
