@@ -16,7 +16,7 @@ using Calendar = ItemCollection<AppointmentKind>;
 using Finder = ItemFinder<AppointmentKind>;
 
 // Compares what was asked for with what the store holds now.
-WriteResult CheckStored(const Calendar& calendar,
+WriteResult CheckStored(Calendar& calendar,
                         const std::wstring& id,
                         const Appointment& before,
                         const Appointment& wanted)
@@ -72,7 +72,7 @@ int AddAppointment(const Context& context)
     Appointment wanted;
     CheckOptions(MakeItem(context.command.item, context.zone, wanted));
     const Server server;
-    const Calendar calendar(server, context.command.provider);
+    Calendar calendar(server, context.command.provider);
     const auto item = calendar.NewItem();
     PutChanges(item.Get(), Appointment(), wanted);
     const std::wstring id = calendar.Add(item.Get());
@@ -82,7 +82,7 @@ int AddAppointment(const Context& context)
 int UpdateAppointment(const Context& context)
 {
     const Server server;
-    const Calendar calendar(server, context.command.provider);
+    Calendar calendar(server, context.command.provider);
     const auto found = Finder(calendar, context.errors).Find(context.command.ids.front());
     const Appointment before = ReadAppointment(found.item.Get(), ReadFields::All);
     Appointment wanted = before;

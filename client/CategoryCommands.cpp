@@ -46,7 +46,7 @@ Category ReadCategory(INEntityItem* item)
 
 // The item of that ID after a reload. Stores that keep names alone give new IDs with each reload,
 // so that the name is looked for too.
-ComPtr<INEntityItem> FindAgain(const Categories& categories,
+ComPtr<INEntityItem> FindAgain(Categories& categories,
                                const std::wstring& id,
                                const std::wstring& name)
 {
@@ -60,7 +60,7 @@ ComPtr<INEntityItem> FindAgain(const Categories& categories,
     return found;
 }
 
-WriteResult CheckStored(const Categories& categories,
+WriteResult CheckStored(Categories& categories,
                         const std::wstring& id,
                         const std::wstring& name,
                         const std::optional<int>& color)
@@ -112,7 +112,7 @@ int AddCategory(const Context& context)
 {
     const Command& command = context.command;
     const Server server;
-    const Categories categories(server, command.provider);
+    Categories categories(server, command.provider);
     const auto item = categories.NewItem();
     const auto category = CategoryOf(item.Get());
     CheckPut(category->put_Name(Bstr(command.name).Get()), L"name");
@@ -127,7 +127,7 @@ int RenameCategory(const Context& context)
 {
     const std::wstring& name = context.command.name;
     const Server server;
-    const Categories categories(server, context.command.provider);
+    Categories categories(server, context.command.provider);
     const auto found =
         Finder(categories, context.errors, ReadName).Find(context.command.ids.front());
     CheckPut(CategoryOf(found.item.Get())->put_Name(Bstr(name).Get()), L"name");

@@ -46,7 +46,7 @@ std::vector<Contact> ReadWishes(const ContactOptions& options)
 }
 
 // Compares what was asked for with what the store holds now; the list was read again before.
-WriteResult CheckStored(const AddressBook& contacts,
+WriteResult CheckStored(AddressBook& contacts,
                         const std::wstring& id,
                         const Contact& before,
                         const Contact& wanted)
@@ -65,7 +65,7 @@ std::wstring AddContact(const AddressBook& contacts, const Contact& wish)
 
 // Adds the contacts of a file in their order. What was added before a failure stays, and is
 // printed.
-int AddAll(const Context& context, const AddressBook& contacts, const std::vector<Contact>& wishes)
+int AddAll(const Context& context, AddressBook& contacts, const std::vector<Contact>& wishes)
 {
     std::vector<std::wstring> ids;
     std::optional<Failure> failure;
@@ -152,7 +152,7 @@ int AddContacts(const Context& context)
 {
     const std::vector<Contact> wishes = ReadWishes(context.command.contact);
     const Server server;
-    const AddressBook contacts(server, context.command.provider);
+    AddressBook contacts(server, context.command.provider);
     if (context.command.contact.file)
         return AddAll(context, contacts, wishes);
     const std::wstring id = AddContact(contacts, wishes.front());
@@ -167,7 +167,7 @@ int UpdateContact(const Context& context)
         CheckOptions(L"An update takes a file of one contact, not of " +
                      std::to_wstring(wishes.size()) + L".");
     const Server server;
-    const AddressBook contacts(server, context.command.provider);
+    AddressBook contacts(server, context.command.provider);
     const auto found = Finder(contacts, context.errors).Find(context.command.ids.front());
     const Contact before = ReadContact(found.item.Get(), ReadFields::All, true);
     Contact wanted = before;

@@ -86,14 +86,19 @@ void PutName(INEntityItem* item, const std::wstring& name)
     CheckPut(GroupOf(item)->put_Name(Bstr(name).Get()), L"name");
 }
 
-WriteResult CheckName(const Groups& groups, const std::wstring& id, const std::wstring& wanted)
+// Looks for the group in the list: stores open by its ID also what they do not list as a group.
+WriteResult CheckName(Groups& groups, const std::wstring& id, const std::wstring& wanted)
 {
     groups.Reload();
-    const auto item = groups.Find(id);
+    std::optional<std::wstring> kept;
+    groups.Walk([&](INEntityItem* item) {
+        if (ReadItemId(item) == id)
+            kept = ReadName(item);
+    });
     WriteResult result{id, {}};
-    if (!item)
+    if (!kept)
         result.notKept.emplace_back(L"group");
-    else if (ReadName(item.Get()) != wanted)
+    else if (*kept != wanted)
         result.notKept.emplace_back(L"name");
     return result;
 }
@@ -138,7 +143,7 @@ int ShowGroup(const Context& context)
 int AddGroup(const Context& context)
 {
     const Server server;
-    const Groups groups(server, context.command.provider);
+    Groups groups(server, context.command.provider);
     const auto item = groups.NewItem();
     PutName(item.Get(), context.command.name);
     const std::wstring id = groups.Add(item.Get());
@@ -148,7 +153,7 @@ int AddGroup(const Context& context)
 int RenameGroup(const Context& context)
 {
     const Server server;
-    const Groups groups(server, context.command.provider);
+    Groups groups(server, context.command.provider);
     const auto found = Finder(groups, context.errors, ReadName).Find(context.command.ids.front());
     PutName(found.item.Get(), context.command.name);
     groups.Update(found.item.Get());

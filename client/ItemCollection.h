@@ -31,12 +31,10 @@ template <typename Kind> class ItemCollection
 
     ItemCollection(const Server& server, const std::optional<std::wstring>& provider)
     {
-        const auto open = [&](INPersonalInformationService* service) {
-            CheckDone(Kind::Open(service, m_items.ReleaseAndGetAddressOf()),
-                      std::wstring(L"The server did not open the ") + Kind::kWords.whole);
-            return m_items != nullptr;
-        };
-        m_session = std::make_unique<ProviderSession>(server, provider, Kind::kWords.whole, open);
+        m_session = std::make_unique<ProviderSession>(
+            server, provider, Kind::kWords.whole, [&](INPersonalInformationService* service) {
+                return Open(service);
+            });
     }
     ItemCollection(const ItemCollection&) = delete;
     ItemCollection& operator=(const ItemCollection&) = delete;
@@ -119,14 +117,24 @@ template <typename Kind> class ItemCollection
         return SUCCEEDED(result);
     }
 
-    // Reads the store again, for what was changed to show.
-    void Reload() const
+    // Reads the store again, for what was changed to show. The list is a new one then: one that is
+    // read again keeps what it listed before.
+    void Reload()
     {
-        CheckDone(m_items->Refresh(),
-                  std::wstring(L"The ") + Kind::kWords.whole + L" could not be read again");
+        if (!Open(m_session->Service()))
+            throw Failure{kExitFailed,
+                          std::wstring(L"The ") + Kind::kWords.whole +
+                              L" could not be read again: another program stopped the service."};
     }
 
   private:
+    bool Open(INPersonalInformationService* service)
+    {
+        CheckDone(Kind::Open(service, m_items.ReleaseAndGetAddressOf()),
+                  std::wstring(L"The server did not open the ") + Kind::kWords.whole);
+        return m_items != nullptr;
+    }
+
     void Rewind() const
     {
         VARIANT_BOOL done = VARIANT_FALSE;

@@ -31,6 +31,8 @@ class ProviderSession
     // The provider's name; absent where another client started the service and it cannot be told.
     const std::optional<std::wstring>& Name() const noexcept { return m_name; }
 
+    INPersonalInformationService* Service() const noexcept { return m_service.Get(); }
+
     // Whether it is Outlook; else the store is one of Windows.
     bool IsOutlook() const noexcept { return m_isOutlook; }
 
