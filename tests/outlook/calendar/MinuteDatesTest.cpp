@@ -25,10 +25,18 @@ TEST(MinuteDatesTest, GivesEveryTimeOfAColumn)
     for (const std::uint32_t timeOfDay : {0u, 1u, 570u, 601u, 1439u})
         for (std::uint32_t day = 0; day < 4'000'000'000u / kDay; day += 977)
             ExpectSame(dates, day * kDay + timeOfDay);
-    for (const std::uint32_t power : {0u, 1u, 1u << 14, 1u << 15, 1u << 16, 1u << 20})
-        for (std::uint32_t day = kZeroDate + power - 1; day <= kZeroDate + power + 1; ++day)
-            for (const std::uint32_t timeOfDay : {1439u, 570u, 570u})
-                ExpectSame(dates, day * kDay + timeOfDay);
+}
+
+TEST(MinuteDatesTest, GivesTheDaysBesideAChangeOfTheExponentEitherWay)
+{
+    MinuteDates dates;
+    for (int power = 0; power <= 20; ++power)
+        for (const std::uint32_t timeOfDay : {1u, 570u, 601u, 1439u})
+            for (const int day : {-2, -1, 0, 1, 0, -1, -2})
+            {
+                const std::uint32_t days = kZeroDate + (1u << power) + static_cast<unsigned>(day);
+                ExpectSame(dates, days * kDay + timeOfDay);
+            }
 }
 
 TEST(MinuteDatesTest, GivesTimesOfAnyOrder)

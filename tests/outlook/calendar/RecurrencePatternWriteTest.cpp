@@ -421,6 +421,25 @@ TEST(RecurrencePatternWriteTest, CountsBytesOfTheCodePageAndUnitsOfTheText)
     EXPECT_EQ(HexOf(expected.Bytes()), HexOf(blob));
 }
 
+// From 0x80 on a unit is no byte of a code page, also where it would fit into one.
+TEST(RecurrencePatternWriteTest, WritesUnitsBelow256InTheCodePage)
+{
+    _tagRecurringInfo record = DailyEvery(1);
+    record.arrDeletedInstance[0] = DateOf(2024, 3, 7);
+    PutInstance(record.arrModifiedInstance[0],
+                DateOf(2024, 3, 7),
+                DateOf(2024, 3, 7, 10, 0),
+                DateOf(2024, 3, 7, 11, 0),
+                DateOf(2024, 3, 7, 9, 30),
+                L"\x00A7",
+                L"\x007F");
+    std::vector<std::byte> blob;
+    ASSERT_EQ(CodecStatus::Ok, EncodeRecurrencePattern(record, {kTuesdayMorning, 60}, 932, blob));
+    BlobFields expected;
+    expected.U16(0x0011).U16(3).U16(2).Text("\x81\x98").U16(2).U16(1).Text("\x7F");
+    EXPECT_NE(std::string::npos, HexOf(blob).find(HexOf(expected.Bytes())));
+}
+
 TEST(RecurrencePatternWriteTest, WritesStartsThatNoFieldCanHold)
 {
     // What is no time counts as minute 0 of 1601, and month -1 less 1601 years.
