@@ -137,7 +137,7 @@ std::vector<ULONG> COutlookAddressTable::GetPropertyNames()
 void COutlookAddressTable::FillItem(INEntityItem& item, const PropertyView& values)
 {
     const ComPtr<INContactItem> contact = QueryItem<INContactItem>(&item);
-    if (!contact)
+    if (!contact || !m_pCurrentEntity || values.Count() == 0)
         return;
     PutContactValues(item, *contact.Get(), values, m_hasLocalDates, ZoneBiasDays());
     ReadPicture();

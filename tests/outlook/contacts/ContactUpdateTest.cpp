@@ -358,6 +358,7 @@ class OpenTableForRows : public COutlookAddressTable
 {
   public:
     using COutlookAddressTable::COutlookAddressTable;
+    using COutlookAddressTable::FillItem;
     using COutlookAddressTable::m_pCurrentEntity;
     using COutlookAddressTable::m_pCurrentItem;
     using COutlookAddressTable::PrepareEntity;
@@ -406,10 +407,27 @@ TEST_F(ContactUpdateTest, ARowOfAPictureCanBeFilled)
     EXPECT_EQ(TRUE, goesOn);
 }
 
-TEST_F(ContactUpdateTest, WithoutAnOpenMessageThereIsNothingToPrepare)
+TEST_F(ContactUpdateTest, WithoutAnOpenMessageThereIsNothingToPrepareOrFill)
 {
     Open();
     OpenTableForRows rows(folder.Get(), session->Helper(), {});
     EXPECT_FALSE(rows.PrepareEntity());
+    const auto contact = ContactOf({});
+    const auto item = QueryItem<INEntityItem>(contact.Get());
+    SPropValue name = {};
+    name.ulPropTag = 0x3A06001F;
+    name.Value.lpszW = const_cast<wchar_t*>(L"Ann");
+    SPropValue values[] = {name, name};
+    rows.FillItem(*item.Get(), PropertyView(2, values));
+    EXPECT_THAT(TextOfContact(contact.Get()), IsEmpty());
     EXPECT_THAT(store.Calls(), IsEmpty());
+    // Nor without values.
+    AddContact("ann", "contacts");
+    rows.m_pCurrentEntity = OpenMessage("ann").Get();
+    store.ClearRecord();
+    rows.FillItem(*item.Get(), PropertyView(2, nullptr));
+    EXPECT_THAT(TextOfContact(contact.Get()), IsEmpty());
+    EXPECT_THAT(store.Calls(), IsEmpty());
+    rows.FillItem(*item.Get(), PropertyView(2, values));
+    EXPECT_THAT(TextOfContact(contact.Get()), ElementsAre("FirstName \"Ann\""));
 }
