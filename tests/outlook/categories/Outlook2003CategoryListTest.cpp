@@ -318,18 +318,10 @@ TEST_F(Outlook2003CategoryListTest, WithoutOutlooksKeyWritesGoElsewhereAndAreNot
 
 namespace
 {
-// A category of a client's own, whose name calls the list again.
-class CallingCategory final : public INContactCategory
+// An object of a client's own, which the test keeps.
+template <typename Interface> class ClientObject : public Interface
 {
   public:
-    std::wstring name = L"Called";
-    std::function<void()> onName = [] {};
-
-    STDMETHODIMP QueryInterface(REFIID iid, void** result) override
-    {
-        *result = IsEqualGUID(iid, IID_INContactCategory) ? this : nullptr;
-        return *result ? S_OK : E_NOINTERFACE;
-    }
     STDMETHODIMP_(ULONG) AddRef() override { return 2; }
     STDMETHODIMP_(ULONG) Release() override { return 1; }
     STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
@@ -342,6 +334,20 @@ class CallingCategory final : public INContactCategory
     Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override
     {
         return E_NOTIMPL;
+    }
+};
+
+// A category of a client's own, whose name calls the list again.
+class CallingCategory final : public ClientObject<INContactCategory>
+{
+  public:
+    std::wstring name = L"Called";
+    std::function<void()> onName = [] {};
+
+    STDMETHODIMP QueryInterface(REFIID iid, void** result) override
+    {
+        *result = IsEqualGUID(iid, IID_INContactCategory) ? this : nullptr;
+        return *result ? S_OK : E_NOINTERFACE;
     }
     STDMETHODIMP get_Name(BSTR* value) override
     {
@@ -357,7 +363,7 @@ class CallingCategory final : public INContactCategory
 };
 
 // Leads to a category for that interface alone.
-class CallingItem final : public INEntityItem
+class CallingItem final : public ClientObject<INEntityItem>
 {
   public:
     CallingCategory category;
@@ -370,19 +376,6 @@ class CallingItem final : public INEntityItem
                       ? static_cast<IUnknown*>(&category)
                       : static_cast<IUnknown*>(static_cast<INEntityItem*>(this));
         return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() override { return 2; }
-    STDMETHODIMP_(ULONG) Release() override { return 1; }
-    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP
-    Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override
-    {
-        return E_NOTIMPL;
     }
     STDMETHODIMP get_EntityID(BSTR* value) override
     {
