@@ -1,6 +1,7 @@
-// Every type of enumerator as a client of another process uses it: all objects come from the
-// server's factory, and items are walked, added, updated and deleted.
+// Every type of enumerator of every back end as a client of another process uses it: all objects
+// come from the server's factory, and items are walked, added, updated and deleted.
 #include "endtoend/CalendarClient.h"
+#include "endtoend/CalendarFolder.h"
 #include "endtoend/MessageStore.h"
 
 #include <gmock/gmock.h>
@@ -48,53 +49,51 @@ using ContactName =
 using AppointmentName =
     NameOf<INAppointment, &INAppointment::get_Subject, &INAppointment::put_Subject>;
 
+// What tells the items of a type.
+struct ItemName
+{
+    const CLSID& item;
+    std::wstring (*read)(INEntityItem*);
+    void (*write)(INEntityItem*, const wchar_t*);
+};
+const ItemName kCategory = {CLSID_NContactCategory, &CategoryName::Read, &CategoryName::Write};
+const ItemName kGroup = {CLSID_NContactGroup, &GroupName::Read, &GroupName::Write};
+const ItemName kContact = {CLSID_NContactItem, &ContactName::Read, &ContactName::Write};
+const ItemName kAppointment = {CLSID_NAppointment, &AppointmentName::Read, &AppointmentName::Write};
+
 struct Kind
 {
     const char* name;
+    const wchar_t* backEnd;
     _tagNEnumeratorType type;
-    const CLSID& item;
-    std::wstring (*readName)(INEntityItem*);
-    void (*writeName)(INEntityItem*, const wchar_t*);
-    const wchar_t* stored; // the name of the one item in the store
-    // Whether what was written is shown again by another enumerator. A group is not: it is stored
+    const ItemName& item;
+    const wchar_t* stored; // the name of the one item that there is
+    // Whether another enumerator shows what was written. It does not show a group: that is stored
     // under the class of an appointment.
     bool staysInTheList;
 };
 
+constexpr wchar_t kOutlook[] = L"Microsoft Outlook";
+
+// clang-format off
 const Kind kKinds[] = {
-    {"Category",
-     ContactCategory,
-     CLSID_NContactCategory,
-     &CategoryName::Read,
-     &CategoryName::Write,
-     L"Work",
-     true},
-    {"Group",
-     ContactGroup,
-     CLSID_NContactGroup,
-     &GroupName::Read,
-     &GroupName::Write,
-     L"Friends",
-     false},
-    {"Contact",
-     AddressBook,
-     CLSID_NContactItem,
-     &ContactName::Read,
-     &ContactName::Write,
-     L"Ann",
-     true},
-    {"Appointment",
-     Calendar,
-     CLSID_NAppointment,
-     &AppointmentName::Read,
-     &AppointmentName::Write,
-     L"Review",
-     true},
+    {"OutlookCategories",     kOutlook,        ContactCategory, kCategory,    L"Work",    true},
+    {"OutlookGroups",         kOutlook,        ContactGroup,    kGroup,       L"Friends", false},
+    {"OutlookContacts",       kOutlook,        AddressBook,     kContact,     L"Ann",     true},
+    {"OutlookAppointments",   kOutlook,        Calendar,        kAppointment, L"Review",  true},
+    {"ExpressContacts",       kOutlookExpress, AddressBook,     kContact,     L"Bea",     true},
+    {"WindowsMailContacts",   kWindowsMail,    AddressBook,     kContact,     L"Bea",     true},
+    {"WindowsMailCalendar",   kWindowsMail,    Calendar,        kAppointment, L"Task 1",  true},
 };
+// clang-format on
 
 // One item of each kind.
 constexpr char kContents[] =
-    R"({"format": "PimStoreBridge store", "version": 1, "identity": {}, "root": {"folders": [
+    R"({"format": "PimStoreBridge store", "version": 1, "identity": {}, "book": [
+        {"properties": [
+            {"tag": "PR_DISPLAY_NAME_W", "value": "Bea"},
+            {"tag": "0x3A06001F", "value": "Bea"}]}],
+        "root": {"folders": [
         {"name": "Contacts", "class": "IPF.Contact", "roles": ["contacts"], "messages": [
             {"properties": [
                 {"tag": "PR_MESSAGE_CLASS_W", "value": "IPM.Contact"},
@@ -119,16 +118,23 @@ class EveryEnumeratorTest : public testing::TestWithParam<Kind>
     static void SetUpTestSuite()
     {
         s_store = std::make_unique<MessageStore>(RecordArrays::LeftToTheRuntime);
+        s_folder = std::make_unique<CalendarFolder>();
     }
-    static void TearDownTestSuite() { s_store.reset(); }
+    static void TearDownTestSuite()
+    {
+        s_folder.reset();
+        s_store.reset();
+    }
     void SetUp() override
     {
         s_store->Load(kContents);
+        s_folder->Clear();
+        s_folder->Write(L"Work.ics", NumberedCalendar("Task", 1));
         factory = MakeInServer<INObjectFactory>(CLSID_NObjectFactory64);
         ASSERT_TRUE(factory);
         service = Make<INPersonalInformationService>(CLSID_NPersonalInformationService);
         ASSERT_TRUE(service);
-        ASSERT_EQ(S_OK, service->StartService(Bstr(L"Microsoft Outlook").Get()));
+        ASSERT_EQ(S_OK, service->StartService(Bstr(GetParam().backEnd).Get()));
     }
     void TearDown() override
     {
@@ -165,7 +171,7 @@ class EveryEnumeratorTest : public testing::TestWithParam<Kind>
         Texts names;
         ComPtr<INEntityItem> item;
         while (names.size() < 50 && enumerator.GetNextItem(item.ReleaseAndGetAddressOf()) == S_OK)
-            names.push_back(GetParam().readName(item.Get()));
+            names.push_back(GetParam().item.read(item.Get()));
         return names;
     }
     Texts WalkAnew() { return Walk(*Enumerator().Get()); }
@@ -179,6 +185,7 @@ class EveryEnumeratorTest : public testing::TestWithParam<Kind>
     }
 
     static inline std::unique_ptr<MessageStore> s_store;
+    static inline std::unique_ptr<CalendarFolder> s_folder;
     ComPtr<INObjectFactory> factory;
     ComPtr<INPersonalInformationService> service;
 };
@@ -191,32 +198,32 @@ TEST_P(EveryEnumeratorTest, WalksAddsUpdatesAndDeletes)
     ASSERT_TRUE(enumerator);
     EXPECT_THAT(Walk(*enumerator.Get()), ElementsAre(kind.stored));
 
-    const auto item = Make<INEntityItem>(kind.item);
+    const auto item = Make<INEntityItem>(kind.item.item);
     ASSERT_TRUE(item);
-    kind.writeName(item.Get(), L"Added \u65e5");
+    kind.item.write(item.Get(), L"Added \u65e5");
     Bstr id;
     ASSERT_EQ(S_OK, enumerator->AddItem(item.Get(), id.Put()));
     EXPECT_NE(0u, id.View().size());
-    EXPECT_EQ(StoredAnd(L"Added \u65e5"), WalkAnew());
-    EXPECT_THAT(Walk(*enumerator.Get()), ElementsAre(kind.stored, L"Added \u65e5"));
 
+    const auto another = Enumerator();
+    EXPECT_EQ(StoredAnd(L"Added \u65e5"), Walk(*another.Get()));
     VARIANT_BOOL done = VARIANT_FALSE;
-    EXPECT_EQ(S_OK, enumerator->ResetItem(&done));
+    EXPECT_EQ(S_OK, another->ResetItem(&done));
     ComPtr<INEntityItem> found;
-    ASSERT_EQ(S_OK, enumerator->GetItemByID(id.Get(), found.GetAddressOf()));
-    EXPECT_EQ(L"Added \u65e5", kind.readName(found.Get()));
-    kind.writeName(found.Get(), L"Changed");
-    EXPECT_EQ(S_OK, enumerator->UpdateItem(found.Get(), &done));
+    ASSERT_EQ(S_OK, another->GetItemByID(id.Get(), found.GetAddressOf()));
+    EXPECT_EQ(L"Added \u65e5", kind.item.read(found.Get()));
+    kind.item.write(found.Get(), L"Changed");
+    EXPECT_EQ(S_OK, another->UpdateItem(found.Get(), &done));
     EXPECT_EQ(VARIANT_TRUE, done);
     EXPECT_EQ(StoredAnd(L"Changed"), WalkAnew());
 
     done = VARIANT_FALSE;
-    EXPECT_EQ(S_OK, enumerator->DeleteItem(id.Get(), &done));
+    EXPECT_EQ(S_OK, another->DeleteItem(id.Get(), &done));
     EXPECT_EQ(VARIANT_TRUE, done);
     EXPECT_THAT(WalkAnew(), ElementsAre(kind.stored));
 }
 
-INSTANTIATE_TEST_SUITE_P(Outlook,
+INSTANTIATE_TEST_SUITE_P(BackEnds,
                          EveryEnumeratorTest,
                          testing::ValuesIn(kKinds),
                          [](const auto& tested) { return tested.param.name; });
