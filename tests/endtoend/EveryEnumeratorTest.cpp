@@ -227,3 +227,20 @@ INSTANTIATE_TEST_SUITE_P(BackEnds,
                          EveryEnumeratorTest,
                          testing::ValuesIn(kKinds),
                          [](const auto& tested) { return tested.param.name; });
+
+TEST(MissingEnumeratorTest, TheBackEndsOfWindowsHaveNoListsOfGroupsAndCategories)
+{
+    const CalendarFolder folder;
+    for (const wchar_t* backEnd : {kWindowsMail, kOutlookExpress})
+    {
+        const auto service = StartBackEnd(backEnd);
+        ASSERT_TRUE(service);
+        for (const _tagNEnumeratorType type : {ContactCategory, ContactGroup})
+        {
+            ComPtr<INEnumerator> enumerator;
+            EXPECT_EQ(S_OK, service->GetEnumerator(type, enumerator.GetAddressOf()));
+            EXPECT_FALSE(enumerator);
+        }
+        EXPECT_EQ(S_OK, service->StopService());
+    }
+}

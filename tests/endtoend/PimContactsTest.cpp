@@ -1,5 +1,6 @@
-// pim.exe on the contacts of the message store, from the command line through the server and the
-// provider into the store. What the store holds are the samples.
+// pim.exe on the contacts of the message store and of the address book, from the command line
+// through the server and the provider into the store. What the message store holds are the samples.
+#include "endtoend/CalendarFolder.h"
 #include "endtoend/MessageStore.h"
 #include "endtoend/PimProgram.h"
 #include "endtoend/StoreClient.h"
@@ -327,4 +328,38 @@ TEST_F(PimContactsTest, ListsRenamesAndDeletesCategories)
     EXPECT_EQ(Refused(L"categories rename Work Play", 4),
               "pim: There is no category with the ID or name \"Work\". pim categories list shows "
               "the IDs.\n");
+}
+
+TEST_F(PimContactsTest, KeepsContactsInTheWindowsAddressBook)
+{
+    const CalendarFolder withAddressBook;
+    for (const wchar_t* name : {L"Windows Mail", L"Outlook Express"})
+    {
+        const std::wstring provider = std::wstring(L"--provider \"") + name + L"\" ";
+        const std::string output = PimDone(
+            provider + L"contacts add --first-name Zoe --last-name Quist --company Acme "
+                       L"--email a@x --email b@x --phone mobile=1 --notes \"One note\" "
+                       L"--birthday 1984-06-12 --address home.city=Oslo --website http://z");
+        ASSERT_THAT(output, StartsWith("Added "));
+        const std::wstring id = Wide(output.substr(6, output.find('\n') - 6));
+        EXPECT_THAT(PimDone(provider + L"contacts show " + id),
+                    AllOf(StartsWith("First name:   Zoe\n"
+                                     "Last name:    Quist\n"
+                                     "Company:      Acme\n"
+                                     "Website:      http://z\n"
+                                     "E-mail:       a@x\n"
+                                     "E-mail:       b@x\n"
+                                     "Mobile:       1\n"
+                                     "Home address: Oslo\n"
+                                     "Birthday:     1984-06-12\n"),
+                          EndsWith("\nOne note\n")));
+        EXPECT_THAT(PimDone(provider + L"contacts list"),
+                    HasSubstr("Zoe Quist  Acme     a@x     1      "));
+        PimDone(provider + L"contacts update " + id + L" --company \"\" --phone home=2");
+        EXPECT_THAT(PimDone(provider + L"contacts show " + id),
+                    AllOf(Not(HasSubstr("Acme")), HasSubstr("Home phone:   2\n")));
+        PimDone(provider + L"contacts delete " + id);
+        EXPECT_EQ(PimDone(provider + L"contacts list"),
+                  "No contacts in " + std::string(name, name + wcslen(name)) + ".\n");
+    }
 }
