@@ -331,6 +331,16 @@ TEST_F(BookEntryTest, DeletesWhatItFindsOfAList)
     EXPECT_THAT(Names(), ElementsAre(L"three"));
 }
 
+TEST_F(BookEntryTest, TheRootDeletesNoEntriesOfThePersonalContainer)
+{
+    std::vector<BYTE> id = AddEntry(L"one");
+    SBinary element = {static_cast<ULONG>(id.size()), id.data()};
+    SBinaryArray list = {1, &element};
+    const ComPtr<IABContainer> root = OpenContainer(book.Get(), {});
+    EXPECT_EQ(MAPI_W_PARTIAL_COMPLETION, root->DeleteEntries(&list, 0));
+    EXPECT_THAT(Names(), ElementsAre(L"one"));
+}
+
 TEST_F(BookEntryTest, DeletingTakesTheValuesAlong)
 {
     const auto entry = NewEntry();
