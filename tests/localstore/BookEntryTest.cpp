@@ -216,6 +216,20 @@ TEST_F(BookEntryTest, ChangesWaitForTheirSaveAndTimesGoForward)
     EXPECT_EQ(after, Modified(OpenBy(id, 0).Get()));
 }
 
+TEST_F(BookEntryTest, ASaveIsLaterThanTheOneBeforeAlsoWhereTheClockIsBehind)
+{
+    const std::vector<BYTE> id = AddEntry(L"one");
+    constexpr std::int64_t kYear2100 = 157'469'184'000'000'000;
+    {
+        Database database = OpenStore(m_path);
+        database.Prepare("UPDATE book_entry SET modified = ?1").Bind(1, kYear2100).Run();
+    }
+    const auto writer = OpenBy(id, MAPI_MODIFY);
+    SetText(writer.Get(), PR_DISPLAY_NAME_W, L"two");
+    EXPECT_EQ(S_OK, writer->SaveChanges(FORCE_SAVE));
+    EXPECT_EQ(kYear2100 + 1, Modified(OpenBy(id, 0).Get()));
+}
+
 TEST_F(BookEntryTest, DeletedPropertiesAreGone)
 {
     const auto entry = NewEntry();
@@ -358,7 +372,9 @@ TEST_F(BookEntryTest, NewEntriesNeedOneOfTheTwoTemplates)
     std::vector<BYTE> list = Binary(container.Get(), PR_DEF_CREATE_DL);
     ASSERT_EQ(24u, user.size());
     ASSERT_EQ(24u, list.size());
-    EXPECT_NE(user, list);
+    // The type stands where every ID of the store has it.
+    EXPECT_EQ(MAPI_MAILUSER, user[6]);
+    EXPECT_EQ(MAPI_DISTLIST, list[6]);
     const auto create = [&](std::vector<BYTE>& id, ULONG flags, IABContainer* from) {
         IMAPIProp* entry = reinterpret_cast<IMAPIProp*>(1);
         const HRESULT result = from->CreateEntry(

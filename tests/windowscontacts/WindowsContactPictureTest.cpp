@@ -5,6 +5,7 @@
 #include "windowscontacts/PictureFolder.h"
 
 #include <aclapi.h>
+#include <sddl.h>
 
 #include <fstream>
 #include <regex>
@@ -58,27 +59,26 @@ class WindowsContactPictureTest : public WindowsContactTest
     ScratchDirectory files;
 };
 
-// Only for the folder's rights.
-bool TakesAllOfItsRightsFromItsParent(const std::wstring& path)
+// The rights of a folder in the system's own words.
+std::wstring RightsOf(std::wstring path)
 {
     PSECURITY_DESCRIPTOR descriptor = nullptr;
-    PACL list = nullptr;
-    std::wstring copy = path;
-    if (GetNamedSecurityInfoW(copy.data(),
+    if (GetNamedSecurityInfoW(path.data(),
                               SE_FILE_OBJECT,
                               DACL_SECURITY_INFORMATION,
                               nullptr,
                               nullptr,
-                              &list,
+                              nullptr,
                               nullptr,
                               &descriptor) != ERROR_SUCCESS)
-        return false;
-    SECURITY_DESCRIPTOR_CONTROL control = 0;
-    DWORD revision = 0;
-    GetSecurityDescriptorControl(descriptor, &control, &revision);
-    const bool isOpenToAll = !list;
+        return L"unknown";
+    wchar_t* text = nullptr;
+    ConvertSecurityDescriptorToStringSecurityDescriptorW(
+        descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text, nullptr);
+    const std::wstring rights = text ? text : L"unknown";
+    LocalFree(text);
     LocalFree(descriptor);
-    return !isOpenToAll && !(control & SE_DACL_PROTECTED);
+    return rights;
 }
 } // namespace
 
@@ -97,7 +97,11 @@ TEST_F(WindowsContactPictureTest, APictureIsCopiedIntoTheHiddenFolder)
     EXPECT_EQ("picture", Read(source)) << "the source stays";
     EXPECT_TRUE(IsHidden(ImageFolder()));
     EXPECT_FALSE(IsHidden(path));
-    EXPECT_TRUE(TakesAllOfItsRightsFromItsParent(ImageFolder()));
+    // The rights are those of any new folder there, not those of all the world.
+    const std::wstring plain = folder.File(L"plain");
+    std::filesystem::create_directory(plain);
+    EXPECT_EQ(RightsOf(plain), RightsOf(ImageFolder()));
+    EXPECT_NE(L"unknown", RightsOf(plain));
 }
 
 TEST_F(WindowsContactPictureTest, EachWriteMakesANewFile)
@@ -193,6 +197,7 @@ TEST_F(WindowsContactPictureTest, TheLogTellsThePathAndTheBytes)
     {
         DebugOutputCapture output;
         ValuesOf(WithPicture(source).Get());
+        ASSERT_EQ(1u, Images().size());
         const std::wstring path = Images().front();
         EXPECT_THAT(output.TakeLogMessages(),
                     ElementsAre("=====CreatePicturePath:" + std::string(path.begin(), path.end()),

@@ -316,6 +316,7 @@ TEST_F(WindowsMailProviderBookTest, TheClientsIdsGoBothWays)
     EXPECT_EQ(L"bob", CurrentID(*book));
     ComPtr<INContactItem> contact;
     book->GetCurrentContact(contact.GetAddressOf());
+    ASSERT_TRUE(contact);
     contact->put_FirstName(Bstr(L"Robert").Get());
     EXPECT_TRUE(book->UpdateContact(contact.Get()));
     EXPECT_THAT(store.PropsOf("bob"), testing::Contains("3A06001F \"Robert\""));
