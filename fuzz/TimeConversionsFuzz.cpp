@@ -48,6 +48,7 @@ double Ticks(const FILETIME& time)
 
 void CheckDate(DATE date)
 {
+    Require(DateToMinutes(date) == FileTimeToMinutes(DateToFileTime(date)));
     SYSTEMTIME time{};
     if (!DateToSystemTime(date, time))
     {
@@ -101,6 +102,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const DATE counted = MinutesToDate(minutesFrom1601);
     Require(std::fabs(PlainDays(counted) - (kFirstDay1601 + minutesFrom1601 / 1440.0)) <=
             kTolerance);
+    Require(DateToMinutes(counted) == minutesFrom1601);
 
     const int difference = DateDiffMinutes(date, other);
     const int reversed = DateDiffMinutes(other, date);
