@@ -18,7 +18,6 @@ using Microsoft::WRL::ComPtr;
 
 namespace
 {
-constexpr ULONG kSizes[] = {1'000, 10'000};
 constexpr ULONG kListColumns[] = {PR_ENTRYID, PR_MESSAGE_CLASS_W, PR_LAST_MODIFICATION_TIME};
 constexpr ULONG kIdentity[] = {PR_ENTRYID, PR_MESSAGE_CLASS_W};
 
@@ -61,9 +60,9 @@ std::string PropertiesOf(ULONG i)
 }
 
 // How many appointments came, each with its start.
-ULONG LoadAndWalk(BenchStore& store, IMAPIFolder& folder)
+ULONG LoadAndWalk(BenchStore& store, const ComPtr<IMAPIFolder>& folder)
 {
-    COutlookCalendarTable table(&folder, store.helper.get());
+    COutlookCalendarTable table(folder.Get(), store.helper.get());
     table.GetItemIDs();
     table.ResetItem();
     for (ULONG count = 0;; ++count)
@@ -89,15 +88,15 @@ void ReadBare(IMAPIFolder& folder, const SBinary& entryID, CNProxcy& proxy)
     ReadAndFree(message, kIdentity, proxy);
 }
 
-ULONG BareCalls(BenchStore& store, IMAPIFolder& folder)
+ULONG BareCalls(BenchStore& store, const ComPtr<IMAPIFolder>& folder)
 {
     CNProxcy& proxy = store.helper->Proxy();
     ComPtr<IMAPITable> table;
-    Require(folder.GetContentsTable(MAPI_UNICODE, table.GetAddressOf()), "contents");
+    Require(folder->GetContentsTable(MAPI_UNICODE, table.GetAddressOf()), "contents");
     const MapiRowSet rows = ReadRows(*table.Get(), kListColumns, proxy);
     for (ULONG i = 0; i < rows->cRows; ++i)
     {
-        ReadBare(folder, rows->aRow[i].lpProps[0].Value.bin, proxy);
+        ReadBare(*folder.Get(), rows->aRow[i].lpProps[0].Value.bin, proxy);
         CreateItem(CLSID_NAppointment);
     }
     return rows->cRows;
@@ -105,17 +104,7 @@ ULONG BareCalls(BenchStore& store, IMAPIFolder& folder)
 
 void MeasureAll(const ScratchDirectory& scratch)
 {
-    FillStore(scratch, {std::begin(kSizes), std::end(kSizes)}, PropertiesOf);
-    BenchStore store;
-    std::vector<FolderWork> works;
-    for (const ULONG size : kSizes)
-    {
-        const ComPtr<IMAPIFolder> folder = store.Folder(size);
-        works.push_back({size,
-                         [&store, folder] { return LoadAndWalk(store, *folder.Get()); },
-                         [&store, folder] { return BareCalls(store, *folder.Get()); }});
-    }
-    MeasureFolders("loading and walking", works, 1.5, 1.3);
+    MeasureWalks(scratch, {{1'000, 10'000}, PropertiesOf, LoadAndWalk, BareCalls, 1.3});
 }
 } // namespace
 

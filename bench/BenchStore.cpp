@@ -153,6 +153,22 @@ ComPtr<IMAPIFolder> BenchStore::Folder(ULONG count)
     return folder;
 }
 
+void MeasureWalks(const ScratchDirectory& scratch, const WalkBench& bench)
+{
+    constexpr double kMostBesideBare = 1.5;
+    FillStore(scratch, bench.sizes, bench.properties);
+    BenchStore store;
+    std::vector<FolderWork> works;
+    for (const ULONG size : bench.sizes)
+    {
+        const ComPtr<IMAPIFolder> folder = store.Folder(size);
+        works.push_back({size,
+                         [&store, &bench, folder] { return bench.own(store, folder); },
+                         [&store, &bench, folder] { return bench.bare(store, folder); }});
+    }
+    MeasureFolders("loading and walking", works, kMostBesideBare, bench.mostBesideFirst);
+}
+
 MapiRowSet ReadRows(IMAPITable& table, std::span<const ULONG> columns, CNProxcy& proxy)
 {
     TagArray wanted(columns);

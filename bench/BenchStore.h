@@ -48,6 +48,20 @@ class BenchStore
     Microsoft::WRL::ComPtr<IMAPIFolder> m_root;
 };
 
+// Fills the store and measures the loading and walking of each folder beside the bare calls of the
+// store that this cannot do without and one bare creation for each item; see MeasureFolders.
+struct WalkBench
+{
+    using Work = std::function<ULONG(BenchStore&, const Microsoft::WRL::ComPtr<IMAPIFolder>&)>;
+
+    std::vector<ULONG> sizes;
+    std::function<std::string(ULONG)> properties;
+    Work own;
+    Work bare;
+    double mostBesideFirst;
+};
+void MeasureWalks(const ScratchDirectory& scratch, const WalkBench& bench);
+
 // --- Bare calls, as the engine makes them ---
 
 MapiRowSet ReadRows(IMAPITable& table, std::span<const ULONG> columns, CNProxcy& proxy);
