@@ -3,6 +3,7 @@
 #include "endtoend/CalendarClient.h"
 #include "endtoend/CalendarFolder.h"
 #include "endtoend/MessageStore.h"
+#include "endtoend/PimProgram.h"
 #include "endtoend/StoreClient.h"
 #include "support/TestPaths.h"
 
@@ -28,22 +29,10 @@ class PimMessageStoreTest : public testing::Test
         s_folder.reset();
     }
 
-    static ProgramResult Pim(const std::wstring& arguments)
-    {
-        return RunAndRead(ProgramBeside(L"pim.exe") + L' ' + arguments);
-    }
-    // Runs a command that must do its work in silence on standard error, and gives its output.
-    static std::string Done(const std::wstring& arguments)
-    {
-        const ProgramResult result = Pim(arguments);
-        EXPECT_EQ(result.exitCode, 0u) << result.errors;
-        EXPECT_EQ(result.errors, "");
-        return result.output;
-    }
     // Runs a command that must fail, and gives what it says.
     static std::string Failed(const std::wstring& arguments)
     {
-        const ProgramResult result = Pim(arguments);
+        const ProgramResult result = RunPim(arguments);
         EXPECT_EQ(result.exitCode, 1u);
         EXPECT_EQ(result.output, "");
         return result.errors;
@@ -82,7 +71,7 @@ class OtherClient
 TEST_F(PimMessageStoreTest, TellsWhoTheMailUserIs)
 {
     // A text of several lines takes one in a table.
-    EXPECT_EQ(Done(L"whoami"),
+    EXPECT_EQ(PimDone(L"whoami"),
               "Account              ana\n"
               "Address type         EX\n"
               "Name                 Ana Mar\xC3\xAD"
@@ -95,7 +84,7 @@ TEST_F(PimMessageStoreTest, TellsWhoTheMailUserIs)
               "Office               3rd floor, north wing\n"
               "SMTP address         ana@harbour.example\n"
               "Name as transmitted  \xC3\x98sterg\xC3\xA5rd, Ana (Harbour) \xF0\x9F\x98\x80\n");
-    EXPECT_EQ(Done(L"whoami --json"),
+    EXPECT_EQ(PimDone(L"whoami --json"),
               "{\n"
               "  \"account\": \"ana\",\n"
               "  \"addressType\": \"EX\",\n"
@@ -116,7 +105,7 @@ TEST_F(PimMessageStoreTest, TellsWhoTheMailUserIs)
 TEST_F(PimMessageStoreTest, ListsTheContactFolders)
 {
     // East Asian letters and the face take two columns each.
-    EXPECT_EQ(Done(L"folders"),
+    EXPECT_EQ(PimDone(L"folders"),
               "FOLDER               ITEMS           ID\n"
               "Senders              0               "
               "0000000050530301F0000000000000000000000000000005\n"
@@ -126,7 +115,7 @@ TEST_F(PimMessageStoreTest, ListsTheContactFolders)
               "0000000050530301F000000000000000000000000000000A\n"
               "                     1               "
               "0000000050530301F000000000000000000000000000000C\n");
-    EXPECT_EQ(Done(L"--json folders"),
+    EXPECT_EQ(PimDone(L"--json folders"),
               "{\n"
               "  \"folders\": [\n"
               "    {\n"
@@ -157,15 +146,16 @@ TEST_F(PimMessageStoreTest, ListsTheContactFolders)
               "  ]\n"
               "}\n");
     // The other back ends have contacts, but no folders of them.
-    EXPECT_EQ(Done(L"--provider \"Windows Mail\" folders"), "No contact folders.\n");
-    EXPECT_EQ(Done(L"--provider \"outlook express\" folders --json"), "{\n  \"folders\": []\n}\n");
+    EXPECT_EQ(PimDone(L"--provider \"Windows Mail\" folders"), "No contact folders.\n");
+    EXPECT_EQ(PimDone(L"--provider \"outlook express\" folders --json"),
+              "{\n  \"folders\": []\n}\n");
 }
 
 TEST_F(PimMessageStoreTest, ListsTheMailClientsAndTheDefaultAmongThem)
 {
     // In the order of the registry's keys.
-    EXPECT_EQ(Done(L"providers"), "Microsoft Outlook  default\nOutlook Express\nWindows Mail\n");
-    EXPECT_EQ(Done(L"providers --json"),
+    EXPECT_EQ(PimDone(L"providers"), "Microsoft Outlook  default\nOutlook Express\nWindows Mail\n");
+    EXPECT_EQ(PimDone(L"providers --json"),
               "{\n"
               "  \"default\": \"Microsoft Outlook\",\n"
               "  \"providers\": [\n"
@@ -189,7 +179,7 @@ TEST_F(PimMessageStoreTest, ListsTheMailClientsAndTheDefaultAmongThem)
 
     ScopedRegistryValue defaultClient(HKEY_LOCAL_MACHINE, L"Software\\Clients\\Mail", L"");
     defaultClient.Set(L"Gone Mail");
-    EXPECT_EQ(Done(L"providers"),
+    EXPECT_EQ(PimDone(L"providers"),
               "Microsoft Outlook\nOutlook Express\nWindows Mail\n"
               "The default, Gone Mail, is not installed.\n");
     // Another mail program, which is there and which the server cannot start.
@@ -197,11 +187,11 @@ TEST_F(PimMessageStoreTest, ListsTheMailClientsAndTheDefaultAmongThem)
     ScopedRegistryValue other(HKEY_LOCAL_MACHINE, otherKey, L"");
     other.Set(ProgramBeside(L"pimstore.exe"));
     defaultClient.Set(L"other");
-    EXPECT_EQ(Done(L"providers"),
+    EXPECT_EQ(PimDone(L"providers"),
               "Microsoft Outlook\nOther              default, not supported\nOutlook Express\n"
               "Windows Mail\n");
     defaultClient.Remove();
-    EXPECT_EQ(Done(L"providers"),
+    EXPECT_EQ(PimDone(L"providers"),
               "Microsoft Outlook\nOther              not supported\nOutlook Express\n"
               "Windows Mail\n");
 }
@@ -238,8 +228,9 @@ TEST_F(PimMessageStoreTest, SaysThatThereIsNoOutlook)
 TEST_F(PimMessageStoreTest, LeavesTheServiceOfAnotherClientRunning)
 {
     OtherClient other(L"microsoft outlook");
-    EXPECT_THAT(Done(L"whoami"), testing::StartsWith("Account              ana\n"));
-    EXPECT_THAT(Done(L"--provider \"MICROSOFT OUTLOOK\" folders"), testing::HasSubstr("Contacts"));
+    EXPECT_THAT(PimDone(L"whoami"), testing::StartsWith("Account              ana\n"));
+    EXPECT_THAT(PimDone(L"--provider \"MICROSOFT OUTLOOK\" folders"),
+                testing::HasSubstr("Contacts"));
     EXPECT_EQ(Failed(L"--provider \"Windows Mail\" whoami"),
               "pim: Another program uses the server with another mail client than \"Windows "
               "Mail\". End that program and run the command again.\n");
@@ -248,9 +239,9 @@ TEST_F(PimMessageStoreTest, LeavesTheServiceOfAnotherClientRunning)
 
 TEST_F(PimMessageStoreTest, StopsTheServiceThatItStarted)
 {
-    Done(L"whoami");
+    PimDone(L"whoami");
     EXPECT_EQ(TakeSteps(L"user"), "user 00000000 none\n");
     Failed(L"--provider \"Windows Mail\" whoami");
-    EXPECT_EQ(Done(L"whoami --provider \"Microsoft Outlook\"").substr(0, 25),
+    EXPECT_EQ(PimDone(L"whoami --provider \"Microsoft Outlook\"").substr(0, 25),
               "Account              ana\n");
 }
