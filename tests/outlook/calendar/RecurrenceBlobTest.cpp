@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <string>
 #include <vector>
 
@@ -101,6 +102,108 @@ TEST_F(RecurrenceBlobTest, TakesTheStartOfAnAllDayAppointmentAsItStands)
     EXPECT_EQ(Built(), File("all_day"));
     item->allDay = 1; // anything but 0
     EXPECT_EQ(Built(), File("all_day"));
+}
+
+// Whole blobs, worked out field by field from the published format in zones without summer time.
+// The yearly one is what a mail client wrote for the same series, byte for byte.
+TEST_F(RecurrenceBlobTest, WritesSeriesOfEveryKindInZonesOfEitherSide)
+{
+    zones.rules[L"UTC"] = FixedRules(0);
+    zones.rules[L"Tokyo"] = FixedRules(-540);
+    zones.rules[L"Bogota"] = FixedRules(300);
+    struct Row
+    {
+        const wchar_t* zone;
+        DATE utcStart;
+        int minutes;
+        void (*set)(_tagRecurringInfo& rule);
+        const char* blob;
+    };
+    const Row rows[] = {
+        {L"UTC",
+         DateOf(2024, 3, 5, 9, 30),
+         60,
+         [](_tagRecurringInfo& rule) {
+             rule.eRecurType = Daily;
+             rule.tDaily.ulIntervalDay = 2;
+         },
+         "043004300A2000000000A0050000400B000000000000232000000A00000000000000000000000000"
+         "0000A01D440DDF80E95A06300000093000003A0200007602000000000000000000000000"},
+        {L"Tokyo",
+         DateOf(2024, 3, 4, 5, 0),
+         90,
+         [](_tagRecurringInfo& rule) {
+             rule.eRecurType = Weekly;
+             rule.tWeekly.ulIntervalWeek = 2;
+             SetWeekdays(rule.tWeekly.bValidWeekday, {1, 3});
+             rule.tEndInfo = {EndByCount, 0.0, 5};
+         },
+         "043004300B20010000002049000002000000000000000A0000002220000005000000000000000000"
+         "0000000000000018440D80B5440D063000000930000048030000A203000000000000000000000000"},
+        {L"Bogota",
+         DateOf(2024, 3, 15, 13, 0),
+         45,
+         [](_tagRecurringInfo& rule) {
+             rule.eRecurType = Monthly;
+             rule.tMonthly.ulIntervalMonth = 3;
+             rule.tMonthly.bIsByMonthDayMode = -1;
+             rule.tMonthly.lMonthDay = 15;
+             rule.tEndInfo = {EndByDate, DateOf(2024, 12, 15), 0};
+             rule.arrDeletedInstance[0] = DateOf(2024, 9, 15);
+             rule.arrDeletedInstance[1] = DateOf(2024, 6, 15);
+         },
+         "043004300C2002000000E04B010003000000000000000F000000212000000A000000000000000200"
+         "0000605B460DE060480D00000000E055440DC0604A0D0630000009300000E00100000D0200000000"
+         "0000000000000000"},
+        {L"Bogota",
+         DateOf(2018, 12, 25, 12, 0),
+         120,
+         [](_tagRecurringInfo& rule) {
+             rule.eRecurType = Yearly;
+             rule.tYearly.ulIntervalYear = 1;
+             rule.tYearly.bIsByMonthDayMode = -1;
+             rule.tYearly.lDay = 25;
+         },
+         "043004300D2002000000C05607000C0000000000000019000000232000000A000000000000000000"
+         "000000000000006F1A0DDF80E95A0630000009300000A40100001C02000000000000000000000000"},
+        {L"UTC",
+         DateOf(2024, 4, 9, 10, 0),
+         60,
+         [](_tagRecurringInfo& rule) {
+             rule.eRecurType = Monthly;
+             rule.tMonthly.ulIntervalMonth = 2;
+             rule.tMonthly.bIsByDayMode = -1;
+             rule.tMonthly.lNth = 2;
+             SetWeekdays(rule.tMonthly.bValidWeekday, {2});
+             rule.tEndInfo = {EndByCount, 0.0, 3};
+             rule.arrDeletedInstance[0] = DateOf(2024, 6, 11);
+             _tagModifiedInstanceInfo& moved = rule.arrModifiedInstance[0];
+             moved.dtModifiedDate = DateOf(2024, 6, 11);
+             moved.dtStartDateTime = DateOf(2024, 6, 12, 11, 0);
+             moved.dtEndDateTime = DateOf(2024, 6, 12, 12, 0);
+             moved.dtOriginalDateTime = DateOf(2024, 6, 11, 10, 0);
+             std::ranges::copy(std::wstring_view(L"Moved"), moved.szSubject);
+         },
+         "043004300C200300000060AE00000200000000000000040000000200000022200000030000000000"
+         "000001000000E044460D01000000E044460D80E2440D20F3480D0630000009300000580200009402"
+         "00000100144D460D504D460D3847460D1100060005004D6F76656401000000000000000400000000"
+         "00000000000000144D460D504D460D3847460D05004D006F00760065006400000000000000000000"
+         "00"},
+    };
+    for (const Row& row : rows)
+    {
+        item->texts["TimeZone"] = row.zone;
+        item->startTime = row.utcStart;
+        item->endTime = row.utcStart + row.minutes / 1440.0;
+        item->recurringInfo = NoRecurrence();
+        row.set(item->recurringInfo);
+        std::string built = Built();
+        std::erase(built, ' ');
+        std::ranges::transform(built, built.begin(), [](char digit) {
+            return static_cast<char>(std::toupper(static_cast<unsigned char>(digit)));
+        });
+        EXPECT_EQ(row.blob, built);
+    }
 }
 
 TEST_F(RecurrenceBlobTest, ReadsThePropertiesOnceAndPutsNone)
