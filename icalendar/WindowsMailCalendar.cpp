@@ -102,21 +102,6 @@ CalendarSources::CalendarSources()
 {
 }
 
-// Marks the table as in use. Changes ask first whether an outer call uses it.
-class CWindowsMailCalendar::Use
-{
-  public:
-    explicit Use(CWindowsMailCalendar& table) noexcept : m_table(table) { ++m_table.m_uses; }
-    ~Use() { --m_table.m_uses; }
-    Use(const Use&) = delete;
-    Use& operator=(const Use&) = delete;
-
-    bool IsNested() const noexcept { return m_table.m_uses > 1; }
-
-  private:
-    CWindowsMailCalendar& m_table;
-};
-
 CWindowsMailCalendar::CWindowsMailCalendar(std::wstring folder, CalendarSources sources)
     : m_folder(std::move(folder)), m_sources(std::move(sources)),
       m_recurringInfo(std::make_unique<_tagRecurringInfo>())
@@ -132,7 +117,7 @@ CWindowsMailCalendar::~CWindowsMailCalendar()
 
 void CWindowsMailCalendar::GetItemIDs()
 {
-    const Use use(*this);
+    const TableUse use(m_uses);
     if (use.IsNested())
         return;
     m_index.Clear();
@@ -221,7 +206,7 @@ void CWindowsMailCalendar::GetNextItem()
 
 void CWindowsMailCalendar::GetItemByID(const std::wstring& id)
 {
-    const Use use(*this);
+    const TableUse use(m_uses);
     const std::size_t live = FindAmongHandedOut(id);
     const std::size_t end = std::min(live, m_items.size());
     const std::size_t indexed = m_index.Find(id, m_position, [&](std::size_t position) {
@@ -281,7 +266,7 @@ void CWindowsMailCalendar::GetCurrentItem(INEntityItem** item)
 
 BOOL CWindowsMailCalendar::UpdateItem(INEntityItem* item)
 {
-    const Use use(*this);
+    const TableUse use(m_uses);
     if (!item || use.IsNested())
         return 0;
     const auto id = ReadText(*item, &INEntityItem::get_EntityID);
@@ -300,7 +285,7 @@ BOOL CWindowsMailCalendar::UpdateItem(INEntityItem* item)
 
 std::wstring CWindowsMailCalendar::AddItem(INEntityItem* item, std::wstring&)
 {
-    const Use use(*this);
+    const TableUse use(m_uses);
     if (!item || use.IsNested() || m_folder.empty())
         return {};
     std::wstring id = NewGuidText();
@@ -321,7 +306,7 @@ std::wstring CWindowsMailCalendar::AddItem(INEntityItem* item, std::wstring&)
 
 BOOL CWindowsMailCalendar::DeleteItem(const std::wstring& id)
 {
-    const Use use(*this);
+    const TableUse use(m_uses);
     if (use.IsNested())
         return 0;
     for (const auto& file : m_files)

@@ -10,6 +10,7 @@
 #include "icalendar/AppointmentMapping.h"
 #include "icalendar/CalendarFile.h"
 #include "service/ItemIndex.h"
+#include "service/TableUse.h"
 #include "service/Enumerator.h"
 
 #include <functional>
@@ -55,10 +56,6 @@ class CWindowsMailCalendar : public IEnumerator
     BOOL GetItemList(std::list<ItemEntry>& entries) override;
 
   private:
-    // A read property may be a client's own code that calls back into this table. What would change
-    // the list or a tree under a running operation does nothing and fails.
-    class Use;
-
     void ReadDefaultCalendarName();
     CCalendarFile* FindDefaultCalendarFile() const;
     void LoadFile(const std::wstring& name);
@@ -81,7 +78,7 @@ class CWindowsMailCalendar : public IEnumerator
     ItemIndex m_index;
     std::set<std::size_t> m_handedOut;
     std::size_t m_currentPosition = ItemIndex::kNotFound; // not found: of an earlier list, or none
-    int m_uses = 0;
+    int m_uses = 0; // for TableUse: a property that is read may be a client's own code
     // The record that goes into every item; only its head is ever written.
     std::unique_ptr<_tagRecurringInfo> m_recurringInfo;
 };

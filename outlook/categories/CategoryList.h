@@ -43,7 +43,8 @@ class CCategoryList : public IEnumerator
     // A cursor on the item goes to the next one.
     void Erase(std::size_t position);
     const std::vector<Item>& Items() const noexcept { return m_items; }
-    // The first item at or behind the start that has the ID now; ItemIndex::kNotFound.
+    // The first item at or behind the start that came with the ID and still has it; where there is
+    // none, the first that has it now. Else ItemIndex::kNotFound.
     std::size_t FindItem(const std::wstring& id, std::size_t start);
 
     Item m_pCurrentItem;

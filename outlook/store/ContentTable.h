@@ -16,6 +16,7 @@
 #include "platform/WindowsHeaders.h"
 #include "service/Callback.h"
 #include "service/Enumerator.h"
+#include "service/TableUse.h"
 
 #include "PimStoreBridge.h"
 
@@ -72,21 +73,12 @@ class CContentTable : public IEnumerator, public ICallback, public LiveObject
         kAfterUpdate = 30,    // the same
     };
 
-    // Marks the table as in use. A store may show a dialog and an item may be a client's own, and
-    // either can let another call in: while the table is in use, whatever would reload it, write,
-    // or open another item fails. Moving the cursor stays allowed.
-    class Use
+    // For one operation: while the table is in use, whatever would reload it, write, or open
+    // another item fails.
+    class Use : public TableUse
     {
       public:
-        explicit Use(CContentTable& table) noexcept : m_table(table) { ++m_table.m_uses; }
-        ~Use() { --m_table.m_uses; }
-        Use(const Use&) = delete;
-        Use& operator=(const Use&) = delete;
-
-        bool IsNested() const noexcept { return m_table.m_uses > 1; }
-
-      private:
-        CContentTable& m_table;
+        explicit Use(CContentTable& table) noexcept : TableUse(table.m_uses) {}
     };
 
     // --- Hooks. Those that reach the store run with a helper, m_pCurrentEntity as stated.
