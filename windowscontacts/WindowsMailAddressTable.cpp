@@ -116,7 +116,7 @@ std::vector<ULONG> CWindowsMailAddressTable::GetPropertyNames()
 void CWindowsMailAddressTable::FillItem(INEntityItem& item, const PropertyView& values)
 {
     const ComPtr<INContactItem> contact = QueryItem<INContactItem>(&item);
-    if (!contact)
+    if (!contact || !m_pHelper || values.Count() == 0)
         return;
     Bstr entryID;
     if (SUCCEEDED(contact->GetStringByIndex(kEntryIDIndex, entryID.Put())))

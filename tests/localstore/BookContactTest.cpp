@@ -243,6 +243,28 @@ TEST_F(BookContactTest, EnumeratorsWalkTheContactsToo)
     EXPECT_EQ(3, items);
 }
 
+TEST_F(BookContactTest, ThereAreNoGroups)
+{
+    Start(L"Windows Mail");
+    const auto book = OpenAddressBook();
+    VARIANT_BOOL done = VARIANT_TRUE;
+    EXPECT_EQ(E_FAIL, book->ResetGroup(&done));
+    ComPtr<INContactGroup> group;
+    EXPECT_EQ(E_FAIL, book->GetNextGroup(group.GetAddressOf()));
+    EXPECT_FALSE(group);
+    // A group to add goes to the contacts, which take none.
+    ASSERT_EQ(S_OK,
+              CoCreateInstance(CLSID_NContactGroup,
+                               nullptr,
+                               CLSCTX_ALL,
+                               IID_INContactGroup,
+                               reinterpret_cast<void**>(group.GetAddressOf())));
+    Bstr id;
+    EXPECT_EQ(E_FAIL, book->AddGroup(group.Get(), id.Put()));
+    EXPECT_EQ(E_FAIL, book->UpdateGroup(group.Get(), &done));
+    EXPECT_THAT(FirstNames(OpenAddressBook().Get()), IsEmpty());
+}
+
 TEST_F(BookContactTest, AReloadShowsWhatOthersAdded)
 {
     Start(L"Windows Mail");

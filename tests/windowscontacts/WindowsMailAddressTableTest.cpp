@@ -249,6 +249,22 @@ TEST_F(WindowsMailAddressTableTest, WhatIsNoContactIsNotFilled)
     EXPECT_TRUE(table->ReadItem(*group.Get(), true).IsEmpty());
 }
 
+TEST_F(WindowsMailAddressTableTest, NothingIsFilledWithoutValuesOrAProvider)
+{
+    AddContact("ann", StoreProps().Text(0x3004001F, L"note"));
+    LoadTable();
+    const auto contact = ContactOf({});
+    const auto item = QueryItem<INEntityItem>(contact.Get());
+    SPropValue value = {};
+    value.ulPropTag = 0x3A06001F;
+    value.Value.lpszW = const_cast<wchar_t*>(L"Ann");
+    table->FillItem(*item.Get(), PropertyView(45, nullptr));
+    table->FillItem(*item.Get(), PropertyView(0, &value));
+    session.reset();
+    table->FillItem(*item.Get(), PropertyView(1, &value));
+    EXPECT_THAT(TextOfContact(contact.Get()), IsEmpty());
+}
+
 TEST_F(WindowsMailAddressTableTest, AWalkShowsContactsInTheOrderOfTheBook)
 {
     AddContact("ann", StoreProps().Text(0x3A06001F, L"Ann"));
