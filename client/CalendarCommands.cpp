@@ -2,11 +2,10 @@
 
 #include "client/AppointmentAccess.h"
 #include "client/ItemFinder.h"
+#include "client/ItemList.h"
 #include "client/core/AppointmentJson.h"
 #include "client/core/AppointmentText.h"
 #include "client/core/JsonValues.h"
-
-#include <algorithm>
 
 namespace pim
 {
@@ -30,30 +29,15 @@ WriteResult CheckStored(Calendar& calendar,
 
 int ListAppointments(const Context& context)
 {
-    const Server server;
-    const Calendar calendar(server, context.command.provider);
     const auto fields = context.command.asJson ? ReadFields::All : ReadFields::ForTable;
-    std::vector<Appointment> items;
-    unsigned leftOut = 0;
-    {
-        Progress progress(context.errors, L"Reading appointments");
-        leftOut = calendar.Walk([&](INAppointment* item) {
-            items.push_back(ReadAppointment(item, fields));
-            progress.Step();
-        });
-    }
-    std::stable_sort(items.begin(), items.end(), [&](const auto& left, const auto& right) {
-        return ComesBefore(left, right, context.zone);
-    });
-    PrintItems<Appointment>(
+    return ListItems<AppointmentKind, Appointment>(
         context,
-        calendar.Session(),
-        AppointmentKind::kWords,
-        items,
-        [&](const Appointment& item) { return AppointmentJson(item, context.zone); },
-        [&](const auto& all) { return AppointmentTable(all, context.zone, context.Room()); });
-    WarnOfLeftOut(context, AppointmentKind::kWords, leftOut);
-    return kExitOk;
+        {[&](INAppointment* item) { return ReadAppointment(item, fields); },
+         [&](const auto& left, const auto& right) {
+             return ComesBefore(left, right, context.zone);
+         },
+         [&](const auto& item) { return AppointmentJson(item, context.zone); },
+         [&](const auto& items) { return AppointmentTable(items, context.zone, context.Room()); }});
 }
 
 int ShowAppointment(const Context& context)

@@ -1,11 +1,10 @@
 #include "client/CategoryCommands.h"
 
 #include "client/ItemFinder.h"
+#include "client/ItemList.h"
 #include "client/TextArray.h"
 #include "client/core/Category.h"
 #include "client/core/JsonValues.h"
-
-#include <algorithm>
 
 namespace pim
 {
@@ -15,23 +14,15 @@ using Categories = ItemCollection<CategoryKind>;
 using Finder = ItemFinder<CategoryKind>;
 using Microsoft::WRL::ComPtr;
 
-ComPtr<INContactCategory> CategoryOf(INEntityItem* item)
-{
-    ComPtr<INContactCategory> category;
-    CheckDone(item->QueryInterface(IID_INContactCategory,
-                                   reinterpret_cast<void**>(category.GetAddressOf())),
-              L"The store gave something else than a category");
-    return category;
-}
-
 std::wstring ReadName(INEntityItem* item)
 {
-    return GetText(CategoryOf(item).Get(), &INContactCategory::get_Name).value_or(L"");
+    return GetText(TypedItem<INContactCategory>(item).Get(), &INContactCategory::get_Name)
+        .value_or(L"");
 }
 
 Category ReadCategory(INEntityItem* item)
 {
-    const auto source = CategoryOf(item);
+    const auto source = TypedItem<INContactCategory>(item);
     Category category;
     category.id = GetText(item, &INEntityItem::get_EntityID);
     category.name = GetText(source.Get(), &INContactCategory::get_Name);
@@ -78,22 +69,12 @@ WriteResult CheckStored(Categories& categories,
 
 int ListCategories(const Context& context)
 {
-    const Server server;
-    const Categories categories(server, context.command.provider);
-    std::vector<Category> items;
-    const unsigned leftOut =
-        categories.Walk([&](INEntityItem* item) { items.push_back(ReadCategory(item)); });
-    std::stable_sort(items.begin(), items.end(), [](const auto& left, const auto& right) {
-        return ComesBefore(left, right);
-    });
-    PrintItems<Category>(context,
-                         categories.Session(),
-                         CategoryKind::kWords,
-                         items,
-                         CategoryJson,
-                         [&](const auto& all) { return CategoryTable(all, context.Room()); });
-    WarnOfLeftOut(context, CategoryKind::kWords, leftOut);
-    return kExitOk;
+    return ListItems<CategoryKind, Category>(
+        context,
+        {ReadCategory,
+         [](const auto& left, const auto& right) { return ComesBefore(left, right); },
+         CategoryJson,
+         [&](const auto& categories) { return CategoryTable(categories, context.Room()); }});
 }
 
 int ShowCategory(const Context& context)
@@ -114,7 +95,7 @@ int AddCategory(const Context& context)
     const Server server;
     Categories categories(server, command.provider);
     const auto item = categories.NewItem();
-    const auto category = CategoryOf(item.Get());
+    const auto category = TypedItem<INContactCategory>(item.Get());
     CheckPut(category->put_Name(Bstr(command.name).Get()), L"name");
     if (command.color)
         CheckPut(category->put_Color(*command.color), L"color");
@@ -130,7 +111,7 @@ int RenameCategory(const Context& context)
     Categories categories(server, context.command.provider);
     const auto found =
         Finder(categories, context.errors, ReadName).Find(context.command.ids.front());
-    CheckPut(CategoryOf(found.item.Get())->put_Name(Bstr(name).Get()), L"name");
+    CheckPut(TypedItem<INContactCategory>(found.item.Get())->put_Name(Bstr(name).Get()), L"name");
     categories.Update(found.item.Get());
     return PrintWritten(context, L"Renamed", CheckStored(categories, found.id, name, std::nullopt));
 }

@@ -10,7 +10,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -40,25 +39,6 @@ void PrintListJson(const Context& context,
                    nlohmann::ordered_json items);
 // Prints the sentence for a list without items.
 void PrintNone(const Context& context, const ProviderSession& session, const ItemWords& words);
-
-// Prints a list of items in one of these ways, or as the table that the last function makes.
-template <typename Value>
-void PrintItems(const Context& context,
-                const ProviderSession& session,
-                const ItemWords& words,
-                const std::vector<Value>& items,
-                const std::function<nlohmann::ordered_json(const Value&)>& json,
-                const std::function<std::wstring(const std::vector<Value>&)>& table)
-{
-    if (!context.command.asJson && items.empty())
-        return PrintNone(context, session, words);
-    if (!context.command.asJson)
-        return context.Print(table(items));
-    nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    for (const Value& item : items)
-        list.push_back(json(item));
-    PrintListJson(context, session, words, std::move(list));
-}
 
 // Says on standard error how many items of a walk did not open, where any did not.
 void WarnOfLeftOut(const Context& context, const ItemWords& words, unsigned count);

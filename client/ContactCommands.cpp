@@ -3,6 +3,7 @@
 #include "client/ContactAccess.h"
 #include "client/InputFile.h"
 #include "client/ItemFinder.h"
+#include "client/ItemList.h"
 #include "client/PictureFiles.h"
 #include "client/core/ContactJson.h"
 #include "client/core/ContactText.h"
@@ -107,31 +108,19 @@ int AddAll(const Context& context, AddressBook& contacts, const std::vector<Cont
 int ListContacts(const Context& context)
 {
     const auto pictures = FolderForPictures(context);
-    const Server server;
-    const AddressBook addressBook(server, context.command.provider);
     const auto fields = context.command.asJson ? ReadFields::All : ReadFields::ForTable;
-    std::vector<Contact> contacts;
-    unsigned leftOut = 0;
-    {
-        Progress progress(context.errors, L"Reading contacts");
-        leftOut = addressBook.Walk([&](INContactItem* item) {
-            contacts.push_back(ReadContact(item, fields, pictures.has_value()));
-            if (pictures)
-                pictures->Save(contacts.back());
-            progress.Step();
-        });
-    }
-    std::stable_sort(contacts.begin(), contacts.end(), [](const auto& left, const auto& right) {
-        return ComesBefore(left, right);
-    });
-    PrintItems<Contact>(context,
-                        addressBook.Session(),
-                        ContactKind::kWords,
-                        contacts,
-                        ContactJson,
-                        [&](const auto& all) { return ContactTable(all, context.Room()); });
-    WarnOfLeftOut(context, ContactKind::kWords, leftOut);
-    return kExitOk;
+    const auto read = [&](INContactItem* item) {
+        Contact contact = ReadContact(item, fields, pictures.has_value());
+        if (pictures)
+            pictures->Save(contact);
+        return contact;
+    };
+    return ListItems<ContactKind, Contact>(
+        context,
+        {read,
+         [](const auto& left, const auto& right) { return ComesBefore(left, right); },
+         ContactJson,
+         [&](const auto& contacts) { return ContactTable(contacts, context.Room()); }});
 }
 
 int ShowContact(const Context& context)

@@ -1,11 +1,10 @@
 #include "client/GroupCommands.h"
 
 #include "client/ItemFinder.h"
+#include "client/ItemList.h"
 #include "client/TextArray.h"
 #include "client/core/ContactGroup.h"
 #include "client/core/JsonValues.h"
-
-#include <algorithm>
 
 namespace pim
 {
@@ -14,19 +13,9 @@ namespace
 using Groups = ItemCollection<GroupKind>;
 using Contacts = ItemCollection<ContactKind>;
 using Finder = ItemFinder<GroupKind>;
-using Microsoft::WRL::ComPtr;
 
 constexpr long kContacts = 0;
 constexpr long kSubgroups = 1;
-
-ComPtr<INContactGroup> GroupOf(INEntityItem* item)
-{
-    ComPtr<INContactGroup> group;
-    CheckDone(
-        item->QueryInterface(IID_INContactGroup, reinterpret_cast<void**>(group.GetAddressOf())),
-        L"The store gave something else than a group");
-    return group;
-}
 
 std::vector<GroupMember> ReadMembers(INContactGroup* group, long kind)
 {
@@ -40,12 +29,12 @@ std::vector<GroupMember> ReadMembers(INContactGroup* group, long kind)
 
 std::wstring ReadName(INEntityItem* item)
 {
-    return GetText(GroupOf(item).Get(), &INContactGroup::get_Name).value_or(L"");
+    return GetText(TypedItem<INContactGroup>(item).Get(), &INContactGroup::get_Name).value_or(L"");
 }
 
 ContactGroup ReadGroup(INEntityItem* item)
 {
-    const auto source = GroupOf(item);
+    const auto source = TypedItem<INContactGroup>(item);
     ContactGroup group;
     group.id = GetText(item, &INEntityItem::get_EntityID);
     group.name = GetText(source.Get(), &INContactGroup::get_Name);
@@ -83,7 +72,7 @@ void NameMembers(const Context& context,
 
 void PutName(INEntityItem* item, const std::wstring& name)
 {
-    CheckPut(GroupOf(item)->put_Name(Bstr(name).Get()), L"name");
+    CheckPut(TypedItem<INContactGroup>(item)->put_Name(Bstr(name).Get()), L"name");
 }
 
 // Looks for the group in the list: stores open by its ID also what they do not list as a group.
@@ -106,26 +95,12 @@ WriteResult CheckName(Groups& groups, const std::wstring& id, const std::wstring
 
 int ListGroups(const Context& context)
 {
-    const Server server;
-    const Groups groups(server, context.command.provider);
-    std::vector<ContactGroup> items;
-    unsigned leftOut = 0;
-    {
-        Progress progress(context.errors, L"Reading groups");
-        leftOut = groups.Walk([&](INEntityItem* item) {
-            items.push_back(ReadGroup(item));
-            progress.Step();
-        });
-    }
-    std::stable_sort(items.begin(), items.end(), [](const auto& left, const auto& right) {
-        return ComesBefore(left, right);
-    });
-    PrintItems<ContactGroup>(
-        context, groups.Session(), GroupKind::kWords, items, GroupJson, [&](const auto& all) {
-            return GroupTable(all, context.Room());
-        });
-    WarnOfLeftOut(context, GroupKind::kWords, leftOut);
-    return kExitOk;
+    return ListItems<GroupKind, ContactGroup>(
+        context,
+        {ReadGroup,
+         [](const auto& left, const auto& right) { return ComesBefore(left, right); },
+         GroupJson,
+         [&](const auto& groups) { return GroupTable(groups, context.Room()); }});
 }
 
 int ShowGroup(const Context& context)

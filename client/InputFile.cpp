@@ -3,7 +3,6 @@
 #include "client/Failure.h"
 #include "client/core/CommandLine.h"
 #include "client/core/Unicode.h"
-#include "platform/UniqueHandle.h"
 
 namespace pim
 {
@@ -30,17 +29,22 @@ std::string ReadAll(HANDLE file, const std::wstring& path)
 }
 } // namespace
 
+UniqueFile OpenForReading(const std::wstring& path)
+{
+    return UniqueFile(CreateFileW(path.c_str(),
+                                  GENERIC_READ,
+                                  FILE_SHARE_READ,
+                                  nullptr,
+                                  OPEN_EXISTING,
+                                  FILE_ATTRIBUTE_NORMAL,
+                                  nullptr));
+}
+
 std::string ReadInput(const std::wstring& path)
 {
     if (path == L"-")
         return ReadAll(GetStdHandle(STD_INPUT_HANDLE), path);
-    const UniqueFile file(CreateFileW(path.c_str(),
-                                      GENERIC_READ,
-                                      FILE_SHARE_READ,
-                                      nullptr,
-                                      OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL,
-                                      nullptr));
+    const UniqueFile file = OpenForReading(path);
     if (!file)
         throw Failure{kExitFailed,
                       L"\"" + OneLine(path) + L"\" cannot be opened (error " +

@@ -1,10 +1,10 @@
 #include "client/PictureFiles.h"
 
 #include "client/Failure.h"
+#include "client/InputFile.h"
 #include "client/core/CommandLine.h"
 #include "client/core/PictureName.h"
 #include "client/core/Unicode.h"
-#include "platform/UniqueHandle.h"
 
 namespace pim
 {
@@ -22,14 +22,7 @@ std::wstring ReadablePicture(const std::wstring& typed)
 {
     std::error_code ignored;
     const std::wstring path = std::filesystem::absolute(typed, ignored).wstring();
-    const UniqueFile file(CreateFileW(path.c_str(),
-                                      GENERIC_READ,
-                                      FILE_SHARE_READ,
-                                      nullptr,
-                                      OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL,
-                                      nullptr));
-    if (!file)
+    if (!OpenForReading(path))
         throw Failure{kExitFailed,
                       L"The picture \"" + OneLine(typed) + L"\" cannot be read" +
                           ErrorText(GetLastError())};

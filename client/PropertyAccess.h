@@ -43,6 +43,16 @@ Microsoft::WRL::ComPtr<INEntityItem> EntityOf(IUnknown* item);
 // The item's ID; empty where it gives none. Throws as above.
 std::wstring ReadItemId(IUnknown* item);
 
+// The typed side of an item of an enumerator. Throws: Failure, where it has none.
+template <typename Interface> Microsoft::WRL::ComPtr<Interface> TypedItem(INEntityItem* item)
+{
+    Microsoft::WRL::ComPtr<Interface> typed;
+    CheckDone(
+        item->QueryInterface(__uuidof(Interface), reinterpret_cast<void**>(typed.GetAddressOf())),
+        L"The store gave an item of another kind");
+    return typed;
+}
+
 // Throws: Failure, which names the field, where a put failed.
 void CheckPut(HRESULT result, const std::wstring& field);
 } // namespace pim

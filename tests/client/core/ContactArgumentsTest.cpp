@@ -171,5 +171,6 @@ TEST(ContactArgumentsTest, RefusesWrongValues)
     EXPECT_THAT(Refused({"--anniversary", "1984-06-12 10:00"}), HasSubstr(L"--anniversary"));
     EXPECT_THAT(Refused({"--first-name", "a\nb"}), HasSubstr(L"--first-name takes text on one"));
     EXPECT_THAT(Refused({"--email", "a\rb"}), HasSubstr(L"--email takes text on one"));
+    EXPECT_THAT(Refused({"--email", "a@x", "b@x"}), HasSubstr(L"b@x"));
     EXPECT_THAT(Refused({"--company", "a", "--company", "b"}), HasSubstr(L"--company"));
 }

@@ -106,6 +106,12 @@ TEST(ContactTextTest, LeavesOutWhatIsNotThere)
     contact.addresses[1].emplace();
     contact.birthday = kNoDay;
     EXPECT_EQ(ContactDetails(contact, kZone), L"Last name:  Menon\n");
+    contact.addresses[1]->street = L"Kai 1";
+    contact.addresses[1]->city = L"Bergen";
+    EXPECT_EQ(ContactDetails(contact, kZone),
+              L"Last name:        Menon\n"
+              L"Business address: Kai 1, Bergen\n");
+    contact.addresses[1].emplace();
     contact.addresses[1]->postalCode = L"413 04";
     contact.addresses[1]->country = L"Sweden";
     contact.notes = L"\r\n";
