@@ -96,3 +96,20 @@ TEST(PropertyViewTest, ANullTextAndANullRowAreAbsent)
     EXPECT_EQ(0u, none.Count());
     EXPECT_FALSE(none.Find(0));
 }
+
+TEST(PropertyViewTest, ReadsTheBinariesOfAList)
+{
+    SBinary list[] = {{3, g_bytes}, {0, nullptr}, {2, g_bytes}};
+    SPropValue values[2] = {};
+    values[0].ulPropTag = values[1].ulPropTag = 0x80551102;
+    values[0].Value.MVbin = {2, list};
+    values[1].Value.MVbin = {2, nullptr};
+    const PropertyView view(2, values);
+    ASSERT_EQ(2u, view.Binaries(0).size());
+    EXPECT_EQ(list, view.Binaries(0).data());
+    EXPECT_TRUE(view.Binaries(1).empty()); // a null list
+    EXPECT_TRUE(view.Binaries(2).empty());
+    const SPropValue other = NumberValue(kNumber, 7);
+    EXPECT_TRUE(PropertyView(1, &other).Binaries(0).empty());
+    EXPECT_FALSE(view.Binary(0));
+}
