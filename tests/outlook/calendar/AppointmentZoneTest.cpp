@@ -1,12 +1,17 @@
+// The structures are composed field by field after the published format ([MS-OXOCAL]); those that
+// mail clients wrote are read where they lie beside the project.
 #include "outlook/calendar/AppointmentZone.h"
 
 #include "outlook/calendar/FixedZones.h"
 #include "outlook/calendar/RecurrenceSupport.h"
 #include "outlook/calendar/ZoneBlobs.h"
+#include "support/SharedData.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <map>
+#include <string>
 
 namespace
 {
@@ -26,6 +31,22 @@ bool HasRules(const TIME_ZONE_INFORMATION& zone, const ZoneRules& rules)
 bool Same(const TIME_ZONE_INFORMATION& left, const TIME_ZONE_INFORMATION& right)
 {
     return std::memcmp(&left, &right, sizeof(left)) == 0;
+}
+
+// The zone structure among the properties of a sample, which are one a line; empty where it has
+// none.
+std::vector<std::byte> StructureIn(const std::string& sample)
+{
+    const std::size_t property = sample.find("\"id\": \"0x8233\"");
+    const std::string head = "\"hex\": \"";
+    const std::size_t value = sample.find(head, property);
+    std::vector<std::byte> bytes;
+    if (property == std::string::npos || value == std::string::npos)
+        return bytes;
+    const std::size_t digits = value + head.size();
+    for (std::size_t i = digits; i + 1 < sample.size() && sample[i] != '"'; i += 2)
+        bytes.push_back(static_cast<std::byte>(std::stoi(sample.substr(i, 2), nullptr, 16)));
+    return bytes;
 }
 
 class AppointmentZoneTest : public ::testing::Test
@@ -209,4 +230,46 @@ TEST_F(AppointmentZoneTest, ReadsTheStructureThatItWrites)
         EXPECT_TRUE(HasRules(zone, rules));
         EXPECT_STREQ(zone.StandardName, L"Zone");
     }
+}
+
+TEST_F(AppointmentZoneTest, ReadsTheStructuresThatMailClientsWrote)
+{
+    // Nine hours east; some clients tell an hour of summer time, but no date on which it begins.
+    const ZoneRules plain = FixedRules(-540);
+    ZoneRules withHour = plain;
+    withHour.daylightBiasMinutes = -60;
+    zones.rules = {{L"Eastern Standard Time", kEastern},
+                   {L"Tokyo Standard Time", withHour},
+                   {L"Zone without an hour", plain}};
+    struct Sample
+    {
+        ZoneRules rules;
+        const wchar_t* name;
+    };
+    const std::map<std::string, Sample> samples = {
+        {"hiraoka-msg_A_monthly_1", {plain, L"Zone without an hour"}},
+        {"hiraoka-msg_A_weekly_1", {plain, L"Zone without an hour"}},
+        {"hiraoka-msg_Lanch_time_every_friday_in_2023_org", {withHour, L"Tokyo Standard Time"}},
+        {"mimekit_christmas_attach2_msg", {kEastern, L"Eastern Standard Time"}},
+    };
+    const auto paths = SharedSamples("msg/appointments", ".jsonl");
+    std::size_t known = 0;
+    for (const auto& path : paths)
+    {
+        const auto sample = samples.find(path.stem().string());
+        if (sample == samples.end())
+            continue;
+        ++known;
+        const std::vector<std::byte> structure = StructureIn(ReadSample(path));
+        EXPECT_EQ(structure.size(), 48u) << path;
+        const TIME_ZONE_INFORMATION zone = Read(structure, std::nullopt);
+        EXPECT_TRUE(HasRules(zone, sample->second.rules)) << path;
+        EXPECT_STREQ(zone.StandardName, sample->second.name) << path;
+        // Where no zone has the same rules, the first of that bias gives its name.
+        zones.rules.erase(L"Zone without an hour");
+        EXPECT_STREQ(Read(structure, std::nullopt).StandardName,
+                     zone.Bias == 300 ? L"Eastern Standard Time" : L"Tokyo Standard Time");
+        zones.rules[L"Zone without an hour"] = plain;
+    }
+    EXPECT_EQ(known, paths.empty() ? 0u : 4u);
 }

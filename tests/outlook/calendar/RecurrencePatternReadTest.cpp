@@ -277,6 +277,54 @@ TEST(RecurrencePatternReadTest, ReadsExceptions)
               "modified1.location Room 5\n");
 }
 
+TEST(RecurrencePatternReadTest, ReadsExceptionsBehindThePatternsOwnFields)
+{
+    const std::string instances =
+        "deleted0 2024-03-12 00:00\n"
+        "modified0 2024-03-12 00:00\nmodified0.start 2024-03-13 10:00\n"
+        "modified0.end 2024-03-13 11:00\nmodified0.original 2024-03-12 09:30\n"
+        "modified0.subject Moved\nmodified0.location Room 5\n";
+    EXPECT_EQ(ReadFile("weekly_exception"),
+              "kind 2\nweekly.interval 1\nweekly.days --T----\n" + instances);
+    EXPECT_EQ(ReadFile("monthly_nth_exception"),
+              "kind 3\nmonthly.byDay -1\nmonthly.interval 1\nmonthly.nth 2\n"
+              "monthly.days --T----\n" +
+                  instances);
+}
+
+// The count right before the exceptions is not read.
+TEST(RecurrencePatternReadTest, ReadsAnExceptionForEachModifiedDate)
+{
+    const std::uint32_t day = MinutesAt(2024, 3, 7);
+    const auto blobWith = [&](const std::vector<std::uint32_t>& modified, std::uint32_t count) {
+        BlobFields blob;
+        blob.Pattern(0x200A, 0, 1440).Lists(0x2023, 10, {}, modified);
+        blob.Span(kStartDay, 0x5AE980DF, count);
+        for (const std::uint32_t start : {day, day + 1440})
+        {
+            AddTimes(blob, start);
+            blob.U16(0x0001).U16(2).U16(1).Text("s");
+        }
+        return blob.Bytes();
+    };
+    _tagRecurringInfo record;
+    for (const std::uint32_t count : {0u, 1u, 9u, 0xFFFFu})
+    {
+        EXPECT_EQ(ReadInto(blobWith({day, day + 1440}, count), record).exceptions, 2u) << count;
+        EXPECT_EQ(TextOf(record),
+                  "kind 1\ndaily.interval 1\n"
+                  "modified0 2024-03-07 00:00\nmodified0.start 2024-03-07 10:00\n"
+                  "modified0.end 2024-03-07 11:00\nmodified0.original 2024-03-07 09:30\n"
+                  "modified0.subject s\nmodified0.location Own place\n"
+                  "modified1 2024-03-08 00:00\nmodified1.start 2024-03-08 10:00\n"
+                  "modified1.end 2024-03-08 11:00\nmodified1.original 2024-03-08 09:30\n"
+                  "modified1.subject s\nmodified1.location Own place\n")
+            << count;
+        EXPECT_EQ(ReadInto(blobWith({}, count), record).exceptions, 0u) << count;
+        EXPECT_EQ(TextOf(record), "kind 1\ndaily.interval 1\n") << count;
+    }
+}
+
 TEST(RecurrencePatternReadTest, SkipsEachOverrideThatItKnows)
 {
     const std::uint32_t day = MinutesAt(2024, 3, 7);
@@ -422,6 +470,52 @@ TEST(RecurrencePatternReadTest, MisreadsWhatFollowsAnUnknownOverrideAndKeepsWith
     EXPECT_EQ(text.find("modified2.start"), std::string::npos);
 }
 
+TEST(RecurrencePatternReadTest, RunsOnBehindAnUnknownOverride)
+{
+    const std::uint32_t day = MinutesAt(2024, 3, 7);
+    BlobFields blob = WithModified({day, day + 1440});
+    AddTimes(blob, day);
+    blob.U16(0x0100).U32(5); // the fifth label of colour
+    // From 10:00 to 11:00, at first at 10:41; titled.
+    blob.U32(day + 1440 + 600).U32(day + 1440 + 660).U32(day + 1440 + 641);
+    blob.U16(0x0001).U16(6).U16(5).Text("Title");
+    // The label is taken for the second one's start, so that the low half of 10:41 comes to be its
+    // overrides, a subject, and the overrides its length of one byte: the low one of the 6.
+    EXPECT_EQ(day + 1440 + 641, 0x0D443101u);
+    _tagRecurringInfo record;
+    const RecurrenceRead read = ReadInto(blob.Bytes(), record);
+    EXPECT_EQ(read.status, CodecStatus::Ok);
+    EXPECT_EQ(read.exceptions, 2u);
+    EXPECT_EQ(read.offset, blob.Bytes().size() - 1 - 2 - 5);
+    EXPECT_EQ(TextOf(record),
+              "kind 1\ndaily.interval 1\n"
+              "modified0 2024-03-07 00:00\nmodified0.start 2024-03-07 10:00\n"
+              "modified0.end 2024-03-07 11:00\nmodified0.original 2024-03-07 09:30\n"
+              "modified0.subject Own subject\nmodified0.location Own place\n"
+              "modified1 2024-03-08 00:00\nmodified1.start 1601-01-01 00:05\n"
+              "modified1.end 2024-03-08 10:00\nmodified1.original 2024-03-08 11:00\n"
+              "modified1.subject {0006}\nmodified1.location Own place\n");
+}
+
+// A body of its own has no field in the record.
+TEST(RecurrencePatternReadTest, ReadsTheExceptionBehindOneWithItsOwnBody)
+{
+    const std::uint32_t day = MinutesAt(2024, 3, 7);
+    BlobFields blob = WithModified({day, day + 1440});
+    AddTimes(blob, day);
+    blob.U16(0x0200);
+    AddTimes(blob, day + 1440);
+    blob.U16(0x0210).U16(2).U16(1).Text("l");
+    EXPECT_EQ(Read(blob),
+              "kind 1\ndaily.interval 1\n"
+              "modified0 2024-03-07 00:00\nmodified0.start 2024-03-07 10:00\n"
+              "modified0.end 2024-03-07 11:00\nmodified0.original 2024-03-07 09:30\n"
+              "modified0.subject Own subject\nmodified0.location Own place\n"
+              "modified1 2024-03-08 00:00\nmodified1.start 2024-03-08 10:00\n"
+              "modified1.end 2024-03-08 11:00\nmodified1.original 2024-03-08 09:30\n"
+              "modified1.subject Own subject\nmodified1.location l\n");
+}
+
 TEST(RecurrencePatternReadTest, KeepsWholeExceptionsBeforeOneThatIsCut)
 {
     const std::uint32_t day = MinutesAt(2024, 3, 7);
@@ -457,14 +551,17 @@ TEST(RecurrencePatternReadTest, RefusesABlobThatEndsBeforeItsEndDateDoes)
     for (const std::string& name : AllFiles())
     {
         const std::vector<std::byte> whole = HexFile("recurrence/" + name + ".hex");
+        // What follows is taken for the missing field, and the start date so for a count that no
+        // blob can hold.
         const bool isMonthWithoutFields =
             name == "monthly_by_neither" || name == "monthly_without_week";
-        if (isMonthWithoutFields)
-            continue; // what follows is taken for the missing field
         const std::uint32_t pattern = std::to_integer<std::uint32_t>(whole[6]);
-        const std::size_t least = LeastBytes(whole, pattern == 0 ? 0 : pattern == 3 ? 8 : 4);
-        ASSERT_LT(least, whole.size()) << name;
-        for (std::size_t size = 0; size < whole.size(); ++size)
+        const std::size_t least = isMonthWithoutFields ? whole.size() + 1
+                                                       : LeastBytes(whole,
+                                                                    pattern == 0   ? 0
+                                                                    : pattern == 3 ? 8
+                                                                                   : 4);
+        for (std::size_t size = 0; size <= whole.size(); ++size)
         {
             _tagRecurringInfo record;
             const RecurrenceRead read = ReadInto(
@@ -480,6 +577,32 @@ TEST(RecurrencePatternReadTest, RefusesABlobThatEndsBeforeItsEndDateDoes)
                 ASSERT_EQ(read.status, CodecStatus::Ok) << name << " " << size;
             }
         }
+    }
+}
+
+// The end date of daily_exceptions ends with byte 66, its exceptions with 121 and 149.
+TEST(RecurrencePatternReadTest, KeepsOfACutBlobWhatIsThereWhole)
+{
+    const std::string rule = "kind 1\ndaily.interval 1\nend.kind 1\nend.times 20\n"
+                             "deleted0 2024-03-07 00:00\ndeleted1 2024-03-09 00:00\n";
+    const std::string firstDate = "modified0 2024-03-09 00:00\n";
+    const std::string first = "modified0.start 2024-03-10 10:00\nmodified0.end 2024-03-10 11:15\n"
+                              "modified0.original 2024-03-09 09:30\n"
+                              "modified0.subject Coffee at Zo{00EB}{2019}s\n";
+    const std::string secondDate = "modified1 2024-03-07 00:00\n";
+    const std::string second = "modified1.start 2024-03-07 09:30\nmodified1.end 2024-03-07 09:45\n"
+                               "modified1.original 2024-03-07 09:30\nmodified1.location Room 5\n";
+    const std::vector<std::byte> whole = HexFile("recurrence/daily_exceptions.hex");
+    ASSERT_LT(149u, whole.size());
+    for (std::size_t size = 0; size <= whole.size(); ++size)
+    {
+        std::string expected;
+        if (size >= 66)
+            expected = rule + firstDate + (size >= 121 ? first : "") + secondDate +
+                       (size >= 149 ? second : "");
+        _tagRecurringInfo record;
+        ReadInto({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)}, record);
+        ASSERT_EQ(TextOf(record), expected) << size;
     }
 }
 
@@ -540,7 +663,9 @@ TEST(RecurrencePatternReadTest, WritesBackWhatItRead)
                                    "monthly_nth",
                                    "monthly_last",
                                    "daily_deleted",
-                                   "daily_exceptions"})
+                                   "daily_exceptions",
+                                   "weekly_exception",
+                                   "monthly_nth_exception"})
     {
         const std::vector<std::byte> blob = HexFile(std::string("recurrence/") + name + ".hex");
         EXPECT_EQ(HexOf(blob), HexOf(WrittenAgain(blob, start))) << name;

@@ -148,6 +148,35 @@ TEST(RecurrencePatternWriteTest, TakesTheTypeOfTheEndFromTheCountAndItsDateFromT
     ExpectFile("daily_end_of_no_kind", Written(odd));
 }
 
+TEST(RecurrencePatternWriteTest, KeepsTypeAndDateOfTheEndApartWhereTheyDisagree)
+{
+    struct Row
+    {
+        _tagEndInfo end;
+        std::uint32_t type;
+        std::uint32_t occurrences;
+        std::uint32_t endMinutes;
+    };
+    constexpr std::uint32_t kNever = 0x5AE980DF;
+    const DATE date = DateOf(2024, 6, 30);
+    const Row rows[] = {
+        {{NoEnd, date, 0}, 0x2021, 10, kNever},
+        {{NoEnd, 0.0, 7}, 0x2022, 7, kNever},
+        {{NoEnd, date, 7}, 0x2022, 7, kNever},
+        // No instances: a day less than the start.
+        {{EndByCount, date, 0}, 0x2021, 10, MinutesAt(2024, 3, 4)},
+    };
+    for (const Row& row : rows)
+    {
+        _tagRecurringInfo record = DailyEvery(1);
+        record.tEndInfo = row.end;
+        BlobFields expected;
+        expected.Pattern(0x200A, 0, 1440).Lists(row.type, row.occurrences, {}, {});
+        expected.Span(MinutesAt(2024, 3, 5), row.endMinutes).U32(0).U32(0);
+        EXPECT_EQ(HexOf(expected.Bytes()), HexOf(Written(record)));
+    }
+}
+
 TEST(RecurrencePatternWriteTest, TakesADateNearZeroForNone)
 {
     // End type behind 22 bytes of fixed fields, end date behind it, the count, the week and two
@@ -206,6 +235,11 @@ TEST(RecurrencePatternWriteTest, WritesMonthlyRulesThatLackAMode)
     both.tMonthly.bIsByMonthDayMode = -1;
     both.tMonthly.lMonthDay = 9;
     ExpectFile("monthly_nth", Written(both));
+
+    // Any mode counts that is not 0.
+    _tagRecurringInfo byOne = Times(MonthlyOnDay(3, 31), 4);
+    byOne.tMonthly.bIsByMonthDayMode = 1;
+    ExpectFile("monthly_day_by_count", Written(byOne));
 }
 
 TEST(RecurrencePatternWriteTest, WritesAnyWeekOfAMonth)
@@ -239,6 +273,12 @@ TEST(RecurrencePatternWriteTest, WritesYearlyRulesAsADayEvery12Months)
     byWeekday.tYearly.lNth = 2;
     SetWeekdays(byWeekday.tYearly.bValidWeekday, {2});
     ExpectFile("yearly_by_weekday", Written(byWeekday, DateOf(2024, 12, 31, 9, 30)));
+
+    // The day stands in the pattern's own field whatever the mode.
+    byWeekday.tYearly.lDay = 9;
+    std::vector<std::byte> ninth = HexFile("recurrence/yearly_by_weekday.hex");
+    ninth.at(22) = std::byte{9};
+    EXPECT_EQ(HexOf(ninth), HexOf(Written(byWeekday, DateOf(2024, 12, 31, 9, 30))));
 }
 
 // These 80 bytes are what a mail client wrote for a yearly appointment on 25 December, from
@@ -314,6 +354,23 @@ TEST(RecurrencePatternWriteTest, WritesModifiedInstancesInTheOrderOfTheRecord)
                 L"",
                 L"Room 5");
     ExpectFile("daily_exceptions", Written(record));
+}
+
+TEST(RecurrencePatternWriteTest, WritesInstancesBehindThePatternsOwnFields)
+{
+    const auto withException = [](_tagRecurringInfo record) {
+        record.arrDeletedInstance[0] = DateOf(2024, 3, 12);
+        PutInstance(record.arrModifiedInstance[0],
+                    DateOf(2024, 3, 12),
+                    DateOf(2024, 3, 13, 10, 0),
+                    DateOf(2024, 3, 13, 11, 0),
+                    DateOf(2024, 3, 12, 9, 30),
+                    L"Moved",
+                    L"Room 5");
+        return record;
+    };
+    ExpectFile("weekly_exception", Written(withException(WeeklyEvery(1, {2}))));
+    ExpectFile("monthly_nth_exception", Written(withException(MonthlyOnWeekdays(1, 2, {2}))));
 }
 
 TEST(RecurrencePatternWriteTest, DropsModifiedInstancesWithoutADeletedOneAtTheHead)

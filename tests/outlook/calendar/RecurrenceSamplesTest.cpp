@@ -74,11 +74,14 @@ const std::map<std::string, Sample> kSamples = {
 
 TEST(RecurrenceSamplesTest, ReadsWhatMailClientsWrote)
 {
-    for (const auto& path : SharedSamples("recurrence", ".bin"))
+    const auto paths = SharedSamples("recurrence", ".bin");
+    std::size_t known = 0;
+    for (const auto& path : paths)
     {
         const auto sample = kSamples.find(path.filename().string());
         if (sample == kSamples.end())
             continue;
+        ++known;
         _tagRecurringInfo record;
         const RecurrenceRead read = DecodeRecurrencePattern(
             BytesOf(ReadSample(path)), {L"Subject", L"Place"}, 1252, record);
@@ -86,6 +89,7 @@ TEST(RecurrenceSamplesTest, ReadsWhatMailClientsWrote)
         EXPECT_EQ(read.exceptions, sample->second.exceptions) << path;
         EXPECT_EQ(TextOf(record), sample->second.record) << path;
     }
+    EXPECT_EQ(known, paths.empty() ? 0u : 6u);
 }
 
 TEST(RecurrenceSamplesTest, StaysWithinEveryPrefixOfThem)

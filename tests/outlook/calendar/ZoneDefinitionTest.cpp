@@ -244,7 +244,9 @@ TEST(ZoneDefinitionTest, ReadsWhatMailClientsWrote)
          {L"Pakistan Standard Time", 4, pakistan}},
         {"mfcmapi_tzdef3.bin", {L"Eastern Standard Time", 0, {}}},
     };
-    for (const auto& path : SharedSamples("timezone", ".bin"))
+    const auto paths = SharedSamples("timezone", ".bin");
+    std::size_t known = 0;
+    for (const auto& path : paths)
     {
         const std::vector<std::byte> blob = BytesOf(ReadSample(path));
         for (std::size_t size = 0; size < blob.size(); ++size)
@@ -252,6 +254,7 @@ TEST(ZoneDefinitionTest, ReadsWhatMailClientsWrote)
         const auto sample = samples.find(path.filename().string());
         if (sample == samples.end())
             continue;
+        ++known;
         const auto definition = Parse(blob);
         ASSERT_TRUE(definition) << path;
         EXPECT_EQ(definition->keyName, sample->second.name) << path;
@@ -261,4 +264,5 @@ TEST(ZoneDefinitionTest, ReadsWhatMailClientsWrote)
             EXPECT_TRUE(Same(definition->rules[0], sample->second.first)) << path;
         }
     }
+    EXPECT_EQ(known, paths.empty() ? 0u : 5u);
 }
