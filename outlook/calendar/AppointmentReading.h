@@ -29,9 +29,8 @@ struct AppointmentReading
 // TimeZone are always put. Results of the puts are not looked at. An item that is no appointment
 // stays as it is.
 //   StartTime, EndTime: UTC; of an all-day appointment local in the message's zone.
-//   Reminder:           minutes before the start; 0xFFFFFFFF where the reminder is not set and
-//   where
-//                       its minutes are absent.
+//   Reminder:           minutes before the start; 0xFFFFFFFF where the reminder is not set or its
+//                       minutes are absent.
 //   Description:        PR_BODY, also an empty one; without it what the compressed RTF converts to.
 // Throws std::bad_alloc.
 void FillAppointment(INEntityItem& item,

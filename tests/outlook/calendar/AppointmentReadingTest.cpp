@@ -5,6 +5,7 @@
 #include "outlook/calendar/ZoneBlobs.h"
 #include "support/DebugOutputCapture.h"
 
+#include <algorithm>
 #include <functional>
 #include <iterator>
 #include <optional>
@@ -57,6 +58,29 @@ class AppointmentReadingTest : public CalendarTableTest
         Open();
         table->GetItemByID(IdOf(name));
         return CurrentItem(*table);
+    }
+
+    // The calls that an item gets which is filled from the message; the columns' values may be
+    // changed between.
+    Lines CallsOfFilling(const char* name,
+                         const std::function<void(SPropValue* columns)>& change = {})
+    {
+        Open();
+        const ComPtr<IMessage> message = session->OpenMessage(store.EntryIdOf(name));
+        table->m_pCurrentEntity = static_cast<IMAPIProp*>(message.Get());
+        std::vector<ULONG> tags = table->GetPropertyNames();
+        tags.insert(tags.begin(), static_cast<ULONG>(tags.size()));
+        ULONG count = 0;
+        SPropValue* values = nullptr;
+        message->GetProps(
+            reinterpret_cast<SPropTagArray*>(tags.data()), MAPI_UNICODE, &count, &values);
+        if (change)
+            change(values);
+        const auto item = RecordingAppointment::Make();
+        table->FillItem(*item.Get(), {count, values});
+        session->Helper()->Proxy().FreeBuffer(values);
+        table->m_pCurrentEntity.Reset();
+        return item->calls;
     }
 
     // The text of an appointment: what every one here has, and what differs.
@@ -176,7 +200,10 @@ TEST_F(AppointmentReadingTest, FillsAppointmentsFromTheirProperties)
         {"body",
          StoreProps().Text(PR_BODY_W, L"one\r\ntwo"),
          {{"Description", "one{000D}{000A}two"}}},
-        {"empty body", StoreProps().Text(PR_BODY_W, L""), {{"Description", ""}}},
+        // The other body is not asked for then.
+        {"empty body",
+         StoreProps().Text(PR_BODY_W, L"").Bytes(0x10090102, PackedRtf("{\\rtf1 From RTF}")),
+         {{"Description", ""}}},
         {"body of a line break",
          StoreProps().Text(PR_BODY_W, L"\r\n"),
          {{"Description", "{000D}{000A}"}}},
@@ -588,7 +615,10 @@ TEST_F(AppointmentReadingTest, ReadsNothingBehindTheDeliveredCount)
     // A column that was not asked for is not read either.
     EXPECT_EQ("put TimeZone [Machine's own]", zoneOf(15));
     // Once all names were known, the definition counts, whatever comes later.
-    table->GetPropertyNames();
+    EXPECT_EQ(16u, table->GetPropertyNames().size());
+    EXPECT_EQ("put TimeZone [India]", zoneOf(15));
+    store.FailNext("IMAPIFolder(calendar).GetIDsFromNames([{00062002", StoreFault::CallFailed);
+    EXPECT_EQ(14u, table->GetPropertyNames().size());
     EXPECT_EQ("put TimeZone [India]", zoneOf(15));
     EXPECT_EQ("put TimeZone [Machine's own]", zoneOf(14));
     EXPECT_EQ("put TimeZone [Machine's own]", zoneOf(0));
@@ -652,6 +682,53 @@ TEST_F(AppointmentReadingTest, GoesOnWhereThePutsFail)
               item->calls);
 }
 
+TEST_F(AppointmentReadingTest, TakesTheRtfWhereTheBodyIsANullPointer)
+{
+    const ScopedLogSettings settings;
+    DebugOutputCapture capture;
+    AddAppointment(
+        "ann",
+        StoreProps().Text(PR_BODY_W, L"plain").Bytes(0x10090102, PackedRtf("{\\rtf1 From RTF}")));
+    const std::string fallback =
+        "Get Description(PR_BODY) Failed, Get from PR_RTF_COMPRESSED agian";
+    EXPECT_EQ("put Description [plain]", CallsOfFilling("ann").back());
+    EXPECT_EQ(0, std::ranges::count(capture.TakeLogMessages(), fallback));
+    const Lines calls = CallsOfFilling("ann", [](SPropValue* columns) {
+        columns[12].ulPropTag = PR_BODY_W;
+        columns[12].Value.lpszW = nullptr;
+    });
+    EXPECT_EQ("put Description [From RTF]", calls.back());
+    EXPECT_EQ(1, std::ranges::count(capture.TakeLogMessages(), fallback));
+}
+
+// Also where the value is what a new object has anyway.
+TEST_F(AppointmentReadingTest, PutsEachValueThatIsThere)
+{
+    const auto putsOf = [&](const char* name, const StoreProps& props) {
+        AddAppointment(name, props);
+        Lines puts = CallsOfFilling(name);
+        // But for those of every appointment: the two of the message, and the zone.
+        std::erase_if(puts, [](const std::string& call) {
+            return call.starts_with("put PersistID") || call.starts_with("put LastModif") ||
+                   call == "put TimeZone [Machine's own]";
+        });
+        return puts;
+    };
+    const std::string noReminder = "put Reminder [4.2949673e+09]";
+    EXPECT_EQ((Lines{noReminder}), putsOf("nothing", {}));
+    EXPECT_EQ((Lines{noReminder, "put IsBusy [0]"}), putsOf("free", Busy(0)));
+    EXPECT_EQ((Lines{noReminder, "put IsBusy [0]"}), putsOf("tentative", Busy(1)));
+    EXPECT_EQ((Lines{noReminder, "put IsBusy [0]"}), putsOf("elsewhere", Busy(4)));
+    EXPECT_EQ((Lines{noReminder, "put IsBusy [-1]"}), putsOf("out of office", Busy(3)));
+    EXPECT_EQ((Lines{"put Reminder [0]"}), putsOf("at the start", Reminder(1, 0)));
+    const auto allDay = [&](LONG truth) {
+        return StoreProps().Number(Tag("A8215", PT_BOOLEAN), truth);
+    };
+    EXPECT_EQ((Lines{noReminder, "put AllDay [0]"}), putsOf("timed", allDay(0)));
+    EXPECT_EQ((Lines{noReminder, "put AllDay [1]"}), putsOf("all-day", allDay(1)));
+    EXPECT_EQ((Lines{noReminder, "put AllDay [-1]"}), putsOf("all bits", allDay(0xFFFF)));
+}
+
 // Recurrences come behind the texts that their exceptions take over.
 TEST_F(AppointmentReadingTest, PutsThePropertiesInTheirOrder)
 {
@@ -662,29 +739,6 @@ TEST_F(AppointmentReadingTest, PutsThePropertiesInTheirOrder)
     props.Time(Tag("A820D", PT_SYSTIME), FileTimeOf(DateOf(2024, 3, 5)));
     props.Time(Tag("A820E", PT_SYSTIME), FileTimeOf(DateOf(2024, 3, 6)));
     AddAppointment("ann", props);
-    Open();
-    const ComPtr<IMAPIFolder> calendar = folder;
-    std::vector<BYTE> id = store.EntryIdOf("ann");
-    ULONG type = 0;
-    ComPtr<IUnknown> object;
-    calendar->OpenEntry(static_cast<ULONG>(id.size()),
-                        reinterpret_cast<ENTRYID*>(id.data()),
-                        nullptr,
-                        0,
-                        &type,
-                        object.GetAddressOf());
-    ASSERT_TRUE(object);
-    table->m_pCurrentEntity = static_cast<IMAPIProp*>(object.Get());
-    std::vector<ULONG> tags = table->GetPropertyNames();
-    tags.insert(tags.begin(), static_cast<ULONG>(tags.size()));
-    ULONG count = 0;
-    SPropValue* values = nullptr;
-    table->m_pCurrentEntity->GetProps(
-        reinterpret_cast<SPropTagArray*>(tags.data()), MAPI_UNICODE, &count, &values);
-    const auto item = RecordingAppointment::Make();
-    table->FillItem(*item.Get(), {count, values});
-    session->Helper()->Proxy().FreeBuffer(values);
-    table->m_pCurrentEntity.Reset();
     EXPECT_EQ((Lines{"put PersistID [" + NarrowText(IdOf("ann")) + "]",
                      "put LastModificationTime [45293.128]", // 2024-01-02 03:04
                      "put Subject [s]",
@@ -699,5 +753,5 @@ TEST_F(AppointmentReadingTest, PutsThePropertiesInTheirOrder)
                      "put EndTime [45357]",
                      "put IsBusy [-1]",
                      "put Description [d]"}),
-              item->calls);
+              CallsOfFilling("ann"));
 }

@@ -5,6 +5,8 @@
 #include "outlook/calendar/ZoneBlobs.h"
 #include "support/DebugOutputCapture.h"
 
+#include <algorithm>
+#include <cctype>
 #include <functional>
 #include <iterator>
 #include <limits>
@@ -106,6 +108,12 @@ Lines Expected(const Differs& differs)
     return lines;
 }
 
+Lines operator+(Lines left, const Lines& right)
+{
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+
 Differs operator+(Differs left, const Differs& right)
 {
     for (const auto& [property, value] : right)
@@ -136,6 +144,30 @@ Differs Recurs(const std::string& file, const std::string& type)
             {"10800003", "1025"}};
 }
 
+// A value of kUsualValues' form as the record of the store's calls tells it: times in units of
+// 100 ns from 1601 on, the first 64 bytes of binary ones.
+std::string RecordedText(const std::string& type, const std::string& value)
+{
+    // 2024-03-05 is day 154561: 222567840 minutes, and 510 and 570 more.
+    static const std::map<std::string, std::string> times = {
+        {"0", "0"},
+        {"2024-03-05 08:30:00", "133541010000000000"},
+        {"2024-03-05 09:30:00", "133541046000000000"}};
+    constexpr std::size_t kShownDigits = 2 * 64;
+    if (type == "001F")
+        return '"' + value + '"';
+    if (type == "0040")
+        return times.at(value);
+    if (type != "0102")
+        return value;
+    std::string digits;
+    for (const char digit : value.substr(0, kShownDigits))
+        digits += static_cast<char>(std::toupper(static_cast<unsigned char>(digit)));
+    if (value.size() > kShownDigits)
+        digits += "... " + std::to_string(value.size() / 2) + " bytes";
+    return "<" + digits + ">";
+}
+
 // A rule of the kind, in a zone an hour east without summer time.
 void SetRule(RecordingAppointment& item, _tagNAppointmentRecurringType kind)
 {
@@ -164,6 +196,43 @@ class AppointmentWritingTest : public CalendarTableTest
         item.allDay = -1;
         item.startTime = localDay;
         item.endTime = localDay + 1;
+    }
+
+    // The two look-ups of names that go before the values.
+    static Lines LookUps()
+    {
+        return {"IMAPIFolder(calendar).GetIDsFromNames("
+                "[{00062002-0000-0000-C000-000000000046} 8205 8208 8216 8223 8231 8233 8215 "
+                "820D 8235 820E 8236 8213 8234], 00000000)",
+                "MAPIFreeBuffer(names of calendar)",
+                "IMAPIFolder(calendar).GetIDsFromNames("
+                "[{00062008-0000-0000-C000-000000000046} 8516 8517 8510 8503 8501 8502 851C "
+                "851E 851F], 00000000)",
+                "MAPIFreeBuffer(names of calendar)"};
+    }
+    // Setting the values of UsualItem on a message, but for what differs; and what comes after it.
+    Lines SetAndSave(const std::string& message, const Differs& differs) const
+    {
+        std::string values;
+        for (const auto& [property, usual] : kUsualValues)
+        {
+            const auto other = differs.find(property);
+            const auto& value = other != differs.end() ? other->second : usual;
+            if (!value)
+                continue;
+            const std::string type = property.substr(property.size() - 4);
+            char tag[16];
+            std::snprintf(tag, sizeof(tag), "%s", property.c_str());
+            if (property[0] == 'A' || property[0] == 'C')
+                std::snprintf(tag,
+                              sizeof(tag),
+                              "%08lX",
+                              names.Tag(property.substr(0, 5), std::stoul(type, nullptr, 16)));
+            values += (values.empty() ? "" : ", ") + (tag + (" " + RecordedText(type, *value)));
+        }
+        return {message + ".SetProps({" + values + "}, problems)",
+                message + ".SaveChanges(00000004)",
+                message + ".GetProps([0FFF0102 30080040], 80000000)"};
     }
 
     Lines Written(RecordingAppointment& item, bool isNew = false)
@@ -450,15 +519,7 @@ TEST_F(AppointmentWritingTest, LeavesOutWhatTheStoreHasNoNameFor)
 TEST_F(AppointmentWritingTest, LooksTheNamesUpInTheirOrder)
 {
     Written(*UsualItem().Get());
-    EXPECT_EQ((Lines{"IMAPIFolder(calendar).GetIDsFromNames("
-                     "[{00062002-0000-0000-C000-000000000046} 8205 8208 8216 8223 8231 8233 8215 "
-                     "820D 8235 820E 8236 8213 8234], 00000000)",
-                     "MAPIFreeBuffer(names of calendar)",
-                     "IMAPIFolder(calendar).GetIDsFromNames("
-                     "[{00062008-0000-0000-C000-000000000046} 8516 8517 8510 8503 8501 8502 851C "
-                     "851E 851F], 00000000)",
-                     "MAPIFreeBuffer(names of calendar)"}),
-              store.Calls(kAllCalls));
+    EXPECT_EQ(LookUps(), store.Calls(kAllCalls));
 }
 
 TEST_F(AppointmentWritingTest, ReadsThePropertiesOfTheItemInTheirOrder)
@@ -487,6 +548,19 @@ TEST_F(AppointmentWritingTest, ReadsThePropertiesOfTheItemInTheirOrder)
               item->calls);
 }
 
+// Those belong to the store, or to the table around.
+TEST_F(AppointmentWritingTest, LeavesIdsFolderAndModificationTimeOfTheItemUnread)
+{
+    const ComPtr<RecordingAppointment> item = UsualItem();
+    for (const char* const name : {"EntityID", "FolderID", "PersistID"})
+        item->texts[name] = L"0123";
+    const Lines values = Written(*item.Get());
+    EXPECT_EQ(Expected({}), values);
+    for (const char* const name : {"EntityID", "FolderID", "PersistID", "LastModificationTime"})
+        EXPECT_EQ(0, std::ranges::count(item->calls, std::string("get ") + name)) << name;
+    EXPECT_EQ(0u, item->getEntityIdCalls);
+}
+
 TEST_F(AppointmentWritingTest, MakesNothingOfAnItemThatIsNoAppointment)
 {
     const ComPtr<RecordingAppointment> item = UsualItem();
@@ -512,19 +586,10 @@ TEST_F(AppointmentWritingTest, UpdatesAMessageWithTheseCallsAndLines)
     store.ClearRecord();
     capture.TakeLogMessages();
     EXPECT_EQ(1, table->UpdateItem(item.Get()));
-    Lines calls = store.Calls(kAllCalls);
-    ASSERT_EQ(10u, calls.size());
-    EXPECT_EQ("IMAPIFolder(calendar).OpenEntry(ann, null, 00000001, type)", calls[0]);
-    EXPECT_TRUE(calls[1].starts_with("IMAPIFolder(calendar).GetIDsFromNames(")) << calls[1];
-    EXPECT_TRUE(calls[3].starts_with("IMAPIFolder(calendar).GetIDsFromNames(")) << calls[3];
-    EXPECT_TRUE(calls[5].starts_with("IMessage(ann).SetProps({001A001F \"IPM.Appointment\", "
-                                     "0037001F \"Meeting\", 00170003 1, "))
-        << calls[5];
-    EXPECT_EQ((Lines{"IMessage(ann).SaveChanges(00000004)",
-                     "IMessage(ann).GetProps([0FFF0102 30080040], 80000000)",
-                     "MAPIFreeBuffer(props of ann)",
-                     "release IMessage(ann)"}),
-              Lines(calls.begin() + 6, calls.end()));
+    EXPECT_EQ((Lines{"IMAPIFolder(calendar).OpenEntry(ann, null, 00000001, type)"} + LookUps() +
+               SetAndSave("IMessage(ann)", {}) +
+               Lines{"MAPIFreeBuffer(props of ann)", "release IMessage(ann)"}),
+              store.Calls(kAllCalls));
     EXPECT_EQ((Lines{"========COutlookCalendarTable::ReadItem return PropertyValues [29]\r\n",
                      "=========pCurrentEntity->SetProps hr= 0000000000000000! \r\n",
                      "=========pCurrentEntity->SaveChanges(FORCE_SAVE) hr= 0000000000000000! \r\n",
@@ -540,21 +605,21 @@ TEST_F(AppointmentWritingTest, AddsAMessageWithTheseCallsAndLines)
     Open();
     table->ResetItem();
     const ComPtr<RecordingAppointment> item = UsualItem();
-    item->recurringInfo.eRecurType = Daily;
-    item->recurringInfo.tDaily.ulIntervalDay = 1;
+    SetRule(*item.Get(), Daily);
+    item->recurringInfo.tDaily.ulIntervalDay = 2;
     store.ClearRecord();
     capture.TakeLogMessages();
     std::wstring folderID = L"before";
     EXPECT_EQ(IdOf("new 1"), table->AddItem(item.Get(), folderID));
     EXPECT_EQ(L"", folderID);
-    Lines calls = store.Calls();
-    ASSERT_GE(calls.size(), 7u);
-    EXPECT_EQ("IMAPIFolder(calendar).CreateMessage(null, 00000000)", calls[1]);
-    EXPECT_TRUE(calls[calls.size() - 3].starts_with("IMessage(new 1).SetProps({001A001F "))
-        << calls[calls.size() - 3];
-    EXPECT_EQ((Lines{"IMessage(new 1).SaveChanges(00000004)",
-                     "IMessage(new 1).GetProps([0FFF0102 30080040], 80000000)"}),
-              Lines(calls.end() - 2, calls.end()));
+    EXPECT_EQ((Lines{"IMAPIFolder(calendar).QueryInterface(IMAPIFolder)",
+                     "IMAPIFolder(calendar).CreateMessage(null, 00000000)",
+                     "IMessage(new 1).QueryInterface(IMAPIProp)"} +
+               LookUps() +
+               SetAndSave("IMessage(new 1)",
+                          Zone(FixedRules(-60), "Alger") + Recurs("daily_never", "1")) +
+               Lines{"MAPIFreeBuffer(props of new 1)", "release IMessage(new 1)"}),
+              store.Calls(kAllCalls));
     EXPECT_EQ((Lines{"========COutlookCalendarTable::ReadItem return PropertyValues [30]\r\n",
                      "=========m_pCurrentEntity->SetProps hr= 0000000000000000! \r\n",
                      "=========m_pCurrentEntity->SaveChanges(FORCE_SAVE) hr= "

@@ -55,6 +55,18 @@ class RecurrenceBlobTest : public ::testing::Test
         return HexOf(HexFile("recurrence/" + name + ".hex"));
     }
 
+    // Every second day from then on, an hour, without an end. On all days that the tests use the
+    // first date is 1,440: they are odd counts from 1601-01-01 on, as 2024-03-05 is, day 154561.
+    static std::string EverySecondDay(std::uint32_t localStart)
+    {
+        const std::uint32_t minutes = localStart % 1440;
+        BlobFields blob;
+        blob.U16(0x3004).U16(0x3004).U16(0x200A).U16(0).U16(0).U32(1440).U32(2880).U32(0);
+        blob.Lists(0x2023, 10, {}, {}).U32(localStart - minutes).U32(0x5AE980DF);
+        blob.U32(0x3006).U32(0x3009).U32(minutes).U32(minutes + 60).U16(0).U32(0).U32(0);
+        return HexOf(blob.Bytes());
+    }
+
     Microsoft::WRL::ComPtr<RecordingAppointment> item;
     FixedZones zones;
 };
@@ -91,6 +103,49 @@ TEST_F(RecurrenceBlobTest, TurnsTheStartIntoTheTimeOfItsZone)
     item->nulls.clear();
     item->failing = {"get TimeZone"};
     EXPECT_EQ(Built(), File("machine_summer"));
+}
+
+TEST_F(RecurrenceBlobTest, ChangesToSummerTimeAsTheMachinesZoneDoes)
+{
+    // South of the equator: ten hours east, summer time from October to April.
+    const ZoneRules southern =
+        SummerRules(-600, TransitionAt(10, 0, 1, 2), TransitionAt(4, 0, 1, 3));
+    // An hour of summer time, but no dates, as the registry has zones without it.
+    ZoneRules dateless = FixedRules(-540);
+    dateless.daylightBiasMinutes = -60;
+    struct Row
+    {
+        const ZoneRules& machine;
+        DATE utcStart;
+        std::uint32_t localStart;
+    };
+    const Row rows[] = {
+        // The changes are on 2024-03-10 and 2024-11-03.
+        {kEastern, DateOf(2024, 3, 9, 14, 0), MinutesAt(2024, 3, 9, 9, 0)},
+        {kEastern, DateOf(2024, 3, 11, 14, 0), MinutesAt(2024, 3, 11, 10, 0)},
+        {kEastern, DateOf(2024, 11, 2, 14, 0), MinutesAt(2024, 11, 2, 10, 0)},
+        {kEastern, DateOf(2024, 11, 4, 14, 0), MinutesAt(2024, 11, 4, 9, 0)},
+        // On 2024-04-07 and 2024-10-06.
+        {southern, DateOf(2024, 1, 15, 0, 0), MinutesAt(2024, 1, 15, 11, 0)},
+        {southern, DateOf(2024, 4, 6, 0, 0), MinutesAt(2024, 4, 6, 11, 0)},
+        {southern, DateOf(2024, 4, 8, 0, 0), MinutesAt(2024, 4, 8, 10, 0)},
+        {southern, DateOf(2024, 10, 5, 0, 0), MinutesAt(2024, 10, 5, 10, 0)},
+        {southern, DateOf(2024, 10, 7, 0, 0), MinutesAt(2024, 10, 7, 11, 0)},
+        {dateless, DateOf(2024, 1, 15, 0, 0), MinutesAt(2024, 1, 15, 9, 0)},
+        {dateless, DateOf(2024, 7, 15, 0, 0), MinutesAt(2024, 7, 15, 9, 0)},
+    };
+    item->texts["TimeZone"] = L"Atlantis";
+    for (const Row& row : rows)
+    {
+        SetMachine(zones, row.machine, L"Machine's own");
+        SetTimes(row.utcStart);
+        EXPECT_EQ(Built(), EverySecondDay(row.localStart)) << row.utcStart;
+    }
+    // The same by its name.
+    SetMachine(zones, kEastern, L"Machine's own");
+    zones.rules[L"Tokyo"] = dateless;
+    item->texts["TimeZone"] = L"Tokyo";
+    EXPECT_EQ(Built(), EverySecondDay(MinutesAt(2024, 7, 15, 9, 0)));
 }
 
 TEST_F(RecurrenceBlobTest, TakesTheStartOfAnAllDayAppointmentAsItStands)
@@ -295,6 +350,57 @@ TEST_F(RecurrenceBlobTest, PutsTheRecordThatItRead)
     // That the put fails does not matter.
     item->failing = {"put RecurringInfo"};
     ParseRecurrenceBlob(*item.Get(), blob.Bytes());
+}
+
+TEST_F(RecurrenceBlobTest, PutsARecordOfNoKindForAnUnknownPattern)
+{
+    BlobFields blob;
+    blob.Pattern(0x200D, 5, 12).Lists(0x2022, 9, {MinutesAt(2024, 3, 7)}, {});
+    blob.Span(MinutesAt(2024, 3, 5), 0);
+    ParseRecurrenceBlob(*item.Get(), blob.Bytes());
+    EXPECT_EQ(item->calls.back(), "put RecurringInfo [0]");
+    EXPECT_EQ(TextOf(item->recurringInfo), "end.kind 1\nend.times 9\ndeleted0 2024-03-07 00:00\n");
+}
+
+TEST_F(RecurrenceBlobTest, KeepsTextsInTheSystemsCodePage)
+{
+    const wchar_t text[] = L"\x00E9\x20AC";
+    char encoded[16] = {};
+    const int encodedBytes =
+        WideCharToMultiByte(CP_ACP, 0, text, 2, encoded, sizeof(encoded), nullptr, nullptr);
+    ASSERT_LT(0, encodedBytes);
+    const std::string bytes(encoded, static_cast<std::size_t>(encodedBytes));
+    wchar_t decoded[16] = {};
+    ASSERT_LT(0, MultiByteToWideChar(CP_ACP, 0, encoded, encodedBytes, decoded, 16));
+
+    const std::uint32_t day = MinutesAt(2024, 3, 7);
+    const auto length = static_cast<std::uint32_t>(bytes.size());
+    BlobFields blob;
+    blob.Pattern(0x200A, 0, 1440).Lists(0x2023, 10, {day}, {day});
+    blob.Span(MinutesAt(2024, 3, 5), 0x5AE980DF, 1);
+    blob.U32(day + 600).U32(day + 660).U32(day + 570).U16(0x0011);
+    blob.U16(length + 1).U16(length).Text(bytes).U16(length + 1).U16(length).Text(bytes);
+    blob.U32(0).U32(4).U32(0).U32(0).U32(day + 600).U32(day + 660).U32(day + 570);
+    blob.U16(2).U16(0xE9).U16(0x20AC).U16(2).U16(0xE9).U16(0x20AC).U32(0).U32(0);
+
+    _tagRecurringInfo& record = item->recurringInfo;
+    record.tDaily.ulIntervalDay = 1;
+    record.arrDeletedInstance[0] = DateOf(2024, 3, 7);
+    _tagModifiedInstanceInfo& instance = record.arrModifiedInstance[0];
+    instance.dtModifiedDate = DateOf(2024, 3, 7);
+    instance.dtStartDateTime = DateOf(2024, 3, 7, 10, 0);
+    instance.dtEndDateTime = DateOf(2024, 3, 7, 11, 0);
+    instance.dtOriginalDateTime = DateOf(2024, 3, 7, 9, 30);
+    PutText(text, instance.szSubject);
+    PutText(text, instance.szLocation);
+    item->allDay = -1; // so that the start counts as local
+    EXPECT_EQ(Built(), HexOf(blob.Bytes()));
+
+    ParseRecurrenceBlob(*item.Get(), blob.Bytes());
+    std::uint16_t expected[260];
+    PutText(decoded, expected);
+    EXPECT_TRUE(std::ranges::equal(expected, instance.szSubject));
+    EXPECT_TRUE(std::ranges::equal(expected, instance.szLocation));
 }
 
 TEST_F(RecurrenceBlobTest, PutsNothingForABlobThatEndsTooEarly)
