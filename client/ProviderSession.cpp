@@ -8,13 +8,27 @@ namespace pim
 {
 using Microsoft::WRL::ComPtr;
 
+namespace
+{
+[[noreturn]] void ThrowLack(const std::wstring& provider, const std::wstring& part)
+{
+    throw Failure{kExitFailed,
+                  L"The store of \"" + provider + L"\" has no " + part +
+                      L". pim providers lists the mail clients that are there."};
+}
+} // namespace
+
 ProviderSession::ProviderSession(const Server& server,
                                  const std::optional<std::wstring>& provider,
                                  const std::wstring& part,
                                  const OpenPart& open)
     : m_service(server.Get())
 {
-    const bool isOpen = open(m_service.Get()) || Start(server, provider, part, open);
+    if (!open(m_service.Get()))
+    {
+        CheckIsIdle(part);
+        Start(server, provider, part, open);
+    }
     // Only Outlook has an identity of the user to give.
     ComPtr<INUserProperties> identity;
     CheckDone(m_service->GetUserProperties(identity.GetAddressOf()),
@@ -22,10 +36,6 @@ ProviderSession::ProviderSession(const Server& server,
     m_isOutlook = identity != nullptr;
     if (!m_started && m_isOutlook)
         m_name = kOutlook;
-    if (!isOpen)
-        throw Failure{kExitFailed,
-                      L"The service was stopped by another program, or its store has no " + part +
-                          L". Run the command again."};
     const bool isOther = !m_started && provider && pim::IsOutlook(*provider) != m_isOutlook;
     if (isOther)
         throw Failure{kExitFailed,
@@ -33,7 +43,19 @@ ProviderSession::ProviderSession(const Server& server,
                           *provider + L"\". End that program and run the command again."};
 }
 
-bool ProviderSession::Start(const Server& server,
+void ProviderSession::CheckIsIdle(const std::wstring& part) const
+{
+    // Each provider has a calendar object, though it may be empty.
+    ComPtr<INCalendar> calendar;
+    CheckDone(m_service->GetCalendar(calendar.GetAddressOf()),
+              L"The server did not answer about its provider");
+    if (calendar)
+        throw Failure{kExitFailed,
+                      L"Another program uses the server with a mail client whose store has no " +
+                          part + L". End that program and run the command again."};
+}
+
+void ProviderSession::Start(const Server& server,
                             const std::optional<std::wstring>& provider,
                             const std::wstring& part,
                             const OpenPart& open)
@@ -57,10 +79,8 @@ bool ProviderSession::Start(const Server& server,
         }
         m_name = name;
         m_started = std::make_unique<StartedService>(m_service);
-        const bool isOpen = open(m_service.Get());
-        // One that was asked for is used as it is.
-        if (isOpen || provider)
-            return isOpen;
+        if (open(m_service.Get()))
+            return;
         m_started.reset();
         m_name.reset();
     }
@@ -69,9 +89,7 @@ bool ProviderSession::Start(const Server& server,
                       L"No mail client that the server knows is installed here. "
                       L"pimstore install --book or --store sets up a store of our own."};
     if (failedName.empty())
-        throw Failure{kExitFailed,
-                      L"The store of \"" + names.back() + L"\" has no " + part +
-                          L". pim providers lists the mail clients that are there."};
+        ThrowLack(names.back(), part);
     throw Failure{kExitFailed,
                   L"The server could not start \"" + failedName + L"\" (" +
                       ResultText(firstFailure) +

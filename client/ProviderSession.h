@@ -15,8 +15,8 @@ namespace pim
 class ProviderSession
 {
   public:
-    // Asks the running service for a part of its store; true where it has it. A service that does
-    // not run has nothing.
+    // Asks the service for a part of its store; true where it has it. A service that does not run
+    // has nothing.
     using OpenPart = std::function<bool(INPersonalInformationService*)>;
 
     // A name picks that provider; without one it is the default where that is usable, else the
@@ -37,7 +37,9 @@ class ProviderSession
     bool IsOutlook() const noexcept { return m_isOutlook; }
 
   private:
-    bool Start(const Server& server,
+    // Throws: Failure, where a provider runs that another client started.
+    void CheckIsIdle(const std::wstring& part) const;
+    void Start(const Server& server,
                const std::optional<std::wstring>& provider,
                const std::wstring& part,
                const OpenPart& open);

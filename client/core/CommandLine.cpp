@@ -68,6 +68,7 @@ struct ItemWords
     const char* about;
     const char* one;
     const char* listed;
+    const char* afterWriting = ""; // what else help says of commands that write
 };
 constexpr ItemWords kItemWords[] = {
     {ItemKind::Appointment,
@@ -84,7 +85,8 @@ constexpr ItemWords kItemWords[] = {
      "groups",
      "Show and change groups of contacts",
      "a group",
-     "List all groups by their names"},
+     "List all groups by their names",
+     "; the server does not list it as a group any longer"},
     {ItemKind::Category,
      "categories",
      "Show and change categories",
@@ -169,12 +171,13 @@ void AddItemCommands(CLI::App& app,
     CLI::App* const show = add("show", "Show " + one, CommandKind::Show);
     AddId(*show, words.items, typed);
     AddPictureDirectory(*show, words.items, typed);
-    CLI::App* const make = add("add", "Add " + one + "; its new ID is printed", CommandKind::Add);
+    CLI::App* const make =
+        add("add", "Add " + one + "; its new ID is printed" + words.afterWriting, CommandKind::Add);
     if (IsNamedOnly(words.items))
     {
         AddName(*make, words.items, typed);
-        CLI::App* const rename =
-            add("rename", "Give " + one + " another name", CommandKind::Rename);
+        CLI::App* const rename = add(
+            "rename", "Give " + one + " another name" + words.afterWriting, CommandKind::Rename);
         AddId(*rename, words.items, typed);
         rename->add_option("NAME", typed.name, "The new name")->required();
     }
