@@ -46,6 +46,7 @@ NewFile ReserveFile(const wchar_t* fileName, const wchar_t* extension)
         return {};
     NewFile file = {placeholder, placeholder + PictureExtension(extension)};
     RememberPictureFiles({file.placeholder, file.path});
+    // A net below the rules of prefix and extension, which let no such name through.
     if (!IsFileOfFolder(folder, file.path))
         file.path.clear();
     return file;
@@ -73,17 +74,35 @@ LONG CopyFromFile(HANDLE file, IStream& data)
 {
     std::array<BYTE, kWritePieceBytes> piece;
     std::uint32_t total = 0;
-    for (;;)
+    while (total < kLongestPictureBytes)
     {
         DWORD read = 0;
         if (!ReadFile(file, piece.data(), static_cast<DWORD>(piece.size()), &read, nullptr) ||
             read == 0)
-            return static_cast<LONG>(total);
+            break;
         total += read;
         ULONG written = 0;
         if (FAILED(data.Write(piece.data(), read, &written)) || written < read)
-            return static_cast<LONG>(total);
+            break;
     }
+    return static_cast<LONG>(total);
+}
+
+// Null where there is no such file. The path is a client's: what is no file on a disk, such as a
+// pipe or a device, could keep the server waiting for bytes, and counts as none.
+UniqueFile OpenPictureFile(const std::wstring& path)
+{
+    constexpr DWORD kNoSharing = 0;
+    UniqueFile file(CreateFileW(path.c_str(),
+                                GENERIC_READ,
+                                kNoSharing,
+                                nullptr,
+                                OPEN_EXISTING,
+                                FILE_ATTRIBUTE_NORMAL,
+                                nullptr));
+    if (file && GetFileType(file.Get()) != FILE_TYPE_DISK)
+        file.Reset();
+    return file;
 }
 
 // What marks an attachment as a contact's picture. Its format is not looked at.
@@ -141,14 +160,7 @@ void CreatePicture(const std::wstring& path, IAttach* attachment)
     if (path.empty() || !attachment)
         return;
     LogPrintf(L"CMAPIAddrBook::Create Picture");
-    constexpr DWORD kNoSharing = 0;
-    UniqueFile file(CreateFileW(path.c_str(),
-                                GENERIC_READ,
-                                kNoSharing,
-                                nullptr,
-                                OPEN_EXISTING,
-                                FILE_ATTRIBUTE_NORMAL,
-                                nullptr));
+    UniqueFile file = OpenPictureFile(path);
     if (!file)
         return;
     ComPtr<IStream> data = OpenData(*attachment, MAPI_CREATE | MAPI_MODIFY);

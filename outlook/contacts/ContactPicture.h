@@ -21,5 +21,7 @@ inline constexpr std::uint64_t kLongestPictureBytes = 64u << 20;
 
 // Fills an open attachment from a file, marks it as a contact's picture and saves it. Nothing for
 // an empty path or a null attachment; where the file or the attachment's data cannot be opened,
-// nothing is set or saved. Throws std::bad_alloc.
+// or the path leads to a pipe or a device, nothing is set or saved.
+// Limits:  kLongestPictureBytes; a longer file is cut there.
+// Throws std::bad_alloc.
 void CreatePicture(const std::wstring& path, IAttach* attachment);

@@ -2,18 +2,23 @@
 
 #include "outlook/contacts/ContactCalls.h"
 #include "outlook/contacts/ContactTableFixture.h"
+#include "outlook/contacts/JournalLines.h"
 #include "support/DebugOutputCapture.h"
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <thread>
 
 using Microsoft::WRL::ComPtr;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 using testing::Not;
 using testing::StartsWith;
 using Lines = std::vector<std::string>;
@@ -38,6 +43,14 @@ std::vector<BYTE> ContentOf(const std::wstring& path)
 {
     std::ifstream file(std::filesystem::path(path), std::ios::binary);
     return std::vector<BYTE>(std::istreambuf_iterator<char>(file), {});
+}
+
+// The user's own.
+std::wstring JournalPath()
+{
+    wchar_t folder[MAX_PATH] = {};
+    SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder);
+    return std::wstring(folder) + L"\\PimStoreBridge\\pictures.txt";
 }
 
 StoreProps Photo(std::vector<BYTE> bytes,
@@ -134,6 +147,8 @@ TEST_F(ContactPictureTest, IsCopiedIntoATemporaryFile)
     // The empty file that reserves the name stays beside it.
     EXPECT_EQ(0u, std::filesystem::file_size(path.substr(0, path.size() - 4)));
     EXPECT_EQ(2u, temporary.CountFiles());
+    // Both will be removed some day.
+    EXPECT_THAT(JournalLines(JournalPath()), IsSupersetOf({path.substr(0, path.size() - 4), path}));
     EXPECT_THAT(PictureCalls(),
                 ElementsAre("IMessage(ann).OpenAttach(0, IAttachment, 00000010)",
                             "IAttach(ann#0).OpenProperty(37010102, IStream, 0, 00000000)",
@@ -205,6 +220,24 @@ TEST_F(ContactPictureTest, ACopyThatBreaksOffIsHandedOn)
     const std::wstring none = TextIn(Read("ann").Get(), &INContactItem::get_Picture);
     EXPECT_TRUE(std::filesystem::exists(none));
     EXPECT_THAT(ContentOf(none), IsEmpty());
+}
+
+// The first of three pieces is read, the second fails.
+TEST_F(ContactPictureTest, WhatWasReadBeforeAFailureIsHandedOn)
+{
+    AddContact("ann", "contacts");
+    store.AddAttachment("ann", Photo(Bytes(16384 * 3)));
+    LoadTable();
+    Read("ann");
+    std::vector<unsigned> reads;
+    for (const RecordedStoreCall& call : store.Record())
+        if (call.text.starts_with("IStream(ann#0 37010102 stream).Read"))
+            reads.push_back(call.number);
+    ASSERT_EQ(4u, reads.size()); // the last one finds the end
+    store.ClearRecord();
+    store.Fail(reads[1], StoreFault::CallFailed);
+    const std::wstring path = TextIn(Read("ann").Get(), &INContactItem::get_Picture);
+    EXPECT_EQ(Bytes(16384), ContentOf(path));
 }
 
 TEST_F(ContactPictureTest, AnAttachmentThatCannotBeOpenedMakesNoFile)
@@ -293,6 +326,57 @@ TEST_F(CreatePictureTest, AFileThatCannotBeOpenedLeavesTheAttachmentAlone)
                 ElementsAre("CMAPIAddrBook::Create Picture",
                             "CMAPIAddrBook::Create Picture",
                             "CMAPIAddrBook::Create Picture"));
+}
+
+// A device gives bytes for ever, or none.
+TEST_F(CreatePictureTest, ADeviceIsNoPicture)
+{
+    CreatePicture(L"NUL", attachment.Get());
+    CreatePicture(L"\\\\.\\NUL", attachment.Get());
+    EXPECT_THAT(store.Calls(), IsEmpty());
+}
+
+// Its other end may never write.
+TEST_F(CreatePictureTest, APipeIsNoPicture)
+{
+    const std::wstring name =
+        L"\\\\.\\pipe\\PimStoreBridgeTest" + std::to_wstring(GetCurrentProcessId());
+    UniqueFile pipe(CreateNamedPipeW(
+        name.c_str(), PIPE_ACCESS_OUTBOUND, PIPE_TYPE_BYTE | PIPE_WAIT, 1, 4096, 4096, 0, nullptr));
+    ASSERT_TRUE(pipe);
+    // Writes a little and closes, so that a copy would end.
+    std::jthread writer([&pipe] {
+        ConnectNamedPipe(pipe.Get(), nullptr);
+        DWORD written = 0;
+        WriteFile(pipe.Get(), "abc", 3, &written, nullptr);
+        pipe.Reset();
+    });
+    CreatePicture(name, attachment.Get());
+    writer.join();
+    EXPECT_THAT(store.Calls(), IsEmpty());
+}
+
+TEST_F(CreatePictureTest, TheCopyStopsAtItsLimit)
+{
+    const std::wstring path = files.File(L"long.bin");
+    {
+        const UniqueFile file(CreateFileW(path.c_str(),
+                                          GENERIC_WRITE,
+                                          0,
+                                          nullptr,
+                                          CREATE_ALWAYS,
+                                          FILE_ATTRIBUTE_NORMAL,
+                                          nullptr));
+        const LARGE_INTEGER size = {.QuadPart = 64 * 1024 * 1024 + 1};
+        ASSERT_TRUE(SetFilePointerEx(file.Get(), size, nullptr, FILE_BEGIN));
+        ASSERT_TRUE(SetEndOfFile(file.Get()));
+    }
+    CreatePicture(path, attachment.Get());
+    const Lines calls = store.Calls();
+    // 64 MiB in pieces of 8192 bytes.
+    EXPECT_EQ(8192, std::ranges::count(calls, "IStream(ann#0 37010102 stream).Write(8192)"));
+    ASSERT_EQ(8192u + 4, calls.size());
+    EXPECT_EQ(Setting("67108864"), calls[8192 + 2]);
 }
 
 TEST_F(CreatePictureTest, WithoutAPathOrAnAttachmentNothingHappens)

@@ -1,13 +1,13 @@
 #include "outlook/contacts/PictureJournal.h"
 
-#include "support/ScratchDirectory.h"
+#include "outlook/contacts/JournalLines.h"
 #include "platform/UniqueHandle.h"
+#include "support/ScratchDirectory.h"
 
 #include <gmock/gmock.h>
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -42,24 +42,7 @@ class PictureJournalTest : public testing::Test
         EXPECT_TRUE(SetFileTime(file.Get(), nullptr, nullptr, &time));
         return made;
     }
-    std::vector<std::wstring> Lines() const
-    {
-        std::ifstream input(std::filesystem::path(path), std::ios::binary);
-        const std::string bytes(std::istreambuf_iterator<char>(input), {});
-        std::vector<std::wstring> lines;
-        std::wstring line;
-        for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
-        {
-            const auto unit = static_cast<wchar_t>(static_cast<unsigned char>(bytes[i]) |
-                                                   static_cast<unsigned char>(bytes[i + 1]) << 8);
-            if (unit != L'\n')
-                line += unit;
-            else
-                lines.push_back(std::exchange(line, {}));
-        }
-        EXPECT_EQ(L"", line);
-        return lines;
-    }
+    std::vector<std::wstring> Lines() const { return JournalLines(path); }
     static bool Exists(const std::wstring& file) { return std::filesystem::exists(file); }
 
     ScratchDirectory scratch;
