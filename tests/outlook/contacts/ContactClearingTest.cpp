@@ -80,6 +80,9 @@ TEST_F(ContactClearingTest, WhatIsListedGoesAndTheRestStays)
     props.Text(0x8083001F, L"a@b").Time(0x80DE0040, 1).Texts(0x80E2101F, {L"Friends"});
     props.Text(0x8005001F, L"file as").Number(0x80060003, 5).Bytes(0x10090102, {1});
     props.Text(0x8010001F, L"another's");
+    // The office, and numbers of kinds that no contact here has.
+    for (const ULONG id : {0x3A19, 0x3A02, 0x3A1A, 0x3A23, 0x3A2C, 0x3A2D, 0x3A4B})
+        props.Text(PROP_TAG(PT_UNICODE, id), L"lost");
     AddContact("ann", "contacts", props);
     Clear();
     EXPECT_THAT(store.PropsOf("ann"),

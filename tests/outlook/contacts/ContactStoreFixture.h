@@ -25,6 +25,14 @@ inline void NameContactProperties(RecordingStore& store)
     store.NameProperty(kPublicNames, L"Keywords");
 }
 
+// Compressed RTF of the text "note", which stands as it is behind a header of 16 bytes: the size of
+// what follows the first field, 24; that of the text, 12; the kind "MELA"; no checksum.
+inline std::vector<BYTE> RtfOfANote()
+{
+    const std::string bytes("\x18\0\0\0\x0C\0\0\0MELA\0\0\0\0{\\rtf1 note}", 28);
+    return std::vector<BYTE>(bytes.begin(), bytes.end());
+}
+
 // "contacts" with the names known, and nothing in it.
 class ContactStoreTest : public testing::Test
 {

@@ -156,6 +156,61 @@ TEST_F(ContactUpdateTest, AddsInThisOrder)
             "FirstName \"New\"", "DisplayName \"New\"", "JobTitle \"\"", "CompanyName \"\""));
 }
 
+// A further load appends the contact once more, with its folder. Its first entry, which has none,
+// stays before that and is the one that is found.
+TEST_F(ContactUpdateTest, ALoadAfterAnAdditionLeavesTheAddedEntryFirst)
+{
+    OpenTable();
+    const std::wstring id = Add(ContactOf({}).Get());
+    table->GetItemIDs();
+    const auto entries = Entries();
+    ASSERT_EQ(2u, entries.size());
+    EXPECT_EQ(id, entries.front().clientEntryID);
+    EXPECT_EQ(L"", entries.front().folderKey);
+    EXPECT_EQ(id, entries.back().clientEntryID);
+    EXPECT_EQ(IdOf("contacts"), entries.back().folderKey);
+    EXPECT_EQ(L"", TextIn(Read("new 1").Get(), &INContactItem::get_ParentFolderID));
+}
+
+// All that an addition makes further calls for, but for the identity's stamp.
+TEST_F(ContactUpdateTest, AddsAddressPictureAndCategoriesInThisOrder)
+{
+    OpenTable();
+    const ScratchDirectory files;
+    const std::wstring path = files.File(L"a.png");
+    std::ofstream(std::filesystem::path(path), std::ios::binary) << "abc";
+    Add(ContactOf(LinesOf(R"(
+        Business.City "Bonn"
+        Category "Friends"
+        Picture )" + QuotedText(path)))
+            .Get());
+    EXPECT_THAT(
+        store.Calls(),
+        ElementsAre("IMAPIFolder(contacts).QueryInterface(IMAPIFolder)",
+                    "IMAPIFolder(contacts).CreateMessage(null, 00000000)",
+                    "IMessage(new 1).QueryInterface(IMAPIProp)",
+                    Writing()[0],
+                    "IMessage(new 1).QueryInterface(IMAPIProp)",
+                    std::string("IMessage(new 1).GetIDsFromNames([") + kAddressSetText +
+                        " 8049 8047 8046 8045 8048 804A 801B], 00000000)",
+                    Writing()[1],
+                    "IMessage(new 1).QueryInterface(IMessage)",
+                    "IMessage(new 1).CreateAttach(null, 00000000)",
+                    "IAttach(new 1#0).OpenProperty(37010102, IStream, 0, 00000003)",
+                    "IStream(new 1#0 37010102 stream).Write(3)",
+                    "IStream(new 1#0 37010102 stream).Commit(00000001)",
+                    MarkingPictureCall("new 1#0", "3"),
+                    "IAttach(new 1#0).SaveChanges(00000004)",
+                    kAskFolder + kPublicSetText + " \"Keywords\"], 00000000)",
+                    "IMessage(new 1).SetProps({001A001F \"IPM.Contact\", 3A17001F \"\", 3A16001F "
+                    "\"\", 8046001F \"Bonn\", 3001001F \"\", 0037001F \"\", 8005001F \"\", "
+                    "80060003 0, 8015000B 1, 10800003 512, 80E2101F [\"Friends\"]}, problems)",
+                    "IMessage(new 1).SaveChanges(00000004)",
+                    "IMessage(new 1).GetProps([0FFF0102 30080040], 80000000)",
+                    "IMAPIFolder(contacts).OpenEntry(new 1, null, 00000002, type)",
+                    "IMessage(new 1).GetProps([0FFF0102 30080040], 80000000)"));
+}
+
 TEST_F(ContactUpdateTest, TheCountOfValuesIsLogged)
 {
     OpenTable();

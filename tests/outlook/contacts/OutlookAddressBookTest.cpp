@@ -1,5 +1,6 @@
 // The address book object over Outlook: service manager, automation objects and tables over the
 // real discovery and the recording store.
+#include "outlook/contacts/ContactCalls.h"
 #include "outlook/contacts/ContactTableFixture.h"
 #include "platform/SafeArray.h"
 #include "service/ServiceManager.h"
@@ -9,6 +10,9 @@
 #include "tests/outlook/OutlookInstallation.h"
 
 #include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
 
 using Microsoft::WRL::ComPtr;
 using testing::Contains;
@@ -22,10 +26,12 @@ namespace
 class OutlookAddressBookTest : public testing::Test
 {
   protected:
-    OutlookAddressBookTest()
+    OutlookAddressBookTest() { Fill(&NameContactProperties); }
+    // Knows the names that one names.
+    void Fill(void (*nameProperties)(RecordingStore&))
     {
         store.AddUsualFolders();
-        NameContactProperties(store);
+        nameProperties(store);
         store.AddFolder("family", "contacts", L"IPF.Contact");
         // Else the logon would create it, and new messages would count from there.
         store.AddMessage("categories",
@@ -213,6 +219,108 @@ TEST_F(OutlookAddressBookTest, AddsUpdatesAndDeletes)
     Bstr second;
     EXPECT_EQ(S_OK, book->AddItem(contact.Get(), second.Put()));
     EXPECT_EQ(IdOf("new 2"), TextOf(second.Get()));
+}
+
+// All that adding a contact may have to do, the identity's stamp among it.
+TEST_F(OutlookAddressBookTest, AddsInThisOrder)
+{
+    Start();
+    const ScratchDirectory files;
+    const std::wstring picture = files.File(L"a.png");
+    std::ofstream(std::filesystem::path(picture), std::ios::binary) << "abc";
+    store.ClearRecord();
+    Bstr id;
+    EXPECT_EQ(S_OK,
+              book->AddItem(ContactOf(LinesOf(R"(
+                                FirstName "Cid"
+                                Email "a@b"
+                                Business.City "Bonn"
+                                Category "Friends"
+                                Picture )" + QuotedText(picture)))
+                                .Get(),
+                            id.Put()));
+    const std::string askFolder = "IMAPIFolder(contacts).GetIDsFromNames([";
+    EXPECT_THAT(
+        store.Calls(),
+        ElementsAre(
+            "IMAPIFolder(contacts).QueryInterface(IMAPIFolder)",
+            "IMAPIFolder(contacts).CreateMessage(null, 00000000)",
+            "IMessage(new 1).QueryInterface(IMAPIProp)",
+            askFolder + kAddressSetText +
+                " 8062 8083 8080 8084 8082 8093 8090 8094 8092 80A3 80A0 80A4 80A2 80DE 80DF 8005 "
+                "8006 8028 8029], 00000000)",
+            // The business address.
+            "IMessage(new 1).QueryInterface(IMAPIProp)",
+            std::string("IMessage(new 1).GetIDsFromNames([") + kAddressSetText +
+                " 8049 8047 8046 8045 8048 804A 801B], 00000000)",
+            // The stamp: the identity is read anew, then its names are asked for.
+            "IMailUser(identity).GetProps([3A00001F 3002001F 3001001F 3A16001F 3003001F 3A06001F "
+            "3A11001F 3A19001F 39FE001F 3A20001F], 80000000)",
+            askFolder + kCommonSetText + " 8581 8580], 00000000)",
+            // The picture.
+            askFolder + kAddressSetText + " 8015], 00000000)",
+            "IMessage(new 1).QueryInterface(IMessage)",
+            "IMessage(new 1).CreateAttach(null, 00000000)",
+            "IAttach(new 1#0).OpenProperty(37010102, IStream, 0, 00000003)",
+            "IStream(new 1#0 37010102 stream).Write(3)",
+            "IStream(new 1#0 37010102 stream).Commit(00000001)",
+            MarkingPictureCall("new 1#0", "3"),
+            "IAttach(new 1#0).SaveChanges(00000004)",
+            // The categories.
+            askFolder + kPublicSetText + " \"Keywords\"], 00000000)",
+            "IMessage(new 1).SetProps({001A001F \"IPM.Contact\", 3A06001F \"Cid\", 3A17001F \"\", "
+            "3A16001F \"\", 8083001F \"a@b\", 8080001F \"Cid (a@b)\", 8084001F \"a@b\", 8082001F "
+            "\"SMTP\", 80290003 1, 80281003 [0], 8046001F \"Bonn\", 3001001F \"Cid\", 0037001F "
+            "\"Cid\", 8005001F \"Cid\", 80060003 32823, 80E0001F \"/o=Acme/cn=me\", 80E1001F "
+            "\"me@acme\", 8015000B 1, 10800003 512, 80E2101F [\"Friends\"]}, problems)",
+            "IMessage(new 1).SaveChanges(00000004)",
+            "IMessage(new 1).GetProps([0FFF0102 30080040], 80000000)",
+            "IMAPIFolder(contacts).OpenEntry(new 1, null, 00000002, type)",
+            "IMessage(new 1).GetProps([0FFF0102 30080040], 80000000)"));
+}
+
+TEST_F(OutlookAddressBookTest, AFailedLookupOfTheStampLeavesItOut)
+{
+    Start();
+    store.FailNext(std::string("IMAPIFolder(contacts).GetIDsFromNames([") + kCommonSetText,
+                   StoreFault::CallFailed);
+    Bstr id;
+    EXPECT_EQ(S_OK, book->AddItem(ContactOf(LinesOf(R"(FirstName "Cid")")).Get(), id.Put()));
+    const auto props = store.PropsOf("new 1");
+    EXPECT_THAT(props, Not(Contains(StartsWith("80E0"))));
+    EXPECT_THAT(props, Not(Contains(StartsWith("80E1"))));
+    EXPECT_THAT(props, Contains("3A06001F \"Cid\""));
+    EXPECT_THAT(props, Contains("10800003 512")); // what stands behind it
+}
+
+TEST_F(OutlookAddressBookTest, EachTextOfTheStampNeedsItsName)
+{
+    // The name that is known has the first ID, 8000.
+    const struct
+    {
+        void (*name)(RecordingStore&);
+        std::vector<std::string> stamp;
+    } cases[] = {
+        {[](RecordingStore&) {}, {}},
+        {[](RecordingStore& target) { target.NameProperty(kCommonNames, 0x8581); },
+         {"8000001F \"/o=Acme/cn=me\""}},
+        {[](RecordingStore& target) { target.NameProperty(kCommonNames, 0x8580); },
+         {"8000001F \"me@acme\""}},
+    };
+    for (const auto& one : cases)
+    {
+        book.Reset();
+        service.Reset();
+        manager.StopService();
+        store.Reset();
+        Fill(one.name);
+        Start();
+        Bstr id;
+        EXPECT_EQ(S_OK, book->AddItem(ContactOf({}).Get(), id.Put()));
+        auto named = store.PropsOf("new 1");
+        std::erase_if(named, [](const std::string& line) { return line[0] != '8'; });
+        EXPECT_EQ(one.stamp, named);
+    }
 }
 
 TEST_F(OutlookAddressBookTest, TextsOfTheIdentityThatAreMissingLeaveNoStamp)

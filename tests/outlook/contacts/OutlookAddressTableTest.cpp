@@ -236,6 +236,34 @@ TEST_F(OutlookAddressTableTest, ReadsAContactInThisOrder)
     EXPECT_FALSE(Current());
 }
 
+TEST_F(OutlookAddressTableTest, ReadsAContactWithAPictureInThisOrder)
+{
+    AddContact("ann", "contacts", WithRtf(StoreProps().Text(PR_BODY_W, L"A note")));
+    store.AddAttachment("ann",
+                        StoreProps()
+                            .Text(0x3704001F, L"Pic.jpg")
+                            .Text(0x3703001F, L".jpg")
+                            .Number(0x7FFF000B, 1)
+                            .Bytes(0x37010102, {1, 2, 3}));
+    LoadTable();
+    table->GetNextItem();
+    EXPECT_THAT(
+        store.Calls(),
+        ElementsAreArray(Joined({ReadingColumns("ann"),
+                                 ReadingAttachments("ann"),
+                                 {"IMAPITable(ann attachments table).QueryRows(1, 00000000)",
+                                  "IMessage(ann).QueryInterface(IMessage)",
+                                  "IMessage(ann).OpenAttach(0, IAttachment, 00000010)",
+                                  "IAttach(ann#0).OpenProperty(37010102, IStream, 0, 00000000)",
+                                  "IStream(ann#0 37010102 stream).Read(16384)",
+                                  "IStream(ann#0 37010102 stream).Read(16384)",
+                                  ReadingId("ann"),
+                                  ReadingBody("ann")}})));
+    ASSERT_TRUE(Current());
+    EXPECT_TRUE(
+        TextIn(Current().Get(), &INContactItem::get_Picture).starts_with(temporary.Folder()));
+}
+
 TEST_F(OutlookAddressTableTest, ReadsAContactWithoutRtfInThisOrder)
 {
     AddContact("ann", "contacts", StoreProps().Text(PR_BODY_W, L"A note"));
@@ -412,6 +440,16 @@ TEST_F(OutlookAddressTableTest, WithoutABodyRtfIsAsked)
     EXPECT_THAT(TextOfContact(Read("ann").Get()), IsEmpty());
     EXPECT_THAT(store.Calls(), Contains(ReadingBody("ann")));
     EXPECT_THAT(store.Calls(), Contains(OpeningRtf("ann")));
+}
+
+TEST_F(OutlookAddressTableTest, ANoteComesOutOfRtfWhereThereIsNoBody)
+{
+    AddContact("ann", "contacts", StoreProps().Bytes(0x10090102, RtfOfANote()));
+    LoadTable();
+    EXPECT_THAT(TextOfContact(Read("ann").Get()), ElementsAre("Notes \"note\""));
+    // An empty body is a body: the RTF is not asked.
+    store.SetProps("ann", StoreProps().Text(PR_BODY_W, L""));
+    EXPECT_THAT(TextOfContact(Read("ann").Get()), IsEmpty());
 }
 
 // --- After the end -----------------------------------------------------------------------------
