@@ -286,8 +286,9 @@ TEST_F(StoreContactTest, AContactOfAnotherFolderIsChangedAndDeletedThere)
     EXPECT_THAT(Column(rows.Get(), PR_SUBJECT_W), IsEmpty());
 }
 
-// New contacts go into the default folder, and their entry learns it with the next load.
-TEST_F(StoreContactTest, AnAddedContactLearnsItsFolderWithTheNextLoad)
+// New contacts go into the default folder; the table that added one does not tell it, a table that
+// is made later does.
+TEST_F(StoreContactTest, ANewTableKnowsTheFolderOfAnAddedContact)
 {
     AddContactFolder(L"Family");
     OpenTable();
