@@ -95,16 +95,14 @@ ULONG BareCalls(BenchStore& store, const ComPtr<IMAPIFolder>& folder)
     Require(folder->GetContentsTable(MAPI_UNICODE, table.GetAddressOf()), "contents");
     const MapiRowSet rows = ReadRows(*table.Get(), kListColumns, proxy);
     for (ULONG i = 0; i < rows->cRows; ++i)
-    {
         ReadBare(*folder.Get(), rows->aRow[i].lpProps[0].Value.bin, proxy);
-        CreateItem(CLSID_NAppointment);
-    }
     return rows->cRows;
 }
 
 void MeasureAll(const ScratchDirectory& scratch)
 {
-    MeasureWalks(scratch, {{1'000, 10'000}, PropertiesOf, LoadAndWalk, BareCalls, 1.3});
+    MeasureWalks(scratch,
+                 {{1'000, 10'000}, PropertiesOf, LoadAndWalk, BareCalls, CLSID_NAppointment, 1.3});
 }
 } // namespace
 

@@ -164,7 +164,8 @@ void MeasureWalks(const ScratchDirectory& scratch, const WalkBench& bench)
         const ComPtr<IMAPIFolder> folder = store.Folder(size);
         works.push_back({size,
                          [&store, &bench, folder] { return bench.own(store, folder); },
-                         [&store, &bench, folder] { return bench.bare(store, folder); }});
+                         [&store, &bench, folder] { return bench.bare(store, folder); },
+                         [&bench, size] { return CreateItems(bench.itemClass, size); }});
     }
     MeasureFolders("loading and walking", works, kMostBesideBare, bench.mostBesideFirst);
 }
@@ -205,12 +206,16 @@ void ReadAndFree(IMAPIProp& object, std::span<const ULONG> tags, CNProxcy& proxy
     proxy.FreeBuffer(values);
 }
 
-void CreateItem(REFCLSID classID)
+ULONG CreateItems(REFCLSID classID, ULONG count)
 {
-    ComPtr<INEntityItem> item;
-    CoCreateInstance(classID,
-                     nullptr,
-                     CLSCTX_ALL,
-                     IID_INEntityItem,
-                     reinterpret_cast<void**>(item.GetAddressOf()));
+    for (ULONG i = 0; i < count; ++i)
+    {
+        ComPtr<INEntityItem> item;
+        CoCreateInstance(classID,
+                         nullptr,
+                         CLSCTX_ALL,
+                         IID_INEntityItem,
+                         reinterpret_cast<void**>(item.GetAddressOf()));
+    }
+    return count;
 }

@@ -58,6 +58,7 @@ struct WalkBench
     std::function<std::string(ULONG)> properties;
     Work own;
     Work bare;
+    CLSID itemClass; // what is created for each item
     double mostBesideFirst;
 };
 void MeasureWalks(const ScratchDirectory& scratch, const WalkBench& bench);
@@ -67,4 +68,5 @@ void MeasureWalks(const ScratchDirectory& scratch, const WalkBench& bench);
 MapiRowSet ReadRows(IMAPITable& table, std::span<const ULONG> columns, CNProxcy& proxy);
 Microsoft::WRL::ComPtr<IUnknown> OpenToRead(IMAPIFolder& folder, const SBinary& entryID);
 void ReadAndFree(IMAPIProp& object, std::span<const ULONG> tags, CNProxcy& proxy);
-void CreateItem(REFCLSID classID);
+// So many of the class; gives their count.
+ULONG CreateItems(REFCLSID classID, ULONG count);

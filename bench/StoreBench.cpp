@@ -103,7 +103,7 @@ ULONG LoadAndWalk(BenchStore& store, IMAPIFolder& folder)
     }
 }
 
-// The same calls of the store, and one bare creation per item.
+// The same calls of the store.
 ULONG BareCalls(BenchStore& store, IMAPIFolder& folder)
 {
     CNProxcy& proxy = store.helper->Proxy();
@@ -114,7 +114,6 @@ ULONG BareCalls(BenchStore& store, IMAPIFolder& folder)
     {
         const ComPtr<IUnknown> object = OpenToRead(folder, rows->aRow[i].lpProps[0].Value.bin);
         ReadAndFree(*static_cast<IMAPIProp*>(object.Get()), kColumns, proxy);
-        CreateItem(CLSID_NAppointment);
     }
     return rows->cRows;
 }
@@ -217,7 +216,8 @@ void MeasureAll(const ScratchDirectory& scratch, ULONG largest)
         const ComPtr<IMAPIFolder> folder = folders.emplace_back(store.Folder(size));
         works.push_back({size,
                          [&store, folder] { return LoadAndWalk(store, *folder.Get()); },
-                         [&store, folder] { return BareCalls(store, *folder.Get()); }});
+                         [&store, folder] { return BareCalls(store, *folder.Get()); },
+                         [size] { return CreateItems(CLSID_NAppointment, size); }});
     }
     MeasureFolders("loading and walking", works, 1.5, 1.3);
     MeasureMemory(

@@ -25,18 +25,19 @@ Times TimesOf(const std::function<void()>& work);
 // A line of the table: the value, and its target where there is one.
 void PrintRow(const std::string& what, double value, const char* unit, double most = 0.0);
 
-// Work on a folder of so many items, and the bare calls that it cannot do without; each gives how
-// many items came.
+// Work on a folder of so many items, and what it cannot do without: the bare calls of the store,
+// and one bare creation for each item. Each gives how many items came.
 struct FolderWork
 {
     ULONG size;
     std::function<ULONG()> own;
     std::function<ULONG()> bare;
+    std::function<ULONG()> creations;
 };
 
 // Measures all of them in interleaved rounds and prints the lines of each.
 //   what:             what the work is, as "loading and walking"
-//   mostBesideBare:   the target beside the bare calls
+//   mostBesideBare:   the target beside the bare calls and creations
 //   mostBesideFirst:  the target of an item beside one of the first folder
 // Throws std::runtime_error where not every item came.
 void MeasureFolders(const std::string& what,
