@@ -12,7 +12,8 @@ namespace
 {
 using StoreCalendarSamplesTest = StoreProviderTest;
 
-// By the names of the messages, what TextOfAppointment gives but for the lines of kVaries.
+// By the names of the messages, what TextOfAppointment gives but for the lines that
+// WithoutWhatVaries leaves out.
 const std::map<std::string, std::string> kExpected = {
     {"aspose-net_SampleOstFile_214304",
      "Subject 05 - test email - single meeting request\nReminder 15\nPlace meeting request\n"
@@ -72,7 +73,8 @@ std::string WithoutWhatVaries(const std::string& text, bool withoutZone)
 TEST_F(StoreCalendarSamplesTest, ReadsWhatMailClientsWrote)
 {
     std::vector<SampleMessage> messages;
-    for (const auto& path : SharedSamples("msg/appointments", ".jsonl"))
+    const auto paths = SharedSamples("msg/appointments", ".jsonl");
+    for (const auto& path : paths)
     {
         SampleMessage message = ReadSampleMessage(path);
         // Without what belongs to recipients and attachments.
@@ -81,6 +83,7 @@ TEST_F(StoreCalendarSamplesTest, ReadsWhatMailClientsWrote)
         if (kExpected.contains(message.name))
             messages.push_back(std::move(message));
     }
+    ASSERT_EQ(paths.empty() ? 0u : 9u, messages.size());
     nlohmann::json folders = nlohmann::json::array();
     folders.push_back(SampleFolder("calendar", "messages", messages));
     folders.push_back(SampleFolder("contacts", "messages", {}));
