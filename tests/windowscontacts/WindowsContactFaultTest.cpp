@@ -7,6 +7,10 @@
 #include <functional>
 
 using Microsoft::WRL::ComPtr;
+using testing::Contains;
+using testing::IsSupersetOf;
+using testing::Not;
+using testing::StartsWith;
 
 namespace
 {
@@ -17,99 +21,198 @@ constexpr StoreFault kAllFaults[] = {StoreFault::OutOfMemory,
                                      StoreFault::WrongTypes,
                                      StoreFault::ShortRows};
 
-// The harness has stores of its own, one at a time.
+// The harness has stores of its own, one at a time. They hold one contact, "ann", and one list,
+// "choir", which no failure touches.
 class WindowsContactFaultTest : public testing::Test
 {
   protected:
-    void Run(const char* name, const std::function<void(CWindowsMailAddressTable&)>& work)
+    void Fill(RecordingStore& store)
     {
-        for (const bool isOutlookExpress : {false, true})
+        store.AddBook();
+        store.AddBookEntry("ann",
+                           StoreProps()
+                               .Text(0x3A06001F, L"Ann")
+                               .Texts(0x3A56101F, {L"ann@x"})
+                               .Text(0x3A50001F, L"http://own")
+                               .Text(0x3A26001F, L"Norway")
+                               .Time(0x3A420040, 116444736000000000)
+                               .Text(0x3004001F, L"note")
+                               .Text(0x660E001F, L"C:\\a.jpg"));
+        store.SetEntryId("ann", MarkedID(L"ann"));
+        store.AddBookEntry("choir", StoreProps().Text(0x3001001F, L"Choir"), MAPI_DISTLIST);
+        annID = HexOf(store.EntryIdOf("ann"));
+    }
+
+    // A session with a table, and what to do with it, under both names of the provider. Without a
+    // failure that gives what the first check expects; the second one holds with each failure of
+    // which the caller can know.
+    void Run(const char* name,
+             const std::function<void(CWindowsMailAddressTable&)>& work,
+             const std::function<void(RecordingStore&)>& checkSuccess,
+             const std::function<void(RecordingStore&)>& checkAlways)
+    {
+        for (const bool underOutlookExpress : {false, true})
         {
-            const FaultTotals totals =
-                RunFaults({.name = name,
-                           .setUp =
-                               [this](RecordingStore& store) {
-                                   store.AddBook();
-                                   store.AddBookEntry("ann",
-                                                      StoreProps()
-                                                          .Text(0x3A06001F, L"Ann")
-                                                          .Texts(0x3A56101F, {L"a@x"})
-                                                          .Text(0x3A50001F, L"http://own")
-                                                          .Text(0x3A26001F, L"Norway")
-                                                          .Time(0x3A420040, 116444736000000000)
-                                                          .Text(0x3004001F, L"note")
-                                                          .Text(0x660E001F, L"C:\\a.jpg"));
-                                   store.AddBookEntry("choir", {}, MAPI_DISTLIST);
-                                   annID = HexOf(store.EntryIdOf("ann"));
-                               },
-                           .action =
-                               [&] {
-                                   const BookSession session;
-                                   if (!session.Container())
-                                       return; // the failing call was the session's own
-                                   CWindowsMailAddressTable table(session.Container(),
-                                                                  session.Helper(),
-                                                                  isOutlookExpress,
-                                                                  session.Book());
-                                   work(table);
-                               },
-                           .check = {}},
-                          kAllFaults);
+            isOutlookExpress = underOutlookExpress;
+            const FaultTotals totals = RunFaults(
+                {.name = name,
+                 .setUp = [this](RecordingStore& store) { Fill(store); },
+                 .action =
+                     [&] {
+                         hasSucceeded = false;
+                         const BookSession session;
+                         if (!session.Container())
+                             return; // the failing call was the session's own
+                         CWindowsMailAddressTable table(session.Container(),
+                                                        session.Helper(),
+                                                        isOutlookExpress,
+                                                        session.Book());
+                         work(table);
+                     },
+                 .check =
+                     [&](const FaultRun& run, RecordingStore& store) {
+                         SCOPED_TRACE(run.line + ' ' + NameOf(run.fault));
+                         if (run.fault == StoreFault::None)
+                         {
+                             EXPECT_TRUE(hasSucceeded);
+                             checkSuccess(store);
+                         }
+                         EXPECT_THAT(store.PropsOf("choir"), Contains("3001001F \"Choir\""));
+                         // A store that says it did and did not is beyond help, and a save goes on
+                         // whatever became of the values.
+                         if (run.fault != StoreFault::NullOutput &&
+                             run.line.find("SetProps") == std::string::npos)
+                             checkAlways(store);
+                     }},
+                kAllFaults);
             EXPECT_GT(totals.runs, 30u);
         }
     }
 
-    ComPtr<INContactItem> Ann()
+    // Another Ann. Without a picture, whose path is another each time.
+    ComPtr<INContactItem> Anna()
     {
-        // Without a picture, whose path is another each time.
         auto contact = ContactOf(LinesOf(R"(
-            FirstName "Ann"
-            Email "a@x"
+            FirstName "Anna"
+            Email "anna@x"
             Business.City "Bonn"
-            Birthday 25569)"));
+            Birthday 25570)"));
         contact->put_PersistentID(Bstr(std::wstring_view(annID)).Get());
         return contact;
     }
+    // What Anna is in the book. 25570 is 1970-01-02.
+    static void ExpectAnna(RecordingStore& store, const char* name)
+    {
+        EXPECT_THAT(store.PropsOf(name),
+                    IsSupersetOf({"3001001F \"Anna\"",
+                                  "3A06001F \"Anna\"",
+                                  "3A27001F \"Bonn\"",
+                                  "3A420040 116445600000000000",
+                                  "3A54101F [\"SMTP\"]",
+                                  "3A550003 0",
+                                  "3A56101F [\"anna@x\"]"}));
+    }
+    static void ExpectAnnAsSheWas(RecordingStore& store)
+    {
+        EXPECT_THAT(store.PropsOf("ann"),
+                    IsSupersetOf({"3004001F \"note\"",
+                                  "3A06001F \"Ann\"",
+                                  "3A26001F \"Norway\"",
+                                  "3A420040 116444736000000000",
+                                  "3A50001F \"http://own\"",
+                                  "3A56101F [\"ann@x\"]",
+                                  "660E001F \"C:\\x005Ca.jpg\""}));
+    }
 
+    bool isOutlookExpress = false;
+    bool hasSucceeded = false; // what the work has to say of it
     std::wstring annID;
 };
 } // namespace
 
 TEST_F(WindowsContactFaultTest, LoadingAndReading)
 {
-    Run("load and read", [](CWindowsMailAddressTable& table) {
-        table.GetItemIDs();
-        table.ResetItem();
-        table.GetNextItem();
-        table.GetNextItem();
-        EXPECT_FALSE(CurrentItem(table));
-    });
+    Run(
+        "load and read",
+        [this](CWindowsMailAddressTable& table) {
+            table.GetItemIDs();
+            EXPECT_EQ(L"", table.ToClientID(L""));
+            table.ResetItem();
+            table.GetNextItem();
+            const auto contact = QueryItem<INContactItem>(CurrentItem(table).Get());
+            const std::wstring clientID = isOutlookExpress ? annID : L"ann";
+            const auto isAnn = testing::UnorderedElementsAreArray(LinesOf(R"_(
+                FirstName "Ann"
+                Notes "note"
+                Picture "C:\x005Ca.jpg"
+                Email "ann@x"
+                Website "http://own"
+                Business.Country "Norway"
+                Birthday 25569)_"));
+            hasSucceeded = contact && table.ToClientID(annID) == clientID &&
+                           testing::Value(TextOfContact(contact.Get()), isAnn);
+            table.GetNextItem();
+            EXPECT_FALSE(CurrentItem(table));
+        },
+        [](RecordingStore&) {},
+        ExpectAnnAsSheWas);
 }
 
 TEST_F(WindowsContactFaultTest, Adding)
 {
-    Run("add", [&](CWindowsMailAddressTable& table) {
-        std::wstring folderID;
-        const auto contact = Ann();
-        table.AddItem(QueryItem<INEntityItem>(contact.Get()).Get(), folderID);
-        EXPECT_EQ(L"", folderID);
-    });
+    Run(
+        "add",
+        [this](CWindowsMailAddressTable& table) {
+            std::wstring folderID;
+            const auto contact = Anna();
+            hasSucceeded =
+                !table.AddItem(QueryItem<INEntityItem>(contact.Get()).Get(), folderID).empty();
+            EXPECT_EQ(L"", folderID);
+        },
+        [](RecordingStore& store) { ExpectAnna(store, "new 1"); },
+        [this](RecordingStore& store) {
+            ExpectAnnAsSheWas(store);
+            if (hasSucceeded)
+                ExpectAnna(store, "new 1");
+        });
 }
 
 TEST_F(WindowsContactFaultTest, Updating)
 {
-    Run("update", [&](CWindowsMailAddressTable& table) {
-        table.GetItemIDs();
-        table.ResetItem();
-        const auto contact = Ann();
-        table.UpdateItem(QueryItem<INEntityItem>(contact.Get()).Get());
-    });
+    Run(
+        "update",
+        [this](CWindowsMailAddressTable& table) {
+            table.GetItemIDs();
+            table.ResetItem();
+            const auto contact = Anna();
+            hasSucceeded = table.UpdateItem(QueryItem<INEntityItem>(contact.Get()).Get());
+        },
+        [](RecordingStore& store) {
+            ExpectAnna(store, "ann");
+            for (const char* const tag : {"3A26001F", "3A50001F", "660E001F"})
+                EXPECT_THAT(store.PropsOf("ann"), Not(Contains(StartsWith(tag))));
+        },
+        [this](RecordingStore& store) {
+            EXPECT_THAT(store.PropsOf("ann"), Contains("3004001F \"note\""));
+            if (hasSucceeded)
+                ExpectAnna(store, "ann");
+            else
+                ExpectAnnAsSheWas(store);
+        });
 }
 
 TEST_F(WindowsContactFaultTest, Deleting)
 {
-    Run("delete", [this](CWindowsMailAddressTable& table) {
-        table.GetItemIDs();
-        table.DeleteItem(annID);
-    });
+    Run(
+        "delete",
+        [this](CWindowsMailAddressTable& table) {
+            table.GetItemIDs();
+            hasSucceeded = table.DeleteItem(annID);
+        },
+        [](RecordingStore& store) { EXPECT_FALSE(store.Exists("ann")); },
+        [this](RecordingStore& store) {
+            EXPECT_EQ(!hasSucceeded, store.Exists("ann"));
+            if (!hasSucceeded)
+                ExpectAnnAsSheWas(store);
+        });
 }

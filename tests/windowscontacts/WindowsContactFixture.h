@@ -37,6 +37,14 @@ class ScopedShellFolder
     ScopedRegistryValue m_value;
 };
 
+// The bytes of an entry ID that carries that identity.
+inline std::vector<BYTE> MarkedID(const std::wstring& identity)
+{
+    const std::wstring text = L"/GUID:\"" + identity + L"\"";
+    const BYTE* const bytes = reinterpret_cast<const BYTE*>(text.data());
+    return std::vector<BYTE>(bytes, bytes + text.size() * sizeof(wchar_t));
+}
+
 // Library, address book and container of a running provider.
 class BookSession
 {
@@ -110,13 +118,6 @@ class WindowsContactTest : public testing::Test
         EXPECT_TRUE(store.IsClean()) << store.Complaints();
     }
 
-    // The bytes of an entry ID that carries that identity.
-    static std::vector<BYTE> MarkedID(const std::wstring& identity)
-    {
-        const std::wstring text = L"/GUID:\"" + identity + L"\"";
-        const BYTE* const bytes = reinterpret_cast<const BYTE*>(text.data());
-        return std::vector<BYTE>(bytes, bytes + text.size() * sizeof(wchar_t));
-    }
     // A contact whose entry ID carries its name as identity.
     void AddContact(const char* name, const StoreProps& props = {}, DATE utcModified = kFirstDay)
     {

@@ -104,6 +104,107 @@ TEST_F(WindowsContactPictureTest, APictureIsCopiedIntoTheHiddenFolder)
     EXPECT_NE(L"unknown", RightsOf(plain));
 }
 
+// 46 values, the picture behind the display name: the array takes as many as there are.
+TEST_F(WindowsContactPictureTest, AContactWithEverythingIsWrittenWhole)
+{
+    TextLines contact = LinesOf(R"_(
+        FirstName "first"
+        MiddleName "middle"
+        LastName "last"
+        JobTitle "job"
+        CompanyName "company"
+        Suffix "suffix"
+        Notes "note"
+        Phone0 "0"
+        Phone1 "1"
+        Phone2 "2"
+        Phone3 "3"
+        Phone4 "4"
+        Phone5 "5"
+        Phone6 "6"
+        Phone7 "7"
+        Phone8 "8"
+        Phone9 "9"
+        Phone10 "10"
+        Phone11 "11"
+        Phone12 "12"
+        Email "a@x"
+        Website "http://a"
+        Home.Country "h1"
+        Home.StateOrProvince "h2"
+        Home.City "h3"
+        Home.Street "h4"
+        Home.PostalCode "h5"
+        Home.PostOfficeBox "h6"
+        Business.Country "b1"
+        Business.StateOrProvince "b2"
+        Business.City "b3"
+        Business.Street "b4"
+        Business.PostalCode "b5"
+        Business.PostOfficeBox "b6"
+        Other.Country "o1"
+        Other.StateOrProvince "o2"
+        Other.City "o3"
+        Other.Street "o4"
+        Other.PostalCode "o5"
+        Other.PostOfficeBox "o6"
+        Birthday 25569
+        Anniversary 25570)_");
+    contact.push_back("Picture " + QuotedText(NewFile(L"a.jpg", "picture")));
+    LoadTable();
+    const TextLines values = ValuesOf(ContactOf(contact).Get());
+    ASSERT_EQ(1u, Images().size());
+    TextLines expected = LinesOf(R"_(
+        3A06001F "first"
+        3A11001F "last"
+        3A44001F "middle"
+        3A17001F "job"
+        3A16001F "company"
+        3004001F "note"
+        3A57001F "0"
+        3A1C001F "1"
+        3A08001F "2"
+        3A1B001F "3"
+        3A09001F "4"
+        3A2F001F "5"
+        3A24001F "6"
+        3A25001F "7"
+        3A21001F "8"
+        3A1F001F "9"
+        3A2E001F "10"
+        3A1E001F "11"
+        3A1D001F "12"
+        3A56101F ["a@x"]
+        3A54101F ["SMTP"]
+        3A550003 0
+        3A51001F "http://a"
+        3A5A001F "h1"
+        3A5C001F "h2"
+        3A59001F "h3"
+        3A5D001F "h4"
+        3A5B001F "h5"
+        3A5E001F "h6"
+        3A26001F "b1"
+        3A28001F "b2"
+        3A27001F "b3"
+        3A29001F "b4"
+        3A2A001F "b5"
+        3A28001F "b6"
+        3A60001F "o1"
+        3A62001F "o2"
+        3A5F001F "o3"
+        3A63001F "o4"
+        3A61001F "o5"
+        3A64001F "o6"
+        3A420040 116444736000000000
+        3A410040 116445600000000000
+        3A05001F "suffix"
+        3001001F "firstlastmiddlesuffix")_");
+    expected.push_back("660E001F " + QuotedText(Images().front()));
+    EXPECT_EQ(46u, expected.size());
+    EXPECT_EQ(expected, values);
+}
+
 TEST_F(WindowsContactPictureTest, EachWriteMakesANewFile)
 {
     const std::wstring source = NewFile(L"a.jpg", "picture");
@@ -167,8 +268,17 @@ TEST_F(WindowsContactPictureTest, AFolderThatCannotBeMadeCostsThePictureOnly)
     // A file of that name stands in the way.
     std::ofstream(std::filesystem::path(ImageFolder())) << "in the way";
     LoadTable();
+    const ScopedLogSettings logOn;
+    DebugOutputCapture output;
     const std::wstring id = Add(WithPicture(source).Get());
     EXPECT_NE(L"", id);
+    // There is a path, and no file comes to stand there.
+    const std::wstring start = ImageFolder() + L"\\Con";
+    EXPECT_THAT(output.TakeLogMessages(),
+                testing::IsSupersetOf(
+                    {testing::Matcher<const std::string&>(testing::StartsWith(
+                         "=====CreatePicturePath:" + std::string(start.begin(), start.end()))),
+                     testing::Matcher<const std::string&>("=====SHCreateStreamOnFileW: Failed")}));
     EXPECT_THAT(store.PropsOf("new 1"),
                 testing::Not(testing::Contains(testing::StartsWith("660E"))));
 }

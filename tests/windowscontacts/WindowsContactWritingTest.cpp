@@ -6,6 +6,8 @@
 #include "windowscontacts/WindowsContactWriting.h"
 
 #include "outlook/contacts/ContactText.h"
+#include "outlook/contacts/OwnContact.h"
+#include "platform/SafeArray.h"
 
 #include <gmock/gmock.h>
 
@@ -225,6 +227,115 @@ TEST(WindowsContactWritingTest, ADateAroundTheFirstIsNone)
         contact->put_Birthday(one.date);
         contact->put_Anniversary(one.date);
         EXPECT_EQ(one.isWritten ? 4u : 2u, ValuesOf(*contact.Get()).size()) << one.date;
+    }
+}
+
+// One value of each kind, and which of its lines go with a field that cannot be had. The display
+// name is made of what is left.
+TEST(WindowsContactWritingTest, AFieldThatCannotBeHadIsLeftOut)
+{
+    const TextLines contact = LinesOf(R"_(
+        FirstName "Oda"
+        MiddleName "Q"
+        LastName "Bakken"
+        JobTitle "Cook"
+        CompanyName "Inn"
+        Suffix "Jr."
+        Notes "note"
+        Phone1 "mobile"
+        Email "a@x"
+        Website "http://a"
+        Home.City "H"
+        Business.City "B"
+        Other.City "O"
+        Birthday 25569
+        Anniversary 25570)_");
+    const TextLines all = LinesOf(R"_(
+        3A06001F "Oda"
+        3A11001F "Bakken"
+        3A44001F "Q"
+        3A17001F "Cook"
+        3A16001F "Inn"
+        3004001F "note"
+        3A1C001F "mobile"
+        3A56101F ["a@x"]
+        3A54101F ["SMTP"]
+        3A550003 0
+        3A51001F "http://a"
+        3A59001F "H"
+        3A27001F "B"
+        3A5F001F "O"
+        3A420040 116444736000000000
+        3A410040 116445600000000000
+        3A05001F "Jr.")_");
+    const struct
+    {
+        const char* get;
+        std::size_t line; // the first of those that go
+        std::size_t lines;
+        const char* displayName;
+    } fields[] = {{"get FirstName", 0, 1, "BakkenQJr."},
+                  {"get LastName", 1, 1, "OdaQJr."},
+                  {"get MiddleName", 2, 1, "OdaBakkenJr."},
+                  {"get JobTitle", 3, 1, "OdaBakkenQJr."},
+                  {"get CompanyName", 4, 1, "OdaBakkenQJr."},
+                  {"get Notes", 5, 1, "OdaBakkenQJr."},
+                  {"get PhoneNumber 1", 6, 1, "OdaBakkenQJr."},
+                  {"get Emails", 7, 3, "OdaBakkenQJr."},
+                  {"get Website", 10, 1, "OdaBakkenQJr."},
+                  {"get Address 0", 11, 1, "OdaBakkenQJr."},
+                  {"get Address 1", 12, 1, "OdaBakkenQJr."},
+                  {"get Address 2", 13, 1, "OdaBakkenQJr."},
+                  {"get Birthday", 14, 1, "OdaBakkenQJr."},
+                  {"get Anniversary", 15, 1, "OdaBakkenQJr."},
+                  {"get Suffix", 16, 1, "OdaBakkenQ"}};
+    for (const auto& field : fields)
+    {
+        const auto own = OwnContact::Make(ContactOf(contact));
+        own->failing = {field.get};
+        TextLines expected = all;
+        const auto first = expected.begin() + static_cast<std::ptrdiff_t>(field.line);
+        expected.erase(first, first + static_cast<std::ptrdiff_t>(field.lines));
+        expected.push_back("3001001F \"" + std::string(field.displayName) + '"');
+        EXPECT_EQ(expected, ValuesOf(*own.Get())) << field.get;
+    }
+}
+
+TEST(WindowsContactWritingTest, AsksForTheFieldsInThisOrderAndPutsNone)
+{
+    const auto own = OwnContact::Make(ContactOf({}));
+    ValuesOf(*own.Get());
+    std::vector<std::string> expected = {"get FirstName",
+                                         "get LastName",
+                                         "get MiddleName",
+                                         "get JobTitle",
+                                         "get CompanyName",
+                                         "get Notes"};
+    for (int type = 0; type < 13; ++type)
+        expected.push_back("get PhoneNumber " + std::to_string(type));
+    for (const char* const get : {"get Emails",
+                                  "get Website",
+                                  "get Address 0",
+                                  "get Address 1",
+                                  "get Address 2",
+                                  "get Birthday",
+                                  "get Anniversary",
+                                  "get Suffix"})
+        expected.push_back(get);
+    EXPECT_EQ(expected, own->calls);
+}
+
+TEST(WindowsContactWritingTest, EmailsInAnArrayOfAnotherKindCountAsNone)
+{
+    const auto contact = ContactOf(LinesOf(R"_(LastName "B")_"));
+    const UniqueSafeArray numbers(SafeArrayCreateVector(VT_I4, 0, 3));
+    SAFEARRAYBOUND bounds[2] = {{2, 0}, {2, 0}};
+    const UniqueSafeArray square(SafeArrayCreate(VT_BSTR, 2, bounds));
+    for (const UniqueSafeArray* const odd : {&numbers, &square})
+    {
+        contact->put_Emails(odd->Get());
+        EXPECT_THAT(ValuesOf(*contact.Get()),
+                    testing::ElementsAre("3A11001F \"B\"", "3001001F \"B\""));
     }
 }
 

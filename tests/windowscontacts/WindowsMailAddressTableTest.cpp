@@ -1,7 +1,9 @@
 // Loading, reading and the IDs of Windows contacts, with every call that they make.
 #include "windowscontacts/WindowsContactFixture.h"
 
+#include "outlook/contacts/OwnContact.h"
 #include "support/DebugOutputCapture.h"
+#include "windowscontacts/WindowsContactColumns.h"
 
 using Microsoft::WRL::ComPtr;
 using testing::ElementsAre;
@@ -263,6 +265,70 @@ TEST_F(WindowsMailAddressTableTest, NothingIsFilledWithoutValuesOrAProvider)
     session.reset();
     table->FillItem(*item.Get(), PropertyView(1, &value));
     EXPECT_THAT(TextOfContact(contact.Get()), IsEmpty());
+}
+
+TEST_F(WindowsMailAddressTableTest, ARowWithoutValuesChangesTheOpenContactInNothing)
+{
+    AddContact("ann", StoreProps().Text(0x3A06001F, L"Ann"));
+    LoadTable();
+    table->GetNextItem();
+    const auto contact = Current();
+    contact->put_Notes(Bstr(L"the client's").Get());
+    store.ClearRecord();
+    BOOL goesOn = TRUE;
+    table->OnPropertyRow(0, nullptr, 10, &goesOn);
+    table->OnPropertyRow(45, nullptr, 10, &goesOn);
+    EXPECT_THAT(store.Calls(), IsEmpty()) << "no question for notes and picture";
+    EXPECT_THAT(TextOfContact(contact.Get()),
+                ElementsAre("FirstName \"Ann\"", "Notes \"the client's\"", "Picture \"\""));
+}
+
+// The ID comes first; notes and picture, which are asked for by themselves, come last.
+TEST_F(WindowsMailAddressTableTest, FieldsAreSetInThisOrder)
+{
+    std::vector<SPropValue> values;
+    for (const ULONG tag : WindowsContactColumnTags())
+    {
+        SPropValue value = {}; // a time of 0, a list of no texts
+        value.ulPropTag = tag;
+        if (PROP_TYPE(tag) == PT_UNICODE)
+            value.Value.lpszW = const_cast<wchar_t*>(L"a");
+        values.push_back(value);
+    }
+    LoadTable();
+    const auto own = OwnContact::Make(ContactOf({}));
+    own->put_EntityID(Bstr(L"0A").Get());
+    own->calls.clear();
+    table->FillItem(*own.Get(), PropertyView(static_cast<ULONG>(values.size()), values.data()));
+    Calls expected = {"get string " + std::to_string(0x456E7472),
+                      "put PersistentID",
+                      "put LastModificationTime",
+                      "put FirstName",
+                      "put LastName",
+                      "put MiddleName",
+                      "put JobTitle",
+                      "put CompanyName"};
+    for (int type = 0; type < 13; ++type)
+        expected.push_back("put PhoneNumber " + std::to_string(type));
+    for (const char* const put : {"put Emails",
+                                  "put Website",
+                                  "put Address 0",
+                                  "put Address 1",
+                                  "put Address 2",
+                                  "put Birthday",
+                                  "put Anniversary",
+                                  "put Suffix",
+                                  "put Notes",
+                                  "put Picture"})
+        expected.push_back(put);
+    EXPECT_EQ(expected, own->calls);
+
+    // Without its ID the rest is set all the same.
+    own->calls.clear();
+    own->failing = {expected.front()};
+    table->FillItem(*own.Get(), PropertyView(static_cast<ULONG>(values.size()), values.data()));
+    expected.erase(expected.begin() + 1);
+    EXPECT_EQ(expected, own->calls);
 }
 
 TEST_F(WindowsMailAddressTableTest, AWalkShowsContactsInTheOrderOfTheBook)

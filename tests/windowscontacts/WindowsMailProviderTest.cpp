@@ -193,9 +193,17 @@ INSTANTIATE_TEST_SUITE_P(
                     FailingStep{FakeBookFailure::EntryGivesNull,
                                 kOpening + Calls{kEnding[1], kEnding[2], "unload"}}));
 
-TEST_F(WindowsMailProviderTest, ThrowsAPlainExceptionWithoutTheRegistryValue)
+TEST_F(WindowsMailProviderTest, ThrowsAPlainExceptionWithoutTheRegistryValueOrItsKey)
 {
     libraryPath.Remove();
+    EXPECT_EQ("std::exception", ThrownBy(true));
+    EXPECT_EQ("std::exception", ThrownBy(false));
+    RegDeleteKeyW(HKEY_LOCAL_MACHINE, L"Software\\Microsoft\\WAB\\DLLPath");
+    UniqueRegistryKey key;
+    ASSERT_EQ(
+        ERROR_FILE_NOT_FOUND,
+        RegOpenKeyExW(
+            HKEY_LOCAL_MACHINE, L"Software\\Microsoft\\WAB\\DLLPath", 0, KEY_READ, key.Put()));
     EXPECT_EQ("std::exception", ThrownBy(true));
     EXPECT_EQ("std::exception", ThrownBy(false));
 }
@@ -277,6 +285,7 @@ TEST_F(WindowsMailProviderBookTest, HandsOutLoadedContactsWithoutGroups)
         store.ClearRecord();
         const auto book = provider.GetAddressBook();
         ASSERT_NE(nullptr, book);
+        EXPECT_FALSE(book->HasGroups());
         EXPECT_EQ("IABContainer(book).GetContentsTable(80000000)", store.Calls().front());
         EXPECT_EQ("IABContainer(book).OpenEntry(bob, null, 00000002, type)", store.Calls().back());
         book->NextItem();
@@ -285,6 +294,33 @@ TEST_F(WindowsMailProviderBookTest, HandsOutLoadedContactsWithoutGroups)
         EXPECT_EQ(isOutlookExpress ? HexOf("bob") : L"bob", CurrentID(*book));
         book->NextItem();
         EXPECT_EQ(L"(none)", CurrentID(*book));
+    }
+}
+
+TEST_F(WindowsMailProviderBookTest, EveryCallForAGroupFails)
+{
+    for (const wchar_t* const provider : {L"Outlook Express", L"Windows Mail"})
+    {
+        CServiceManager manager;
+        const ScopedServiceManager current(manager);
+        ASSERT_EQ(S_OK, manager.StartService(provider));
+        const auto book = Create<INAddressBook>(CLSID_NAddressBook);
+        const auto group = Create<INContactGroup>(CLSID_NContactGroup);
+        ASSERT_TRUE(book && group);
+        store.ClearRecord();
+        VARIANT_BOOL done = VARIANT_FALSE;
+        ComPtr<INContactGroup> found;
+        Bstr id;
+        EXPECT_EQ(E_FAIL, book->ResetGroup(&done));
+        EXPECT_EQ(E_FAIL, book->GetNextGroup(found.GetAddressOf()));
+        EXPECT_EQ(E_FAIL, book->GetGroupByID(Bstr(L"0A").Get(), found.GetAddressOf()));
+        EXPECT_EQ(E_FAIL, book->UpdateGroup(group.Get(), &done));
+        EXPECT_EQ(E_FAIL, book->DeleteGroup(Bstr(L"0A").Get(), &done));
+        EXPECT_FALSE(found);
+        EXPECT_EQ(Calls(), store.Calls());
+        // One to add goes to the contacts, which take none.
+        EXPECT_EQ(E_FAIL, book->AddGroup(group.Get(), id.Put()));
+        EXPECT_EQ((std::vector<std::string>{"ann", "choir", "bob"}), store.ChildrenOf("book"));
     }
 }
 

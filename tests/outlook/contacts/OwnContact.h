@@ -112,7 +112,10 @@ class OwnContact final : public INContactItem, public INEntityItem
     PIM_OWN_ENTITY_PROPERTY(LastModificationTime, DATE)
     PIM_OWN_ENTITY_PROPERTY(FolderID, BSTR)
     // clang-format on
-    STDMETHODIMP GetStringByIndex(LONG, BSTR*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetStringByIndex(LONG index, BSTR* text) override
+    {
+        return Told("get string", index) ? m_inner->GetStringByIndex(index, text) : E_FAIL;
+    }
     STDMETHODIMP SetStringByIndex(LONG, BSTR) override { return E_NOTIMPL; }
     STDMETHODIMP GetPropertyValue(LONG, VARIANT*) override { return E_NOTIMPL; }
     STDMETHODIMP SetPropertyValue(LONG, VARIANT*) override { return E_NOTIMPL; }
