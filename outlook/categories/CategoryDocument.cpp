@@ -63,6 +63,7 @@ Category ReadCategory(const TiXmlElement& element)
     return category;
 }
 
+// IDs are compared unit by unit: no language has a say in braces, digits and letters up to F.
 TiXmlElement* FindElement(TiXmlElement& root, std::wstring_view id)
 {
     for (TiXmlElement* element = root.FirstChildElement(); element;

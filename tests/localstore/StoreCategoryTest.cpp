@@ -46,6 +46,49 @@ std::vector<std::wstring> IDs(IEnumerator& list)
         ids.push_back(EntityIDOf(CurrentItem(list).Get()));
     return ids;
 }
+
+// The first such text from there on becomes the other.
+void Replace(std::string& text, std::size_t from, std::string_view old, const std::string& other)
+{
+    const std::size_t at = text.find(old, from);
+    ASSERT_NE(std::string::npos, at) << old;
+    text.replace(at, old.size(), other);
+}
+
+// A document of one line, with a mark of the byte order in front, as it is printed again: no mark,
+// one node a line, a blank before the end of the declaration.
+std::string OneNodeALine(std::string text)
+{
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";
+    EXPECT_TRUE(text.starts_with(kMark));
+    text.erase(0, kMark.size());
+    Replace(text, 0, "?><categories", " ?>\n<categories");
+    for (std::size_t at = text.find("><category "); at != std::string::npos;
+         at = text.find("><category ", at))
+        text.insert(at + 1, "\n    ");
+    Replace(text, 0, "</categories>", "\n</categories>\n");
+    return text;
+}
+
+// The time of the item as the document has it, by the system's own conversion.
+std::string TimeTextOf(INEntityItem& item)
+{
+    DATE time = 0.0;
+    item.get_LastModificationTime(&time);
+    SYSTEMTIME parts = {};
+    EXPECT_TRUE(VariantTimeToSystemTime(time, &parts));
+    char text[32];
+    std::snprintf(text,
+                  sizeof text,
+                  "%04d-%02d-%02dT%02d:%02d:%02d.000",
+                  parts.wYear,
+                  parts.wMonth,
+                  parts.wDay,
+                  parts.wHour,
+                  parts.wMinute,
+                  parts.wSecond);
+    return text;
+}
 } // namespace
 
 TEST_F(StoreCategoryTest, AStoreWithoutCategoriesGetsAnEmptyDocument)
@@ -126,15 +169,46 @@ TEST_F(StoreCategoryTest, TheListOfAMailClientIsReadAndKept)
     }
     EXPECT_THAT(colors, ElementsAre(0, 1, 3, 4, 7, 9));
 
-    const std::string before = StoredText();
+    // Each change shows in its own element; all else of the document stays as the mail client wrote
+    // it.
+    std::string expected = OneNodeALine(StoredText());
     EXPECT_EQ(TRUE, list->DeleteItem(L"{57c9852e-3435-446f-a389-4af691b57171}"));
-    const std::string after = StoredText();
-    EXPECT_NE(before, after);
-    // What no category object holds is still there.
-    EXPECT_THAT(after, HasSubstr("lastSavedTime=\"2011-03-19T11:19:09.564Z\""));
-    EXPECT_THAT(after,
-                HasSubstr("renameOnFirstUse=\"1\" name=\"Red Category\" color=\"0\" "
-                          "keyboardShortcut=\"0\" "
-                          "lastTimeUsedNotes=\"2011-03-19T11:19:09.548375Z\""));
+    const std::size_t yellow =
+        expected.find("    <category renameOnFirstUse=\"1\" name=\"Yellow Category\"");
+    ASSERT_NE(std::string::npos, yellow);
+    expected.erase(yellow, expected.find('\n', yellow) + 1 - yellow);
+    EXPECT_EQ(expected, StoredText());
     EXPECT_EQ(5u, Names().size());
+
+    list->ResetItem();
+    list->GetItemByID(L"{91203a5e-a8e7-4784-a36c-0915630ab517}");
+    const auto green = CurrentItem(*list.get());
+    ASSERT_TRUE(green);
+    QueryItem<INContactCategory>(green.Get())->put_Name(Bstr(L"Gr\x00FCn & Co").Get());
+    QueryItem<INContactCategory>(green.Get())->put_Color(12);
+    EXPECT_EQ(TRUE, list->UpdateItem(green.Get()));
+    Replace(expected, 0, "Green Category", "Gr\xC3\xBCn &amp; Co");
+    Replace(expected,
+            expected.find("&amp; Co"),
+            " lastTimeUsed=\"2011-03-19T11:19:09.564Z\"",
+            " lastTimeUsed=\"" + TimeTextOf(*green.Get()) + '"');
+    EXPECT_EQ(expected, StoredText());
+
+    const auto added = CategoryOf(L"Added", nullptr, 24);
+    std::wstring folderID;
+    const std::wstring id = list->AddItem(added.Get(), folderID);
+    Replace(expected,
+            0,
+            "</categories>",
+            "    <category xmlns=\"\" name=\"Added\" color=\"24\" keyboardShortcut=\"0\" "
+            "usageCount=\"0\" lastTimeUsedNotes=\"1601-01-01T00:00:00.000\" "
+            "lastTimeUsedJournal=\"1601-01-01T00:00:00.000\" "
+            "lastTimeUsedContacts=\"1601-01-01T00:00:00.000\" "
+            "lastTimeUsedTasks=\"1601-01-01T00:00:00.000\" "
+            "lastTimeUsedCalendar=\"1601-01-01T00:00:00.000\" "
+            "lastTimeUsedMail=\"1601-01-01T00:00:00.000\" lastTimeUsed=\"" +
+                TimeTextOf(*added.Get()) +
+                "\" lastSessionUsed=\"1601-01-01T00:00:00.000\" guid=\"" +
+                std::string(id.begin(), id.end()) + "\" />\n</categories>");
+    EXPECT_EQ(expected, StoredText());
 }

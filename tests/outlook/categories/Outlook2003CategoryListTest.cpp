@@ -314,6 +314,22 @@ TEST_F(Outlook2003CategoryListTest, WithoutOutlooksKeyWritesGoElsewhereAndAreNot
     EXPECT_THAT(Walk(list), IsEmpty());
 }
 
+// The user's key itself is gone: it opens no key and takes none.
+TEST_F(Outlook2003CategoryListTest, WhereNoKeyCanBeMadeNothingIsWritten)
+{
+    Load(L"One;");
+    RegDeleteTreeW(HKEY_CURRENT_USER, L"Software");
+    ASSERT_EQ(ERROR_SUCCESS, RegDeleteKeyW(registry.Root(), L""));
+    EXPECT_EQ(L"{2}", Add(CategoryOf(L"Two").Get()));
+    EXPECT_THAT(Walk(list), ElementsAre(L"One", L"Two")) << "kept until the next load";
+    EXPECT_EQ(TRUE, list.UpdateItem(nullptr));
+    EXPECT_EQ(TRUE, list.DeleteItem(L"One"));
+    EXPECT_THAT(ReadBytes(L"MasterList", L"MasterList").bytes, IsEmpty());
+    EXPECT_THAT(ReadBytes(kCategoriesKey, L"MasterList").bytes, IsEmpty());
+    list.GetItemIDs();
+    EXPECT_THAT(Walk(list), IsEmpty());
+}
+
 // --- Calls inside a call -----------------------------------------------------------------------
 
 namespace

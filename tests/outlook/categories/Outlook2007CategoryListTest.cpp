@@ -289,6 +289,31 @@ TEST_F(Outlook2007CategoryListTest, ADamagedStreamIsAnEmptyListAndStaysAsItIs)
     }
 }
 
+// As bytes or as nodes: what the parser is kept from is an empty list and stays as it is.
+TEST_F(Outlook2007CategoryListTest, AStreamThatIsTooLargeToBeParsedIsAnEmptyListAndStaysAsItIs)
+{
+    std::string nodes = "<categories>";
+    for (int i = 0; i <= 128 * 1024; ++i)
+        nodes += "<c/>";
+    nodes += "</categories>";
+    const std::string bytes = kTwo + std::string(16 * 1024 * 1024 - sizeof kTwo + 2, ' ');
+    ASSERT_EQ(16u * 1024 * 1024 + 1, bytes.size());
+    for (const std::string& text : {nodes, bytes})
+    {
+        Load(text);
+        EXPECT_THAT(Walk(*list), IsEmpty());
+        EXPECT_EQ(L"", Add(CategoryOf(L"New").Get()));
+        EXPECT_EQ(FALSE, list->UpdateItem(CategoryOf(L"New", L"{A}").Get()));
+        EXPECT_EQ(FALSE, list->DeleteItem(L"{A}"));
+        EXPECT_THAT(store.Calls(), IsEmpty());
+        EXPECT_TRUE(Stored() == text);
+        Close();
+    }
+    // One byte less is a list.
+    Load(bytes.substr(0, bytes.size() - 1));
+    EXPECT_THAT(Walk(*list), ElementsAre(L"Work", L"Home"));
+}
+
 TEST_F(Outlook2007CategoryListTest, AByteOrderMarkInFrontIsAccepted)
 {
     Load(std::string("\xEF\xBB\xBF") + kTwo);
@@ -419,7 +444,8 @@ TEST_F(Outlook2007CategoryListTest, WhatCouldNotBeReadAgainIsNotWritten)
 // The declaration of this one would be printed with an end of its own inside.
 TEST_F(Outlook2007CategoryListTest, ADocumentThatWouldNotComeBackIsLeftAsItIs)
 {
-    constexpr char kOdd[] = "<?xml version=\"1&quot;&gt;x\"?><r><c name=\"Work\" guid=\"{A}\"/></r>";
+    constexpr char kOdd[] =
+        "<?xml version=\"1&quot;&gt;x\"?><r><c name=\"Work\" guid=\"{A}\"/></r>";
     Load(kOdd);
     EXPECT_THAT(Walk(*list), ElementsAre(L"Work"));
     EXPECT_EQ(L"", Add(CategoryOf(L"One").Get()));
@@ -693,4 +719,86 @@ TEST(Outlook2007CategoryListFaultTest, NoFailureLosesAStoredCategory)
              }},
         kAllStoreFaults);
     EXPECT_GT(totals.runs, 30u);
+}
+
+TEST(Outlook2007CategoryListFaultTest, NoFailureOfTheFirstWriteGivesAListThatIsNotStored)
+{
+    std::vector<BYTE> id;
+    std::wstring added;
+    std::vector<std::wstring> walked;
+    const ScopedGuidSource source([] { return std::wstring(L"{1}"); });
+    const FaultTotals totals =
+        RunFaults({.name = "first write of categories",
+                   .setUp =
+                       [&](RecordingStore& store) {
+                           store.AddUsualFolders();
+                           store.AddMessage("categories", "calendar", StoreProps(), true);
+                           id = store.EntryIdOf("categories");
+                       },
+                   .action =
+                       [&] {
+                           added.clear();
+                           walked.clear();
+                           const FaultSession session;
+                           const auto message = session.Open<IMessage>(id, MAPI_MESSAGE);
+                           if (!message)
+                               return; // the failing call was the session's own
+                           StoppedList list(message.Get(), session.Helper());
+                           list.GetItemIDs();
+                           walked = Walk(list);
+                           std::wstring folderID;
+                           added = list.AddItem(CategoryOf(L"Fun").Get(), folderID);
+                       },
+                   .check =
+                       [&](const FaultRun& run, RecordingStore& store) {
+                           SCOPED_TRACE(run.line + ' ' + NameOf(run.fault));
+                           EXPECT_THAT(walked, IsEmpty());
+                           EXPECT_TRUE(added.empty() || added == L"{1}");
+                           if (run.fault == StoreFault::None)
+                           {
+                               EXPECT_EQ(L"{1}", added);
+                           }
+                           // A store that says it saved and did not is beyond help.
+                           if (run.fault == StoreFault::NullOutput)
+                               return;
+                           const auto props = store.PropsOf("categories");
+                           const auto stream = testing::Contains(testing::StartsWith("7C080102"));
+                           const auto emptyList = testing::Contains(testing::AllOf(
+                               testing::StartsWith("7C080102 <3C3F786D6C"),
+                               testing::EndsWith("... " + std::to_string(sizeof kEmptyList - 1) +
+                                                 " bytes>")));
+                           if (!added.empty())
+                           {
+                               EXPECT_THAT(props, AllOf(stream, Not(emptyList)));
+                           }
+                           else
+                           {
+                               EXPECT_THAT(props, AnyOf(Not(stream), emptyList));
+                           }
+                       }},
+                  kAllStoreFaults);
+    EXPECT_GT(totals.runs, 30u);
+}
+
+// The empty document is written but not saved, or saved but not read again.
+TEST_F(Outlook2007CategoryListTest, AFirstWriteThatFailsLeavesNoListToAddTo)
+{
+    Open();
+    store.FailNext("IMessage(categories).SaveChanges", StoreFault::CallFailed);
+    list->GetItemIDs();
+    EXPECT_THAT(store.Calls(), ElementsAre(kRead, SetLine(kEmptyList), kSave, kRead));
+    EXPECT_THAT(Walk(*list), IsEmpty());
+
+    Close();
+    store.RemoveProp("categories", kStreamTag);
+    Open();
+    const StoreInterruption between(store, "IMessage(categories).SaveChanges", [&] {
+        store.FailNext(kRead, StoreFault::CallFailed);
+    });
+    list->GetItemIDs();
+    EXPECT_TRUE(between.HasCome());
+    EXPECT_THAT(store.Calls(), ElementsAre(kRead, SetLine(kEmptyList), kSave, kRead));
+    EXPECT_THAT(Walk(*list), IsEmpty());
+    EXPECT_EQ(L"", Add(CategoryOf(L"Work").Get()));
+    EXPECT_EQ(kEmptyList, Stored());
 }
