@@ -53,6 +53,13 @@ TEST_F(ContactCategoryTest, EveryTextPropertyCopiesInAndOut)
         ExpectTextForm(property, m_entity.Get());
 }
 
+TEST_F(ContactCategoryTest, ATextThatFindsNoMemoryIsOutOfMemory)
+{
+    ExpectOutOfMemory(kName, m_category.Get());
+    for (const auto& property : kEntityTexts)
+        ExpectOutOfMemory(property, m_entity.Get());
+}
+
 TEST_F(ContactCategoryTest, EveryTextPropertyHasAFieldOfItsOwn)
 {
     const std::initializer_list<TextProperty<INContactCategory>> names = {kName};

@@ -70,6 +70,14 @@ TEST_F(ContactGroupTest, EveryTextPropertyHasAFieldOfItsOwn)
     ExpectOwnTexts(kEntityTexts, m_entity.Get());
 }
 
+TEST_F(ContactGroupTest, ATextThatFindsNoMemoryIsOutOfMemory)
+{
+    for (const auto& property : kTexts)
+        ExpectOutOfMemory(property, m_group.Get());
+    for (const auto& property : kEntityTexts)
+        ExpectOutOfMemory(property, m_entity.Get());
+}
+
 TEST_F(ContactGroupTest, NullIsRefusedButForTheFolder)
 {
     for (const auto& property : kTexts)

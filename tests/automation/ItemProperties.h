@@ -3,6 +3,7 @@
 
 #include "platform/Bstr.h"
 #include "platform/SafeArray.h"
+#include "tests/automation/CollectionFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -81,6 +82,24 @@ void ExpectNullClears(const TextProperty<Interface>& property, Interface* object
     EXPECT_FALSE(Get(property, object));
     EXPECT_EQ(S_OK, (object->*property.put)(nullptr));
     EXPECT_FALSE(Get(property, object));
+}
+
+// Where memory ends, a put keeps the old text and a get gives null.
+template <typename Interface>
+void ExpectOutOfMemory(const TextProperty<Interface>& property, Interface* object)
+{
+    SCOPED_TRACE(property.name);
+    const Bstr text(LongTextsFail::Text());
+    const Bstr held(LongTextsFail::Text() + L"y");
+    EXPECT_EQ(S_OK, (object->*property.put)(held.Get()));
+    BSTR out = text.Get();
+    {
+        const LongTextsFail fail;
+        EXPECT_EQ(E_OUTOFMEMORY, (object->*property.put)(text.Get()));
+        EXPECT_EQ(E_OUTOFMEMORY, (object->*property.get)(&out));
+    }
+    EXPECT_EQ(nullptr, out);
+    EXPECT_EQ(held.View(), Get(property, object).View());
 }
 
 // Gives each property a text of its own.
