@@ -10,6 +10,7 @@
 #include <iterator>
 
 using Microsoft::WRL::ComPtr;
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -18,6 +19,7 @@ namespace
 constexpr wchar_t kOutlook[] = L"Microsoft Outlook";
 const std::string kContacts = "0000000050530301F0000000000000000000000000000031";
 const std::string kFamily = "0000000050530301F0000000000000000000000000000032";
+const std::string kFriends = "0000000050530501E00000000000000000000000000000B1";
 const std::string kBob = "0000000050530501E0000000000000000000000000000033";
 
 std::wstring Wide(const std::string& text)
@@ -25,7 +27,7 @@ std::wstring Wide(const std::string& text)
     return {text.begin(), text.end()};
 }
 
-// Contacts, a folder in it with one contact, and a calendar.
+// Contacts with one group, a folder in it with one contact, and a calendar.
 std::string StoreText()
 {
     return R"({"format": "PimStoreBridge store", "version": 1, "identity": {"properties": [
@@ -34,7 +36,10 @@ std::string StoreText()
                "root": {"folders": [{"name": "Top", "roles": ["subtree"], "folders": [
                   {"name": "Contacts", "class": "IPF.Contact", "roles": ["contacts"],
                    "entryId": ")" +
-           kContacts + R"(", "folders": [
+           kContacts + R"(", "messages": [{"entryId": ")" + kFriends + R"(", "properties": [
+                      {"tag": "PR_MESSAGE_CLASS_W", "value": "IPM.DistList"},
+                      {"set": "PSETID_Address", "id": "0x8053", "type": "PT_UNICODE",
+                       "value": "Friends"}]}], "folders": [
                       {"name": "Family", "class": "IPF.Contact", "entryId": ")" +
            kFamily + R"(", "messages": [{"entryId": ")" + kBob + R"(", "properties": [
                           {"tag": "PR_MESSAGE_CLASS_W", "value": "IPM.Contact"},
@@ -178,4 +183,60 @@ TEST_F(MessageStoreContactsTest, APictureGoesThereAndBack)
     std::error_code error;
     std::filesystem::remove(read, error);
     std::filesystem::remove(read.substr(0, read.rfind(L'.')), error);
+}
+
+TEST_F(MessageStoreContactsTest, GroupsAreReachedThroughTheAddressBook)
+{
+    const auto nameOf = [](INContactGroup* group) {
+        Bstr name;
+        group->get_Name(name.Put());
+        return TextOf(name.Get());
+    };
+    VARIANT_BOOL done = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, book->ResetGroup(&done));
+    EXPECT_EQ(VARIANT_TRUE, done);
+    ComPtr<INContactGroup> group;
+    ASSERT_EQ(S_OK, book->GetNextGroup(group.GetAddressOf()));
+    EXPECT_EQ(L"Friends", nameOf(group.Get()));
+    EXPECT_EQ(E_FAIL, book->GetNextGroup(group.ReleaseAndGetAddressOf()));
+    EXPECT_FALSE(group);
+    EXPECT_EQ(E_FAIL, book->GetGroupByID(Bstr(L"0A").Get(), group.ReleaseAndGetAddressOf()));
+    ASSERT_EQ(S_OK, book->GetGroupByID(Bstr(Wide(kFriends)).Get(), group.ReleaseAndGetAddressOf()));
+    EXPECT_EQ(L"Friends", nameOf(group.Get()));
+
+    // One to add goes to the contacts, which take none.
+    const auto added = MakeInServer<INContactGroup>(CLSID_NContactGroup);
+    added->put_Name(Bstr(L"Added").Get());
+    Bstr id;
+    EXPECT_EQ(E_FAIL, book->AddGroup(added.Get(), id.Put()));
+    EXPECT_THAT(s_store->Dump(), Not(HasSubstr("Added")));
+
+    group->put_Name(Bstr(L"Foes").Get());
+    done = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, book->UpdateGroup(group.Get(), &done));
+    EXPECT_EQ(VARIANT_TRUE, done);
+    EXPECT_THAT(s_store->Dump(), AllOf(HasSubstr("Foes"), Not(HasSubstr("Friends"))));
+    done = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, book->DeleteGroup(Bstr(Wide(kFriends)).Get(), &done));
+    EXPECT_EQ(VARIANT_TRUE, done);
+    EXPECT_THAT(s_store->Dump(), Not(HasSubstr("Foes")));
+}
+
+TEST_F(MessageStoreContactsTest, TheFactoryMakesCollectionsOfTheRunningProvider)
+{
+    const auto factory = MakeInServer<INObjectFactory>(CLSID_NObjectFactory64);
+    ASSERT_TRUE(factory);
+    ComPtr<IUnknown> object;
+    ComPtr<INAddressBook> contacts;
+    ASSERT_EQ(S_OK, factory->CreateInstance(CLSID_NAddressBook, object.GetAddressOf()));
+    ASSERT_EQ(S_OK, object.As(&contacts));
+    ComPtr<INContactItem> bob;
+    ASSERT_EQ(S_OK, contacts->GetNextItem(bob.GetAddressOf()));
+    EXPECT_EQ(L"Bob", TextIn(bob.Get(), &INContactItem::get_FirstName));
+
+    ComPtr<INCalendar> calendar;
+    ASSERT_EQ(S_OK, factory->CreateInstance(CLSID_NCalendar, object.ReleaseAndGetAddressOf()));
+    ASSERT_EQ(S_OK, object.As(&calendar));
+    ComPtr<INAppointment> none;
+    EXPECT_EQ(E_FAIL, calendar->GetNextAppointment(none.GetAddressOf()));
 }
