@@ -1,8 +1,8 @@
 // Contact messages of real mail clients, loaded into the embedded store and read by the server.
 // What is to come out stands in tests/data/contacts, see there.
-#include "outlook/contacts/ContactValues.h"
 #include "service/TextConversions.h"
 #include "support/SharedData.h"
+#include "support/TestZone.h"
 #include "tests/localstore/SampleMessages.h"
 #include "tests/localstore/StoreContactFixture.h"
 
@@ -67,7 +67,7 @@ std::string ExpectedLine(const SampleMessage& message, const std::string& line)
     if (source.starts_with("local "))
         return field + DateText(std::atof(source.c_str() + 6));
     if (source.starts_with("utc "))
-        return field + DateText(std::atof(source.c_str() + 4) - ZoneBiasDays());
+        return field + DateText(std::atof(source.c_str() + 4) - TestZoneBiasDays());
     if (source.starts_with("keyword "))
     {
         for (const json& property : message.properties)

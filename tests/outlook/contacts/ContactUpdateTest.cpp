@@ -4,6 +4,7 @@
 #include "outlook/contacts/ContactTableFixture.h"
 #include "support/DebugOutputCapture.h"
 #include "support/RegistrySandbox.h"
+#include "support/TestZone.h"
 
 #include <gmock/gmock.h>
 
@@ -376,13 +377,17 @@ TEST_F(ContactUpdateTest, WhatTheUserChoseForNamesCounts)
     EXPECT_THAT(Stored("new 1"), Contains("80060003 32791"));
 }
 
-// The tests' machine is west of UTC by three hours and a half.
+// 1970-01-01 and 2014-07-01, which are (25569 + 109205) and (41821 + 109205) days of
+// 864000000000 units. Whether the zone saves daylight on the day or now makes no difference.
 TEST_F(ContactUpdateTest, DatesAreWrittenWithTheSystemsZone)
 {
     OpenTable();
-    Add(ContactOf(LinesOf("Birthday 25569")).Get());
-    EXPECT_THAT(Stored("new 1"), Contains("3A420040 116444862000000000"));
+    Add(ContactOf(LinesOf("Birthday 25569\nAnniversary 41821")).Get());
+    const auto inUtc = [](long long local) { return std::to_string(local + TestZoneBiasUnits()); };
+    EXPECT_THAT(Stored("new 1"), Contains("3A420040 " + inUtc(116444736000000000)));
     EXPECT_THAT(Stored("new 1"), Contains("80DE0040 116444736000000000"));
+    EXPECT_THAT(Stored("new 1"), Contains("3A410040 " + inUtc(130486464000000000)));
+    EXPECT_THAT(Stored("new 1"), Contains("80DF0040 130486464000000000"));
 }
 
 // --- Deleting ------------------------------------------------------------------------------------

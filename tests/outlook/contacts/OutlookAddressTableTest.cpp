@@ -4,6 +4,7 @@
 
 #include "outlook/contacts/ContactTableFixture.h"
 #include "support/DebugOutputCapture.h"
+#include "support/TestZone.h"
 
 #include <gmock/gmock.h>
 
@@ -345,15 +346,15 @@ TEST_F(OutlookAddressTableTest, ReadsEveryField)
     EXPECT_EQ(kFirstDay, LastModifiedOf(QueryItem<INEntityItem>(contact.Get()).Get()));
 }
 
-// The tests' machine is west of UTC by three hours and a half.
+// A day in January and one in July.
 TEST_F(OutlookAddressTableTest, WithoutLocalDatesTheSystemsZoneIsTakenOff)
 {
-    constexpr std::uint64_t kBias = kUnitsPerDay / 24 * 7 / 2;
+    const long long bias = TestZoneBiasUnits();
     AddContact("ann",
                "contacts",
                StoreProps()
-                   .Time(0x3A420040, FileTimeOf(32874) + kBias)
-                   .Time(0x3A410040, FileTimeOf(36526) + kBias));
+                   .Time(0x3A420040, FileTimeOf(32874) + bias)
+                   .Time(0x3A410040, FileTimeOf(41821) + bias));
     LoadTable();
     const auto contact = Read("ann");
     ASSERT_TRUE(contact);
@@ -361,7 +362,7 @@ TEST_F(OutlookAddressTableTest, WithoutLocalDatesTheSystemsZoneIsTakenOff)
     contact->get_Birthday(&date);
     EXPECT_NEAR(32874.0, date, 1e-9);
     contact->get_Anniversary(&date);
-    EXPECT_NEAR(36526.0, date, 1e-9);
+    EXPECT_NEAR(41821.0, date, 1e-9);
 }
 
 TEST_F(OutlookAddressTableTest, TheLocalDatesFollowEachReading)
