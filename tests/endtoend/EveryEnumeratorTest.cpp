@@ -244,3 +244,120 @@ TEST(MissingEnumeratorTest, TheBackEndsOfWindowsHaveNoListsOfGroupsAndCategories
         EXPECT_EQ(S_OK, service->StopService());
     }
 }
+
+// Without a folder of calendars there is nothing to walk and no place for a file.
+TEST(MissingEnumeratorTest, OutlookExpressWalksAnEmptyCalendarAndAddsNothing)
+{
+    const CalendarFolder folder;
+    const auto service = StartBackEnd(kOutlookExpress);
+    ASSERT_TRUE(service);
+    ComPtr<INEnumerator> enumerator;
+    EXPECT_EQ(S_OK, service->GetEnumerator(Calendar, enumerator.GetAddressOf()));
+    ASSERT_TRUE(enumerator);
+    ComPtr<INEntityItem> item;
+    EXPECT_EQ(E_FAIL, enumerator->GetNextItem(item.GetAddressOf()));
+    const auto added = MakeInServer<INEntityItem>(CLSID_NAppointment);
+    AppointmentName::Write(added.Get(), L"Added");
+    Bstr id;
+    EXPECT_EQ(E_FAIL, enumerator->AddItem(added.Get(), id.Put()));
+    EXPECT_EQ(S_OK, service->StopService());
+}
+
+namespace
+{
+// Outlook 2003, as the registry tells it: its categories lie there too.
+class Outlook2003CategoriesTest : public testing::Test
+{
+  protected:
+    void SetUp() override
+    {
+        store.Load(kContents);
+        // A list of texts; the library lies where one without a language lies.
+        application.Set(L"Microsoft\\Office\\11.0\\Outlook" + std::wstring(1, L'\0') +
+                            L"NoLanguage" + std::wstring(1, L'\0'),
+                        REG_MULTI_SZ);
+        masterList.Set(L"Work;");
+        service = StartBackEnd(kOutlook);
+        ASSERT_TRUE(service);
+    }
+    void TearDown() override
+    {
+        if (service)
+        {
+            EXPECT_EQ(S_OK, service->StopService());
+        }
+    }
+    ComPtr<INEnumerator> Enumerator()
+    {
+        ComPtr<INEnumerator> enumerator;
+        EXPECT_EQ(S_OK, service->GetEnumerator(ContactCategory, enumerator.GetAddressOf()));
+        return enumerator;
+    }
+    static std::vector<ComPtr<INEntityItem>> Items(INEnumerator& enumerator)
+    {
+        VARIANT_BOOL done = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, enumerator.ResetItem(&done));
+        std::vector<ComPtr<INEntityItem>> items;
+        ComPtr<INEntityItem> item;
+        while (items.size() < 50 && enumerator.GetNextItem(item.ReleaseAndGetAddressOf()) == S_OK)
+            items.push_back(item);
+        return items;
+    }
+    Texts NamesAnew()
+    {
+        Texts names;
+        for (const auto& item : Items(*Enumerator().Get()))
+            names.push_back(CategoryName::Read(item.Get()));
+        return names;
+    }
+    static HRESULT Find(INEnumerator& enumerator, const Bstr& id, ComPtr<INEntityItem>& item)
+    {
+        VARIANT_BOOL done = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, enumerator.ResetItem(&done));
+        return enumerator.GetItemByID(id.Get(), item.ReleaseAndGetAddressOf());
+    }
+
+    MessageStore store{RecordArrays::LeftToTheRuntime};
+    ScopedRegistryValue application{
+        HKEY_LOCAL_MACHINE, L"Software\\Clients\\Mail\\Microsoft Outlook", L"MSIApplicationLCID"};
+    ScopedRegistryValue masterList{HKEY_CURRENT_USER,
+                                   L"Software\\Microsoft\\Office\\11.0\\Outlook\\Categories",
+                                   L"MasterList"};
+    ComPtr<INPersonalInformationService> service;
+};
+} // namespace
+
+// IDs hold for one enumerator; between two the name tells which category it is.
+TEST_F(Outlook2003CategoriesTest, AreWalkedAddedUpdatedAndDeletedByName)
+{
+    const auto enumerator = Enumerator();
+    ASSERT_TRUE(enumerator);
+    ASSERT_EQ(1u, Items(*enumerator.Get()).size());
+    const auto item = MakeInServer<INEntityItem>(CLSID_NContactCategory);
+    CategoryName::Write(item.Get(), L"Added \u65e5");
+    Bstr id;
+    ASSERT_EQ(S_OK, enumerator->AddItem(item.Get(), id.Put()));
+    EXPECT_EQ(38u, id.View().size()); // a GUID in braces
+    ComPtr<INEntityItem> found;
+    ASSERT_EQ(S_OK, Find(*enumerator.Get(), id, found));
+    EXPECT_EQ(L"Added \u65e5", CategoryName::Read(found.Get()));
+    EXPECT_THAT(NamesAnew(), ElementsAre(L"Work", L"Added \u65e5"));
+
+    const auto another = Enumerator();
+    EXPECT_EQ(E_FAIL, Find(*another.Get(), id, found));
+    const auto items = Items(*another.Get());
+    ASSERT_EQ(2u, items.size());
+    CategoryName::Write(items[1].Get(), L"Changed");
+    VARIANT_BOOL done = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, another->UpdateItem(items[1].Get(), &done));
+    EXPECT_EQ(VARIANT_TRUE, done);
+    EXPECT_THAT(NamesAnew(), ElementsAre(L"Work", L"Changed"));
+
+    Bstr changedID;
+    EXPECT_EQ(S_OK, items[1]->get_EntityID(changedID.Put()));
+    EXPECT_EQ(E_FAIL, another->DeleteItem(changedID.Get(), &done));
+    done = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, another->DeleteItem(Bstr(L"Changed").Get(), &done));
+    EXPECT_EQ(VARIANT_TRUE, done);
+    EXPECT_THAT(NamesAnew(), ElementsAre(L"Work"));
+}
