@@ -4,8 +4,10 @@
 #include "endtoend/MessageStore.h"
 #include "endtoend/PimProgram.h"
 #include "endtoend/StoreClient.h"
+#include "support/ScopedRegistryValue.h"
 #include "support/ScratchDirectory.h"
 #include "support/TestPaths.h"
+#include "tests/outlook/categories/CategoryRegistry.h"
 
 #include <gmock/gmock.h>
 
@@ -328,6 +330,39 @@ TEST_F(PimContactsTest, ListsRenamesAndDeletesCategories)
     EXPECT_EQ(Refused(L"categories rename Work Play", 4),
               "pim: There is no category with the ID or name \"Work\". pim categories list shows "
               "the IDs.\n");
+}
+
+// Its list is a registry value of names: no colour, and a new ID with each reading.
+TEST_F(PimContactsTest, KeepsCategoriesOfOutlook2003ByName)
+{
+    ScopedRegistryValue application(
+        HKEY_LOCAL_MACHINE, L"Software\\Clients\\Mail\\Microsoft Outlook", L"MSIApplicationLCID");
+    application.Set(L"Microsoft\\Office\\11.0\\Outlook" + std::wstring(1, L'\0') + L"NoLanguage" +
+                        std::wstring(1, L'\0'),
+                    REG_MULTI_SZ);
+    ScopedRegistryValue masterList(HKEY_CURRENT_USER, kCategoriesKey, L"MasterList");
+    masterList.Set(L"Work;");
+    const ProgramResult colored = RunPim(L"categories add Travel --color 9");
+    EXPECT_EQ(colored.exitCode, 5u);
+    EXPECT_THAT(colored.output, StartsWith("Added {"));
+    EXPECT_EQ(colored.errors, "pim: The store kept another value than the one asked for: color.\n");
+    EXPECT_THAT(PimDone(L"categories add Garden"), StartsWith("Added {"));
+    EXPECT_THAT(PimDone(L"categories rename travel Journeys"), StartsWith("Renamed {"));
+    EXPECT_THAT(PimDone(L"categories list"),
+                AllOf(HasSubstr("Garden"), HasSubstr("Journeys"), HasSubstr("Work")));
+    EXPECT_THAT(PimDone(L"categories delete Journeys"), StartsWith("Deleted {"));
+    const std::wstring expected = L"Work;Garden;";
+    const BYTE* const bytes = reinterpret_cast<const BYTE*>(expected.c_str());
+    EXPECT_EQ(std::vector<BYTE>(bytes, bytes + (expected.size() + 1) * sizeof(wchar_t)),
+              ReadBytes(kCategoriesKey, L"MasterList").bytes);
+}
+
+TEST_F(PimContactsTest, SaysWhichStoreHasNoCategories)
+{
+    const CalendarFolder windowsMail;
+    EXPECT_EQ(Refused(L"--provider \"Windows Mail\" categories list", 1),
+              "pim: The store of \"Windows Mail\" has no categories. pim providers lists the mail "
+              "clients that are there.\n");
 }
 
 TEST_F(PimContactsTest, KeepsContactsInTheWindowsAddressBook)
