@@ -19,6 +19,7 @@ struct AppointmentKind
     static constexpr auto kUpdate = &INCalendar::UpdateAppointment;
     static constexpr auto kDelete = &INCalendar::DeleteAppointment;
     static const CLSID& ItemClass() { return CLSID_NAppointment; }
+    // Of the running service: null where its provider has none.
     static HRESULT Open(INPersonalInformationService* service, Collection** items)
     {
         return service->GetCalendar(items);
@@ -38,6 +39,7 @@ struct ContactKind
     static constexpr auto kUpdate = &INAddressBook::UpdateItem;
     static constexpr auto kDelete = &INAddressBook::DeleteItem;
     static const CLSID& ItemClass() { return CLSID_NContactItem; }
+    // Of the running service: null where its provider has none.
     static HRESULT Open(INPersonalInformationService* service, Collection** items)
     {
         return service->GetAddressBook(items);
@@ -62,6 +64,7 @@ struct GroupKind : EnumeratedKind
     static constexpr ItemWords kWords = {L"group", L"a group", L"groups", L"groups"};
     static constexpr const wchar_t* kCommand = L"groups";
     static const CLSID& ItemClass() { return CLSID_NContactGroup; }
+    // Of the running service: null where its provider has none.
     static HRESULT Open(INPersonalInformationService* service, Collection** items)
     {
         return service->GetEnumerator(ContactGroup, items);
@@ -73,6 +76,7 @@ struct CategoryKind : EnumeratedKind
     static constexpr ItemWords kWords = {L"category", L"a category", L"categories", L"categories"};
     static constexpr const wchar_t* kCommand = L"categories";
     static const CLSID& ItemClass() { return CLSID_NContactCategory; }
+    // Of the running service: null where its provider has none.
     static HRESULT Open(INPersonalInformationService* service, Collection** items)
     {
         return service->GetEnumerator(ContactCategory, items);

@@ -50,6 +50,7 @@ struct WriteResult
     std::vector<std::wstring> notKept; // fields whose value the store holds otherwise
 };
 
+// Members id and notKept, see docs/pim.md.
 nlohmann::ordered_json WriteResultJson(const WriteResult& result);
 // "Added 0A3C"; and what was not kept on standard error.
 // Returns: the exit code.

@@ -3,6 +3,7 @@
 #include "client/CalendarCommands.h"
 #include "client/CategoryCommands.h"
 #include "client/ContactCommands.h"
+#include "client/DoctorCommand.h"
 #include "client/GroupCommands.h"
 #include "client/ServerRegistration.h"
 #include "client/UserSession.h"
@@ -119,6 +120,7 @@ int RunCommand(const Command& command, const OutputStream& output, const OutputS
         {CommandKind::Add,        ItemKind::Category,    AddCategory},
         {CommandKind::Rename,     ItemKind::Category,    RenameCategory},
         {CommandKind::Delete,     ItemKind::Category,    DeleteCategories},
+        {CommandKind::Doctor,     ItemKind::Appointment, RunDoctor},
         {CommandKind::Register,   ItemKind::Appointment, RunRegister},
         {CommandKind::Unregister, ItemKind::Appointment, RunUnregister},
     };

@@ -101,6 +101,7 @@ template <typename Kind> class ItemCollection
         return std::wstring(id.View());
     }
 
+    // Writes the item over the one that has its ID.
     void Update(Item* item) const
     {
         VARIANT_BOOL done = VARIANT_FALSE;

@@ -15,7 +15,6 @@ namespace
 using Microsoft::WRL::ComPtr;
 
 // Best first: the last one has no calendar.
-constexpr const wchar_t* kKnownProviders[] = {kOutlook, L"Windows Mail", L"Outlook Express"};
 
 bool IsSameName(const std::wstring& left, const std::wstring& right)
 {

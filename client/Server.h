@@ -14,7 +14,8 @@ namespace pim
 // The one provider that knows a user.
 inline constexpr wchar_t kOutlook[] = L"Microsoft Outlook";
 bool IsOutlook(const std::wstring& name);
-// The names of back ends that the server can start.
+// The names of back ends that the server can start, best first: the last one has no calendar.
+inline constexpr const wchar_t* kKnownProviders[] = {kOutlook, L"Windows Mail", L"Outlook Express"};
 bool IsKnownProvider(const std::wstring& name);
 
 // Initialises COM for the thread as long as it lives.

@@ -35,5 +35,6 @@ std::wstring CategoryTable(std::span<const Category> categories, const TableRoom
 // All that is known of one category, one line per field and item.
 std::wstring CategoryDetails(const Category& category, const ILocalZone& zone);
 
+// The same as docs/pim.md tells it.
 nlohmann::ordered_json CategoryJson(const Category& category);
 } // namespace pim

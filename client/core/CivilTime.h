@@ -38,6 +38,7 @@ std::optional<CivilTime> AddSeconds(const CivilTime& time, long long seconds);
 // 0 for Sunday to 6 for Saturday.
 int WeekdayOf(const CivilTime& time);
 
+// Whether no part of the day has passed.
 bool IsMidnight(const CivilTime& time);
 
 std::wstring FormatDay(const CivilTime& time);         // 2024-05-01

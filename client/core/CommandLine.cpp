@@ -245,6 +245,7 @@ CommandLineResult ParseCommandLine(std::vector<std::string> arguments, const std
     add("folders", "List the contact folders", CommandKind::Folders);
     for (const ItemWords& words : kItemWords)
         AddItemCommands(app, words, typed, choices);
+    add("doctor", "Tell why the server or a mail client does not work", CommandKind::Doctor);
     CLI::App* const enroll =
         add("register", "Register the server that lies beside this program", CommandKind::Register);
     CLI::App* const withdraw =

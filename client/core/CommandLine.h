@@ -29,6 +29,7 @@ enum class CommandKind
     Update,
     Rename,
     Delete,
+    Doctor,
     Register,
     Unregister
 };

@@ -45,5 +45,6 @@ std::wstring GroupTable(std::span<const ContactGroup> groups, const TableRoom& r
 // All that is known of one group, one line per field and member.
 std::wstring GroupDetails(const ContactGroup& group, const ILocalZone& zone);
 
+// The same as docs/pim.md tells it.
 nlohmann::ordered_json GroupJson(const ContactGroup& group);
 } // namespace pim

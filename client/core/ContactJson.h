@@ -23,6 +23,7 @@
 
 namespace pim
 {
+// The object above.
 nlohmann::ordered_json ContactJson(const Contact& contact);
 
 // What a file of contacts asks for.

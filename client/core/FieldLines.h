@@ -16,6 +16,7 @@ class FieldLines
     // An absent or empty value gives no line.
     void Add(const std::wstring& name, const std::optional<std::wstring>& value);
 
+    // All lines, values below each other, each line ended by a line feed.
     std::wstring Text() const;
 
   private:

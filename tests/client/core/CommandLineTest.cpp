@@ -38,6 +38,7 @@ TEST(CommandLineTest, KnowsTheCommands)
     EXPECT_EQ(Parsed({"providers"}).kind, CommandKind::Providers);
     EXPECT_EQ(Parsed({"whoami"}).kind, CommandKind::WhoAmI);
     EXPECT_EQ(Parsed({"folders", "--json"}).kind, CommandKind::Folders);
+    EXPECT_EQ(Parsed({"doctor"}).kind, CommandKind::Doctor);
     EXPECT_EQ(Parsed({"register"}).kind, CommandKind::Register);
     EXPECT_FALSE(Parsed({"register"}).forUser);
     EXPECT_EQ(Parsed({"register", "--user"}).kind, CommandKind::Register);
