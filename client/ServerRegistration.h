@@ -10,8 +10,7 @@ enum class RegistrationChange
     Unregister
 };
 
-// Where it is not for the user alone the server's program is run and waited for; otherwise the thread
-// must be in an apartment.
-// Throws: Failure, where the program is missing or a step fails.
+// Where it is not for the user alone the server's program is run and waited for; otherwise the
+// thread must be in an apartment. Throws: Failure, where the program is missing or a step fails.
 void ChangeRegistration(RegistrationChange change, bool forUser);
 } // namespace pim
