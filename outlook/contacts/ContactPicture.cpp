@@ -31,7 +31,7 @@ ComPtr<IStream> OpenData(IAttach& attachment, ULONG flags)
 // Where a picture goes.
 struct NewFile
 {
-    std::wstring placeholder; // made, so that no other program takes the name
+    std::wstring reserved; // the empty file that the system made, so that nobody takes the name
     std::wstring path;
 };
 
@@ -40,12 +40,12 @@ NewFile ReserveFile(const wchar_t* fileName, const wchar_t* extension)
 {
     wchar_t folder[MAX_PATH] = {};
     const DWORD length = GetTempPathW(MAX_PATH, folder);
-    wchar_t placeholder[MAX_PATH] = {};
+    wchar_t reserved[MAX_PATH] = {};
     if (length == 0 || length >= MAX_PATH ||
-        GetTempFileNameW(folder, PicturePrefix(fileName).c_str(), 0, placeholder) == 0)
+        GetTempFileNameW(folder, PicturePrefix(fileName).c_str(), 0, reserved) == 0)
         return {};
-    NewFile file = {placeholder, placeholder + PictureExtension(extension)};
-    RememberPictureFiles({file.placeholder, file.path});
+    NewFile file = {reserved, reserved + PictureExtension(extension)};
+    RememberPictureFiles({file.reserved, file.path});
     // A net below the rules of prefix and extension, which let no such name through.
     if (!IsFileOfFolder(folder, file.path))
         file.path.clear();
