@@ -37,6 +37,7 @@ class CNAddressBook : public IDispatchImpl<INAddressBook>,
     STDMETHODIMP GetGroupByID(BSTR bstrEntryID, INContactGroup** ppGroup) override;
     STDMETHODIMP UpdateGroup(INContactGroup* pGroup, VARIANT_BOOL* pvbResult) override;
     // Kept as it is: reaches the contact table and so fails, see CAddressBookHandle::AddGroup.
+    // Pinned by AddressBookTest.AddGroupGoesToTheContactTable.
     STDMETHODIMP AddGroup(INContactGroup* pGroup, BSTR* pbstrEntryID) override;
     STDMETHODIMP DeleteGroup(BSTR bstrEntryID, VARIANT_BOOL* pvbResult) override;
 

@@ -75,7 +75,7 @@ inline HRESULT GetArray(const ArrayField& field, SAFEARRAY** out)
 // that cannot be copied, empty the field. Returns: the result of the system's copy.
 inline HRESULT PutArray(ArrayField& field, SAFEARRAY* value)
 {
-    ArrayField(std::move(field)).reset();
+    std::exchange(field, nullptr).reset();
     UniqueSafeArray copy;
     const HRESULT result = SafeArrayCopy(value, copy.Put());
     ArrayField taken;

@@ -37,6 +37,7 @@ class Progress
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
+    // One more was walked.
     void Step();
 
   private:

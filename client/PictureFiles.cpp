@@ -16,12 +16,18 @@ std::wstring ErrorText(DWORD error)
 {
     return L" (error " + std::to_wstring(error) + L").";
 }
+
+// Empty when the system cannot tell; such a path then fails where it is used.
+std::filesystem::path AbsolutePath(const std::wstring& typed)
+{
+    std::error_code ignored;
+    return std::filesystem::absolute(typed, ignored);
+}
 } // namespace
 
 std::wstring ReadablePicture(const std::wstring& typed)
 {
-    std::error_code ignored;
-    const std::wstring path = std::filesystem::absolute(typed, ignored).wstring();
+    const std::wstring path = AbsolutePath(typed).wstring();
     if (!OpenForReading(path))
         throw Failure{kExitFailed,
                       L"The picture \"" + OneLine(typed) + L"\" cannot be read" +
@@ -29,10 +35,9 @@ std::wstring ReadablePicture(const std::wstring& typed)
     return path;
 }
 
-PictureFolder::PictureFolder(const std::wstring& path)
+PictureFolder::PictureFolder(const std::wstring& path) : m_path(AbsolutePath(path))
 {
     std::error_code error;
-    m_path = std::filesystem::absolute(path, error);
     std::filesystem::create_directories(m_path, error);
     if (!std::filesystem::is_directory(m_path, error))
         throw Failure{kExitFailed,

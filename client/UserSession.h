@@ -18,6 +18,7 @@ class UserSession
     // Without a name it is Outlook, the one provider that knows a user.
     UserSession(const Server& server, const std::optional<std::wstring>& provider);
 
+    // The user as the store tells; its contact folders in the server's order.
     Identity User() const;
     std::vector<ContactFolder> ContactFolders() const;
 

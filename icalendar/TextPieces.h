@@ -4,6 +4,7 @@
 
 #include <string_view>
 
+// The text without the blanks (U+0020) at both ends.
 inline std::wstring_view TrimBlanks(std::wstring_view text) noexcept
 {
     while (!text.empty() && text.front() == L' ')

@@ -74,6 +74,7 @@ class CVEvent : public CVObject
     // What an index finds the event by: the uid.
     std::wstring Id() const;
 
+    // The fields to be read, packed or not; good until the next change.
     EventView Fields() const;
     // The fields themselves, to be changed; good until Pack.
     EventFields& Edit();

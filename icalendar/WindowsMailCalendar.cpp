@@ -344,7 +344,7 @@ void CWindowsMailCalendar::FillAppointment(const CCalendarFile& file,
     PutText(*appointment.Get(), &INAppointment::put_TimeZone, values.timeZone);
     PutHead(values.recurrence.value_or(RecurrenceHead{}), *m_recurringInfo);
     appointment->put_RecurringInfo(m_recurringInfo.get());
-    // Kept as it is: 1 and not -1.
+    // Kept as it is: 1 and not -1. Pinned by WindowsMailCalendarTest.ReadsOnlyOneWholeDayAsAllDay.
     appointment->put_AllDay(values.allDay.value_or(false) ? 1 : 0);
     appointment->put_StartTime(values.startTime.value_or(0.0));
     appointment->put_EndTime(values.endTime.value_or(0.0));

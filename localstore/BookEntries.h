@@ -5,5 +5,6 @@
 #include "localstore/BookSession.h"
 #include "localstore/TableSource.h"
 
+// The source keeps the session.
 std::unique_ptr<TableSource> MakeBookEntriesSource(std::shared_ptr<BookSession> session,
                                                    std::int64_t container);

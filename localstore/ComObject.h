@@ -41,6 +41,7 @@ template <typename Interface, const IID*... Identities> class ComObject : public
     ComObject(const ComObject&) = delete;
     ComObject& operator=(const ComObject&) = delete;
 
+    // Whether QueryInterface gives that interface.
     static bool Answers(REFIID iid) noexcept
     {
         return IsEqualIID(iid, IID_IUnknown) || (IsEqualIID(iid, *Identities) || ...);

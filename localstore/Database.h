@@ -105,8 +105,11 @@ class Database
     Database& operator=(Database&&) = delete;
     ~Database();
 
+    // Whether it could be opened for reading only.
     bool IsReadOnly() const noexcept;
+    // Runs statements whose rows do not matter. Throws DatabaseError.
     void Execute(const std::string& sql);
+    // One statement, to be run many times. Throws DatabaseError.
     Statement Prepare(std::string_view sql);
     // The one integer that a query gives; 0 when it gives no row.
     std::int64_t QueryInteger(std::string_view sql);
@@ -137,6 +140,7 @@ class Transaction
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
 
+    // Throws DatabaseError; the changes are then rolled back at the end.
     void Commit();
 
   private:

@@ -15,6 +15,7 @@ struct RegistryValue
     bool operator==(const RegistryValue&) const = default;
 };
 
+// REG_SZ of one text, REG_MULTI_SZ of several.
 RegistryValue TextValue(const std::wstring& text);
 RegistryValue ListValue(const std::vector<std::wstring>& texts);
 // The text of a string value up to its first NUL; empty for other types.
@@ -36,10 +37,13 @@ class InstallTarget
     // ERROR_FILE_NOT_FOUND or ERROR_PATH_NOT_FOUND where there is none.
     virtual LSTATUS ReadWholeFile(const std::wstring& path, std::vector<BYTE>& bytes) const = 0;
 
+    // With all keys above it; no error where it is there.
     virtual LSTATUS CreateKey(const std::wstring& key) = 0;
+    // Makes the value or replaces it; the key must be there.
     virtual LSTATUS WriteValue(const std::wstring& key,
                                const std::wstring& name,
                                const RegistryValue& value) = 0;
+    // ERROR_FILE_NOT_FOUND where it is missing.
     virtual LSTATUS DeleteValue(const std::wstring& key, const std::wstring& name) = 0;
     // ERROR_DIR_NOT_EMPTY, and the key stays, where it holds values or keys.
     virtual LSTATUS DeleteEmptyKey(const std::wstring& key) = 0;

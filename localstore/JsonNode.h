@@ -55,6 +55,7 @@ class JsonPlace
     JsonPlace(const JsonNode& node, std::string_view path) : m_node(node), m_key(path) {}
 
     const JsonNode& Node() const noexcept { return m_node; }
+    // The element of an array; the index must be within.
     JsonPlace At(size_t index) const;
     // The value of that key; null where there is none.
     const JsonNode* Find(std::string_view key) const;
@@ -68,6 +69,7 @@ class JsonPlace
     // An object that has no other keys than these.
     void ExpectKeys(std::initializer_list<std::string_view> keys) const;
 
+    // Throws JsonProblem about this place, which Path names.
     [[noreturn]] void Fail(const std::string& text) const;
     std::string Path() const;
 

@@ -47,6 +47,7 @@ class JsonListener
         Array,
         Plain
     };
+    // Returns how to go on with the value.
     virtual JsonStep Begin(const std::string& path,
                            std::string_view key,
                            Kind kind,

@@ -77,4 +77,5 @@ class AttachmentState : public WaitingObject
     bool m_isNew;
 };
 
+// The attachments of a message as rows, in the order of their numbers.
 std::unique_ptr<TableSource> MakeAttachmentSource(std::shared_ptr<MessageState> message);

@@ -21,6 +21,7 @@ class RowSetBuilder
     RowSetBuilder(const RowSetBuilder&) = delete;
     RowSetBuilder& operator=(const RowSetBuilder&) = delete;
 
+    // Takes a row's values over. Not beyond the number of rows that room was made for.
     void Add(SPropValue* values, size_t count) noexcept
     {
         SRow& row = Set().aRow[Set().cRows++];

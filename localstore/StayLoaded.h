@@ -4,4 +4,5 @@
 // behind each time, and a server loads it again with each start of the service.
 #pragma once
 
+// May be called again; nothing happens where the system refuses.
 void StayLoaded() noexcept;

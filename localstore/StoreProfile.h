@@ -32,6 +32,7 @@ struct FolderRole
     std::uint16_t propertyId; // of PT_BINARY; 0 for the receive folder
 };
 
+// Every role, in the order of the JSON form.
 std::span<const FolderRole> FolderRoles();
 // Null where there is no role of that name.
 const FolderRole* FindFolderRole(std::string_view name);
@@ -45,6 +46,7 @@ std::optional<std::int64_t> FolderOfRole(Database& database, const FolderRole& r
 // Gives the role to that folder, on every holder that is there.
 void SetFolderRole(Database& database, const FolderRole& role, std::int64_t folder);
 
+// None where there is no such folder.
 std::optional<std::int64_t> RootFolder(Database& database);
 std::optional<std::int64_t> FolderOfEntryId(Database& database, std::span<const std::byte> entryId);
 Bytes EntryIdOfFolder(Database& database, std::int64_t folder);

@@ -41,6 +41,7 @@ struct SchemaStep
 
 inline constexpr std::int64_t kStoreApplicationId = 0x50494D53; // "PIMS"
 
+// From the oldest to the newest; the number of steps is the version.
 std::span<const SchemaStep> StoreSchemaSteps();
 
 // Brings an empty database or an older store to the newest of the steps, in one transaction; one

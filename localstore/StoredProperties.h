@@ -57,6 +57,7 @@ class PropertySelection
     }
 
     bool IsAll() const noexcept { return m_all; }
+    // Whether the property belongs to the selection.
     bool Has(std::uint16_t id) const noexcept
     {
         return m_all || std::binary_search(m_ids.begin(), m_ids.end(), id);

@@ -52,6 +52,7 @@ class ByteFiller
         WriteBytes(field);
     }
 
+    // The bytes as they are.
     void WriteBytes(std::span<const std::byte> bytes) noexcept
     {
         if (bytes.size() > Remaining())

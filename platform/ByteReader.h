@@ -48,6 +48,7 @@ class ByteReader
         return Take(count, bytes);
     }
 
+    // Passes the next bytes over.
     bool Skip(std::size_t count) noexcept
     {
         std::span<const std::byte> skipped;

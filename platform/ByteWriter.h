@@ -42,6 +42,7 @@ class ByteWriter
         return true;
     }
 
+    // The bytes as they are.
     bool WriteBytes(std::span<const std::byte> bytes)
     {
         if (IsOk())

@@ -32,6 +32,7 @@ class RawFile
     bool WasMissing() const noexcept { return m_missing; }
     void Close() noexcept;
 
+    // In bytes; 0 where that cannot be told.
     std::uint64_t Size() const noexcept;
     // Whether a replacement under the same name reaches all who know the file: it has one name,
     // and that is no link.

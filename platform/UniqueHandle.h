@@ -34,6 +34,7 @@ template <typename Policy> class UniqueResource
         return &m_value;
     }
     Type Detach() noexcept { return std::exchange(m_value, Policy::Empty()); }
+    // Closes what is held and takes the value over.
     void Reset(Type value = Policy::Empty()) noexcept
     {
         if (m_value != Policy::Empty())

@@ -7,5 +7,6 @@
 #include <string>
 #include <string_view>
 
+// UTF-16 code units of UTF-8, and the way back.
 std::wstring DecodeUtf8(std::string_view text);
 std::string EncodeUtf8(std::wstring_view text);

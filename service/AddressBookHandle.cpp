@@ -15,7 +15,8 @@ CAddressBookHandle::CAddressBookHandle(std::unique_ptr<IEnumerator> items,
 
 void CAddressBookHandle::Refresh()
 {
-    // Kept as it is: the group table keeps the list from its creation.
+    // Kept as it is: the group table keeps the list from its creation. Pinned by
+    // AddressBookHandleTest.RefreshReloadsTheContactTableAlone.
     m_pItems->GetItemIDs();
 }
 

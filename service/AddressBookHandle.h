@@ -14,6 +14,7 @@ class CAddressBookHandle
     // nothing and fail.
     CAddressBookHandle(std::unique_ptr<IEnumerator> items, std::unique_ptr<IEnumerator> groups);
 
+    // The table's operations on contacts, see IEnumerator, with IDs in client form.
     void Refresh();
     void ResetItem();
     void NextItem();

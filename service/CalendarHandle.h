@@ -11,6 +11,7 @@ class CCalendarHandle
     // items must not be null.
     explicit CCalendarHandle(std::unique_ptr<IEnumerator> items);
 
+    // The table's operations, see IEnumerator.
     void Refresh();
     void ResetItem();
     void NextItem();

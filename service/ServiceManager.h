@@ -38,6 +38,7 @@ class CServiceManager
     // now on nothing new is handed out all the same. The manager must outlive that call.
     void StopService();
 
+    // The default client, unchecked, and those that are installed; see service/Discovery.h.
     std::wstring GetDefaultProvider();
     void GetProviders(std::vector<std::wstring>& names);
 

@@ -147,7 +147,7 @@ std::int64_t DateToUnixSeconds(DATE date)
     for (int month = 1; month < time.wMonth; ++month)
         seconds += kMonthSeconds[month - 1];
     // Kept as it is: one second, not one day, for a leap year's February. Clients' stored times
-    // rely on it. Pinned by CountsOneSecondForALeapDay.
+    // rely on it. Pinned by TimeConversionsTest.CountsOneSecondForALeapDay.
     if (time.wMonth > 2 && IsLeapYear(time.wYear))
         seconds += 1;
     return seconds + (time.wDay - 1) * kSecondsPerDay + time.wHour * 3600 + time.wMinute * 60 +

@@ -20,6 +20,7 @@ bool DateToSystemTime(DATE date, SYSTEMTIME& time);
 
 // --- DATE and FILETIME, without a change of zone -----------------------------------------------
 
+// Through the calendar time; parts of a second are lost.
 DATE FileTimeToDate(FILETIME time);
 FILETIME DateToFileTime(DATE date);
 
@@ -38,6 +39,7 @@ std::uint32_t DateToMinutes(DATE date);
 // Seconds since 1970 for the years 1971 to 2070, else 0. Kept as it is: a leap year's February
 // counts one second more instead of one day, and the year count already holds its 29 February, so
 // January and February of a leap year come out one day late and the rest of it one second late.
+// Pinned by TimeConversionsTest.
 std::int64_t DateToUnixSeconds(DATE date);
 
 // The date plus whole minutes, through DateToUnixSeconds with all that follows from it. 0.0 for a

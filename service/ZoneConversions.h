@@ -4,6 +4,7 @@
 
 #include "platform/WindowsHeaders.h"
 
+// Each converts by the rules of the zone for that time.
 FILETIME LocalDateToUtcFileTime(DATE localDate, const TIME_ZONE_INFORMATION* zone);
 DATE UtcFileTimeToLocalDate(FILETIME utcTime, const TIME_ZONE_INFORMATION* zone);
 DATE UtcDateToLocalDate(DATE utcDate, const TIME_ZONE_INFORMATION* zone);

@@ -42,7 +42,7 @@ std::wstring NewContactPicturePath()
     folder += kFolderName;
     CreateDirectoryPath(folder, false);
     Hide(folder);
-    // Kept as it is: the ticks are written as a signed number.
+    // A signed number, as in the names of the pictures that are there already.
     return folder + L"\\Con" + std::to_wstring(static_cast<int>(GetTickCount())) + L"_" +
            std::to_wstring(g_pictures++) + L".jpg";
 }

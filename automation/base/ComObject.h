@@ -30,6 +30,7 @@ template <typename T> struct InterfaceEntry
     IUnknown* (*cast)(T* object) noexcept;
 };
 
+// The object as one of its interfaces, for a row of the map.
 template <typename T, typename Interface> IUnknown* CastToInterface(T* object) noexcept
 {
     return static_cast<Interface*>(object);
@@ -231,6 +232,7 @@ template <typename T, const CLSID* pclsid> class CComCoClass
   public:
     static const CLSID& GetObjectCLSID() noexcept { return *pclsid; }
 
+    // The creator of the class; the caller owns *result.
     static HRESULT CreateInstance(IUnknown* outer, REFIID iid, void** result) noexcept
     {
         return outer ? CComCreate<CComAggObject<T>>(outer, iid, result)

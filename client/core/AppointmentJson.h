@@ -26,5 +26,6 @@
 
 namespace pim
 {
+// The object above.
 nlohmann::ordered_json AppointmentJson(const Appointment& item, const ILocalZone& zone);
 } // namespace pim

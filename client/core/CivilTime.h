@@ -63,6 +63,7 @@ class ILocalZone
 {
   public:
     virtual ~ILocalZone() = default;
+    // By the zone's rules for that time; as it is where the system cannot convert it.
     virtual CivilTime LocalFromUtc(const CivilTime& utc) const = 0;
     virtual CivilTime UtcFromLocal(const CivilTime& local) const = 0;
 };

@@ -37,6 +37,7 @@ struct ItemOptions
     std::optional<std::uint32_t> reminderMinutes; // kNoReminder: none
     RepeatOptions repeat;
 
+    // Whether nothing was typed.
     bool IsEmpty() const noexcept;
 };
 

@@ -13,6 +13,7 @@
 class MinuteDates
 {
   public:
+    // The DATE of one time of the column.
     DATE DateOf(std::uint32_t minutes)
     {
         const std::uint32_t day = minutes / kMinutesPerDay;

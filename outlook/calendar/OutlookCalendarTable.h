@@ -28,6 +28,7 @@ class COutlookCalendarTable : public CContentTable
 
   private:
     // Both zone definitions were known to the store once. Kept as it is: never cleared again.
+    // Pinned by AppointmentReadingTest.
     bool m_hasZoneDefinition = false;
     std::unique_ptr<CRichEditHelper> m_pRichEditHelper; // made for the first RTF body
     const IZoneSource& m_zones;

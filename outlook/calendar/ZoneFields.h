@@ -15,18 +15,21 @@ inline constexpr std::uint16_t SYSTEMTIME::*kDateFields[] = {&SYSTEMTIME::wYear,
                                                              &SYSTEMTIME::wSecond,
                                                              &SYSTEMTIME::wMilliseconds};
 
+// Each reads or writes its fields where they stand next; the status stays with the cursor.
 inline void ReadDate(ByteReader& in, SYSTEMTIME& date)
 {
     for (const auto field : kDateFields)
         in.Read(date.*field);
 }
 
+// See ReadDate.
 inline void WriteDate(ByteWriter& out, const SYSTEMTIME& date)
 {
     for (const auto field : kDateFields)
         out.Write<std::uint16_t>(date.*field);
 }
 
+// The three biases, in minutes.
 inline void ReadBiases(ByteReader& in, ZoneRules& rules)
 {
     in.Read(rules.biasMinutes);
@@ -34,6 +37,7 @@ inline void ReadBiases(ByteReader& in, ZoneRules& rules)
     in.Read(rules.daylightBiasMinutes);
 }
 
+// See ReadBiases.
 inline void WriteBiases(ByteWriter& out, const ZoneRules& rules)
 {
     out.Write<std::int32_t>(rules.biasMinutes);

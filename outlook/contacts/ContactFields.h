@@ -39,6 +39,7 @@ struct TextColumn
     const wchar_t* trace; // a line of the log with the text; null for none
 };
 
+// Texts that are absent put nothing.
 void PutTexts(INContactItem& contact,
               const PropertyView& values,
               std::span<const TextColumn> columns);

@@ -51,7 +51,7 @@ HRESULT CMAPIProxcy::HrGetOneProp(IMAPIProp* object, ULONG tag, LPSPropValue* va
 {
     using Function = HRESULT WINAPI(IMAPIProp*, ULONG, LPSPropValue*);
     // Kept as it is: the fallback is the same name again, and a failed lookup is not repeated, so
-    // that it changes nothing.
+    // that it changes nothing. Pinned by MAPIProxcyTest.FoundAndMissedLookupsAreRemembered.
     auto* const entry = FindFirst<Function>({"HrGetOneProp", "HrGetOneProp"});
     return entry ? entry(object, tag, value) : E_FAIL;
 }

@@ -15,6 +15,7 @@ struct MapiBufferDeleter
 // One buffer with what was allocated more to it.
 template <typename T> using MapiBuffer = std::unique_ptr<T, MapiBufferDeleter>;
 
+// Takes a buffer over; null gives an empty owner.
 template <typename T> MapiBuffer<T> AdoptMapiBuffer(T* buffer, CNProxcy& proxy) noexcept
 {
     return MapiBuffer<T>(buffer, MapiBufferDeleter{&proxy});
@@ -29,6 +30,7 @@ struct MapiRowSetDeleter
 // A row set with the values of its rows.
 using MapiRowSet = std::unique_ptr<SRowSet, MapiRowSetDeleter>;
 
+// Takes a row set over; null gives an empty owner.
 inline MapiRowSet AdoptMapiRowSet(SRowSet* rows, CNProxcy& proxy) noexcept
 {
     return MapiRowSet(rows, MapiRowSetDeleter{&proxy});

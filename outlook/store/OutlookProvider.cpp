@@ -486,7 +486,8 @@ BOOL COutlookProvider::OnFolderRow(const Row& row, BOOL* goesOn)
             (this->*kind->list)
                 .push_back({folder, false, count->Value.l, EntryIdHex(folder.Get()), name});
     }
-    // Kept as it is: the truth value is read as a number of 32 bits.
+    // Kept as it is: the truth value is read as a number of 32 bits. Pinned by
+    // OutlookProviderTest.TheTruthOfSubfoldersIsReadAsASignedNumber.
     if (hasSubfolders->Value.l > 0)
     {
         if (!folder)

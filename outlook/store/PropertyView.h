@@ -28,11 +28,13 @@ class PropertyView
             return nullptr;
         return &m_values[position];
     }
+    // Null where the value is absent.
     const SBinary* Binary(ULONG position) const noexcept
     {
         const SPropValue* const value = FindTyped(position, PT_BINARY);
         return value ? &value->Value.bin : nullptr;
     }
+    // Null where the value is absent.
     const wchar_t* Text(ULONG position) const noexcept
     {
         const SPropValue* const value = FindTyped(position, PT_UNICODE);
@@ -62,6 +64,7 @@ class PropertyView
         const SPropValue* const value = FindTyped(position, PT_SYSTIME);
         return value ? &value->Value.ft : nullptr;
     }
+    // None where the value is absent.
     std::optional<LONG> Long(ULONG position) const noexcept
     {
         const SPropValue* const value = FindTyped(position, PT_LONG);

@@ -34,6 +34,8 @@ class CNProxcy
     // Always false; see kWabObjectKey.
     virtual bool SetValue(int key, void* value) = 0;
 
+    // The entry points, by their arguments. What one hands out is the caller's: buffers go back by
+    // FreeBuffer, row sets by FreeProws, interfaces by Release.
     virtual HRESULT MAPILogonEx(ULONG_PTR ulUIParam,
                                 LPWSTR profile,
                                 LPWSTR password,
