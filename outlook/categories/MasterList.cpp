@@ -1,59 +1,75 @@
 #include "outlook/categories/MasterList.h"
 
-#include "platform/UniqueHandle.h"
-#include "platform/WindowsHeaders.h"
+#include "platform/ScopeExit.h"
 
 namespace
 {
 constexpr wchar_t kKey[] = L"Software\\Microsoft\\Office\\11.0\\Outlook\\Categories";
 constexpr wchar_t kValue[] = L"MasterList";
+// How often a value that grows under the reader is asked for.
+constexpr int kMostReadings = 16;
 
 static_assert((KEY_READ | KEY_WRITE) == 0x2001F);
-
-UniqueRegistryKey OpenForWriting()
-{
-    UniqueRegistryKey key;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, kKey, 0, KEY_READ | KEY_WRITE, key.Put()) == ERROR_SUCCESS)
-        return key;
-    if (RegCreateKeyW(HKEY_CURRENT_USER, kValue, key.Put()) != ERROR_SUCCESS)
-        key.Detach();
-    return key;
-}
 } // namespace
 
-std::wstring ReadMasterList()
+std::wstring MasterList::Read()
 {
-    UniqueRegistryKey key;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, kKey, 0, KEY_READ, key.Put()) != ERROR_SUCCESS)
-        return {};
     std::wstring text;
-    DWORD bytes = 0;
-    LSTATUS result = RegQueryValueExW(key.Get(), kValue, nullptr, nullptr, nullptr, &bytes);
-    while (result == ERROR_SUCCESS)
-    {
-        text.assign(bytes / sizeof(wchar_t) + 1, L'\0'); // an odd byte at the end counts for none
-        result = RegQueryValueExW(
-            key.Get(), kValue, nullptr, nullptr, reinterpret_cast<BYTE*>(text.data()), &bytes);
-        if (result == ERROR_SUCCESS)
-        {
-            text.resize(bytes / sizeof(wchar_t));
-            return text.substr(0, text.find(L'\0'));
-        }
-        // It grew meanwhile: the call told the new size.
-        if (result == ERROR_MORE_DATA)
-            result = ERROR_SUCCESS;
-    }
-    return {};
+    m_isUnread = true; // stays so where memory runs out
+    const LSTATUS result = ReadValue(text);
+    m_isUnread = result != ERROR_SUCCESS && result != ERROR_FILE_NOT_FOUND;
+    if (result != ERROR_SUCCESS)
+        return {};
+    return text.substr(0, text.find(L'\0'));
 }
 
-void WriteMasterList(const std::wstring& text)
+// Without a key or a value ERROR_FILE_NOT_FOUND.
+LSTATUS MasterList::ReadValue(std::wstring& text)
 {
-    const UniqueRegistryKey key = OpenForWriting();
-    if (key)
-        RegSetValueExW(key.Get(),
-                       kValue,
-                       0,
-                       REG_BINARY,
-                       reinterpret_cast<const BYTE*>(text.c_str()),
-                       static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+    HKEY key = nullptr;
+    LSTATUS result = m_calls.OpenKey(HKEY_CURRENT_USER, kKey, 0, KEY_READ, &key);
+    if (result != ERROR_SUCCESS)
+        return result;
+    const ScopeExit close([&] { m_calls.CloseKey(key); });
+    DWORD bytes = 0;
+    result = m_calls.QueryValue(key, kValue, nullptr, nullptr, &bytes);
+    if (result != ERROR_SUCCESS)
+        return result;
+    for (int readings = 0; readings < kMostReadings; ++readings)
+    {
+        text.assign(bytes / sizeof(wchar_t) + 1, L'\0'); // an odd byte at the end counts for none
+        result =
+            m_calls.QueryValue(key, kValue, nullptr, reinterpret_cast<BYTE*>(text.data()), &bytes);
+        if (result == ERROR_SUCCESS)
+            text.resize(bytes / sizeof(wchar_t));
+        // Where it grew meanwhile, the call told the new size.
+        if (result != ERROR_MORE_DATA)
+            break;
+    }
+    return result;
+}
+
+void MasterList::Write(const std::wstring& text)
+{
+    HKEY key = nullptr;
+    if (!OpenForWriting(key))
+        return;
+    const ScopeExit close([&] { m_calls.CloseKey(key); });
+    m_calls.SetValue(key,
+                     kValue,
+                     REG_BINARY,
+                     reinterpret_cast<const BYTE*>(text.c_str()),
+                     static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+}
+
+bool MasterList::OpenForWriting(HKEY& key)
+{
+    if (m_calls.OpenKey(HKEY_CURRENT_USER, kKey, 0, KEY_READ | KEY_WRITE, &key) == ERROR_SUCCESS)
+    {
+        if (!m_isUnread)
+            return true;
+        m_calls.CloseKey(key);
+        return false;
+    }
+    return m_calls.CreateKey(HKEY_CURRENT_USER, kValue, &key) == ERROR_SUCCESS;
 }

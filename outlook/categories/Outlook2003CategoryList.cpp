@@ -1,6 +1,5 @@
 #include "outlook/categories/Outlook2003CategoryList.h"
 
-#include "outlook/categories/MasterList.h"
 #include "platform/Bstr.h"
 #include "platform/GuidSource.h"
 #include "service/ItemAccess.h"
@@ -34,7 +33,7 @@ void COutlook2003CategoryList::GetItemIDs()
     if (use.IsNested())
         return;
     Clear();
-    for (const std::wstring& name : NamesIn(ReadMasterList()))
+    for (const std::wstring& name : NamesIn(m_stored.Read()))
     {
         const ComPtr<INContactCategory> category = NewCategory();
         const ComPtr<INEntityItem> item = QueryItem<INEntityItem>(category.Get());
@@ -104,5 +103,5 @@ void COutlook2003CategoryList::WriteBack()
     std::wstring text;
     for (std::size_t position = 0; position < Items().size(); ++position)
         text += NameAt(position) + kSeparator;
-    WriteMasterList(text);
+    m_stored.Write(text);
 }

@@ -3,10 +3,14 @@
 #pragma once
 
 #include "outlook/categories/CategoryList.h"
+#include "outlook/categories/MasterList.h"
 
 class COutlook2003CategoryList : public CCategoryList
 {
   public:
+    // The calls outlive the list.
+    explicit COutlook2003CategoryList(RegistryCalls& calls = SystemRegistry()) : m_stored(calls) {}
+
     void GetItemIDs() override;
     // Writes all names of the list, whatever the item is, and returns 1.
     BOOL UpdateItem(INEntityItem* item) override;
@@ -19,5 +23,8 @@ class COutlook2003CategoryList : public CCategoryList
 
   private:
     std::wstring NameAt(std::size_t position) const;
+    // What the registry makes of it is not told to the caller.
     void WriteBack();
+
+    MasterList m_stored;
 };

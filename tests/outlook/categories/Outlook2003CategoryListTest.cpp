@@ -193,7 +193,7 @@ TEST_F(Outlook2003CategoryListTest, AddsBehindTheOthersUnderANewID)
     const auto item = CategoryOf(L"Two", nullptr, 5);
     EXPECT_EQ(L"{2}", Add(item.Get()));
     EXPECT_EQ(L"{2}", EntityIDOf(item.Get()));
-    EXPECT_EQ(L"One;Two;", ReadMasterList());
+    EXPECT_EQ(L"One;Two;", MasterList().Read());
     EXPECT_EQ(REG_BINARY, ReadBytes(kCategoriesKey, L"MasterList").type);
     EXPECT_THAT(Walk(list), ElementsAre(L"One", L"Two"));
     // The list holds that very object.
@@ -214,13 +214,13 @@ TEST_F(Outlook2003CategoryListTest, AnIDThatTheItemBroughtIsReplaced)
 TEST_F(Outlook2003CategoryListTest, ANameThatIsThereInAnotherLetterCaseIsNotAdded)
 {
     Load(L"Work;\u00c4rger;");
-    const std::wstring before = ReadMasterList();
+    const std::wstring before = MasterList().Read();
     EXPECT_EQ(L"", Add(CategoryOf(L"wORK").Get()));
     EXPECT_EQ(L"mine", Add(CategoryOf(L"\u00e4RGER", L"mine").Get()));
     EXPECT_EQ(L"again", Add(CategoryOf(L"Work", L"again").Get()));
     EXPECT_THAT(Walk(list), ElementsAre(L"Work", L"\u00c4rger"));
     // Nothing is written either: the value has its old type.
-    EXPECT_EQ(before, ReadMasterList());
+    EXPECT_EQ(before, MasterList().Read());
     EXPECT_EQ(REG_SZ, ReadBytes(kCategoriesKey, L"MasterList").type);
 }
 
@@ -242,7 +242,7 @@ TEST_F(Outlook2003CategoryListTest, NothingIsAddedWithoutANewID)
     const auto item = CategoryOf(L"Two", L"mine");
     EXPECT_EQ(L"", Add(item.Get()));
     EXPECT_EQ(L"mine", EntityIDOf(item.Get()));
-    EXPECT_EQ(L"One;", ReadMasterList());
+    EXPECT_EQ(L"One;", MasterList().Read());
 }
 
 TEST_F(Outlook2003CategoryListTest, AnUpdateWritesTheWholeListWhateverTheItemIs)
@@ -251,11 +251,11 @@ TEST_F(Outlook2003CategoryListTest, AnUpdateWritesTheWholeListWhateverTheItemIs)
     const auto two = Find(L"{2}");
     QueryItem<INContactCategory>(two.Get())->put_Name(Bstr(L"Zwei").Get());
     EXPECT_EQ(TRUE, list.UpdateItem(nullptr));
-    EXPECT_EQ(L"One;Zwei;", ReadMasterList());
+    EXPECT_EQ(L"One;Zwei;", MasterList().Read());
     EXPECT_EQ(REG_BINARY, ReadBytes(kCategoriesKey, L"MasterList").type);
     registry.SetText(kCategoriesKey, L"MasterList", L"");
     EXPECT_EQ(TRUE, list.UpdateItem(CategoryOf(L"Other").Get()));
-    EXPECT_EQ(L"One;Zwei;", ReadMasterList());
+    EXPECT_EQ(L"One;Zwei;", MasterList().Read());
 }
 
 TEST_F(Outlook2003CategoryListTest, DeletesByName)
@@ -266,12 +266,12 @@ TEST_F(Outlook2003CategoryListTest, DeletesByName)
     EXPECT_EQ(FALSE, list.DeleteItem(L"TWO"));
     EXPECT_EQ(REG_SZ, ReadBytes(kCategoriesKey, L"MasterList").type);
     EXPECT_EQ(TRUE, list.DeleteItem(L"Two"));
-    EXPECT_EQ(L"One;two;Two;", ReadMasterList());
+    EXPECT_EQ(L"One;two;Two;", MasterList().Read());
     EXPECT_THAT(IDs(), ElementsAre(L"{1}", L"{3}", L"{4}"));
     EXPECT_EQ(L"Two", NameOf(Find(L"{4}").Get()));
     EXPECT_EQ(TRUE, list.DeleteItem(L"Two"));
     EXPECT_EQ(FALSE, list.DeleteItem(L"Two"));
-    EXPECT_EQ(L"One;two;", ReadMasterList());
+    EXPECT_EQ(L"One;two;", MasterList().Read());
 }
 
 TEST_F(Outlook2003CategoryListTest, TheLastOneLeavesAnEmptyText)
@@ -429,7 +429,7 @@ TEST_F(Outlook2003CategoryListTest, WhileAnItemIsReadNothingElseChangesTheList)
     };
     EXPECT_EQ(L"{3}", Add(&item));
     EXPECT_GE(calls, 1);
-    EXPECT_EQ(L"One;Two;Called;", ReadMasterList());
+    EXPECT_EQ(L"One;Two;Called;", MasterList().Read());
     list.GetItemIDs(); // lets go of the item
 }
 
