@@ -24,7 +24,8 @@ class FakeMapi
 
     // A library with every name that the proxy looks for, the plain ones of decorated names too.
     static std::wstring Path();
-    // One with "MAPIInitialize" and the plain names of the decorated ones alone.
+    // One with "MAPIInitialize", the plain names of the decorated ones, and a decorated one of
+    // "HrGetOneProp".
     static std::wstring PlainNamesPath();
     // One with none of the names.
     static std::wstring BarePath();

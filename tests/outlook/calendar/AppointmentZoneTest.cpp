@@ -143,6 +143,22 @@ TEST_F(AppointmentZoneTest, TakesTheDefinitionWhereThereIsNoStructure)
                  L"Eastern");
 }
 
+TEST_F(AppointmentZoneTest, TakesTheFirstRuleAlsoWhereALaterOneHolds)
+{
+    std::vector<std::byte> definition = Definition("Somewhere", {kDistinct, kIndia});
+    // Behind six bytes and the name with its length stands the count, and behind that the rules of
+    // 66 bytes each, of which six come before the year of its start.
+    constexpr std::size_t kFirstYear = 6 + 2 + 2 * 9 + 2 + 6;
+    const auto putYear = [&](std::size_t offset, std::uint32_t year) {
+        ASSERT_EQ(definition.at(offset), std::byte{0xEE}); // of 2030, 0x07EE
+        definition.at(offset) = static_cast<std::byte>(year & 0xFF);
+        definition.at(offset + 1) = static_cast<std::byte>(year >> 8);
+    };
+    putYear(kFirstYear, 1601);
+    putYear(kFirstYear + 66, 2007);
+    EXPECT_TRUE(HasRules(Read(std::nullopt, definition), kDistinct));
+}
+
 TEST_F(AppointmentZoneTest, KeepsTheMachinesNameForADefinitionWithoutOne)
 {
     const TIME_ZONE_INFORMATION zone = Read(std::nullopt, Definition("", {kIndia}));

@@ -404,6 +404,24 @@ TEST(RecurrencePatternReadTest, ReadsTextsInTheCodePage)
     EXPECT_NE(Read(blob, 1252).find("modified0.subject {201C}{00FA}{2013}{\n"), std::string::npos);
 }
 
+TEST(RecurrencePatternReadTest, LeavesTheTextsInUnitsUnread)
+{
+    // Both texts stand there twice: as bytes, where the code page lacks their one character, and
+    // behind all exceptions in UTF-16 units.
+    const std::uint32_t day = MinutesAt(2024, 3, 7);
+    BlobFields blob = WithModified({day});
+    AddTimes(blob, day);
+    blob.U16(0x0011).U16(2).U16(1).Text("?").U16(2).U16(1).Text("?");
+    blob.U32(0).U32(4).U32(0).U32(0);
+    AddTimes(blob, day);
+    blob.U16(1).U16(0x4E2D).U16(1).U16(0x4E2D).U32(0).U32(0);
+    EXPECT_EQ(Read(blob),
+              "kind 1\ndaily.interval 1\n"
+              "modified0 2024-03-07 00:00\nmodified0.start 2024-03-07 10:00\n"
+              "modified0.end 2024-03-07 11:00\nmodified0.original 2024-03-07 09:30\n"
+              "modified0.subject ?\nmodified0.location ?\n");
+}
+
 TEST(RecurrencePatternReadTest, CutsTextsAt259Units)
 {
     const std::uint32_t day = MinutesAt(2024, 3, 7);

@@ -54,8 +54,8 @@ class MAPIProxcyTest : public testing::Test
     CMAPIProxcy proxy;
 };
 
-// Over the library that exports plain names alone. It refuses to be initialised, so that it is not
-// kept in the process and each test finds it anew.
+// Over the library that decorates its names the other way round. It refuses to be initialised, so
+// that it is not kept in the process and each test finds it anew.
 class MAPIProxcyPlainNamesTest : public testing::Test
 {
   protected:
@@ -283,6 +283,15 @@ TEST_F(MAPIProxcyPlainNamesTest, ThePlainNameServesTheQueryAndNotTheFreeing)
                                     &rows));
     EXPECT_EQ(Marker<SRowSet>(17), rows);
     EXPECT_EQ((Calls{"HrQueryAllRows 26 27 28 29 30"}), mapi.Calls());
+}
+
+TEST_F(MAPIProxcyPlainNamesTest, NoDecoratedNameServesTheReadingOfAProperty)
+{
+    ASSERT_NE(nullptr, proxy->FindEntry("HrGetOneProp@12"));
+    SPropValue* value = Marker<SPropValue>(1);
+    EXPECT_EQ(E_FAIL, proxy->HrGetOneProp(nullptr, PR_ENTRYID, &value));
+    EXPECT_EQ(Marker<SPropValue>(1), value);
+    EXPECT_EQ(Calls{}, mapi.Calls());
 }
 
 TEST_F(MAPIProxcyTest, NoValueCanBeSet)
