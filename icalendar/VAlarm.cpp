@@ -22,6 +22,8 @@ struct TriggerRow
     std::uint32_t minutes;
 };
 
+// Kept as it is: the digits are taken from fixed positions, as if there were one unit alone. Pinned
+// by VAlarmTest.ReadsTheDigitsAtFixedPositionsWhateverStandsThere.
 // clang-format off
 constexpr TriggerRow kTriggers[] = {
     {L'M', 3, 4, 1},

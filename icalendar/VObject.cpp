@@ -105,6 +105,9 @@ int CVObject::RouteLine(std::wstring_view name, std::wstring_view value)
         }
         return 0;
     }
+    // Kept as it is: the name behind END is not looked at, so that the end of an unknown component
+    // closes the known one around it. Pinned by
+    // VObjectTest.TheEndOfAnUnknownComponentClosesTheOneAroundIt.
     if (name == L"END")
     {
         if (!anyOpen)

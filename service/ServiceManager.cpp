@@ -48,6 +48,8 @@ CServiceManager::CServiceManager(std::span<const ProviderRow> rows) : m_rows(row
 
 HRESULT CServiceManager::StartService(const std::wstring& name)
 {
+    // Kept as it is: a success under whatever name. Pinned by
+    // ServiceManagerTest.ASecondStartReportsSuccessAndChangesNothing.
     if (Running())
         return S_OK;
 

@@ -107,6 +107,8 @@ class Writer
         {
             const std::wstring text = TextIn(m_contact, row.get);
             AddText(row.tag, text);
+            // Kept as it is: without a blank between the parts. Pinned by
+            // WindowsContactCaseTest.GivesTheseValuesInThisOrder.
             if (row.isName)
                 m_name += text;
         }

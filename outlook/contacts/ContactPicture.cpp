@@ -105,7 +105,9 @@ UniqueFile OpenPictureFile(const std::wstring& path)
     return file;
 }
 
-// What marks an attachment as a contact's picture. Its format is not looked at.
+// What marks an attachment as a contact's picture.
+// Kept as it is: named as a JPEG whatever its format. Pinned by
+// CreatePictureTest.FillsMarksAndSavesTheAttachment.
 PropertyArray PictureProperties(LONG bytes)
 {
     constexpr wchar_t kName[] = L"ContactPicture.jpg";

@@ -152,6 +152,8 @@ void CContentTable::GetItemByID(const std::wstring& id)
     ComPtr<IMAPIProp> entity;
     const HRESULT opened = OpenEntity(*m_pContainer.Get(), id, kOpenToRead, entity);
     LogPrintf(L"===============CContentTable::GetItemByID hr = %p! \r\n", Hr(opened));
+    // Kept as it is: the item before stays current, and clients get it instead. Pinned by
+    // ContentTableTest.AFetchOfAnUnknownIdKeepsTheCurrentItem.
     if (!entity)
         return;
     m_pCurrentEntity = entity;
@@ -225,6 +227,8 @@ BOOL CContentTable::UpdateItem(INEntityItem* item)
     PropertyArray values = ReadItem(*item, false);
     if (values.IsEmpty())
         return FALSE;
+    // Kept as it is: a failure to set the values stops neither the save nor its success. Pinned by
+    // ContentTableUpdateTest.AFailureToSetTheValuesDoesNotStopTheSave.
     const HRESULT set = SetValues(*entity.Get(), values);
     LogPrintf(L"=========pCurrentEntity->SetProps hr= %p! \r\n", Hr(set));
     const HRESULT saved = entity->SaveChanges(FORCE_SAVE);

@@ -50,8 +50,8 @@ void CMAPIProxcy::FreeBuffer(void* buffer)
 HRESULT CMAPIProxcy::HrGetOneProp(IMAPIProp* object, ULONG tag, LPSPropValue* value)
 {
     using Function = HRESULT WINAPI(IMAPIProp*, ULONG, LPSPropValue*);
-    // Kept as it is: the fallback is the same name again, and a failed lookup is not repeated, so
-    // that it changes nothing. Pinned by MAPIProxcyTest.FoundAndMissedLookupsAreRemembered.
+    // Kept as it is: the fallback is the same name again, which changes nothing, and no decorated
+    // one. Pinned by MAPIProxcyPlainNamesTest.NoDecoratedNameServesTheReadingOfAProperty.
     auto* const entry = FindFirst<Function>({"HrGetOneProp", "HrGetOneProp"});
     return entry ? entry(object, tag, value) : E_FAIL;
 }

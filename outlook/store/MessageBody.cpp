@@ -127,6 +127,8 @@ std::wstring ReadMessageBody(IMAPIProp* message,
                              CNProxcy& proxy,
                              std::unique_ptr<CRichEditHelper>& converter)
 {
+    // Kept as it is: a contact chooses by its RTF, so that a plain note without RTF is not read.
+    // Pinned by MessageBodyTest.WithoutTheChoosingPropertyThePlainBodyIsNotAskedFor.
     if (isPresent)
         if (std::optional<std::wstring> body = ReadPlainBody(message, proxy))
             return *std::move(body);
