@@ -1,19 +1,13 @@
 // A category that is added to a document and taken away again leaves no trace, and meanwhile
 // reading the printed document gives it beside the others.
-#include "outlook/categories/CategoryDocument.h"
+#include "Require.h"
 
-#include <cstdlib>
+#include "outlook/categories/CategoryDocument.h"
 
 namespace
 {
 constexpr DATE kTime = 40621.75;
 constexpr wchar_t kID[] = L"{F5B7B7C0-8C0E-4F0B-9C57-0C6C1B6C9A11}";
-
-void Require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 std::vector<Category> ReadAgain(const CategoryDocument& document)
 {

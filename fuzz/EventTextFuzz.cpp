@@ -1,5 +1,7 @@
 // The texts of dates, durations, triggers and rules: any is read without a crash, and what is
 // written of it reads back the same.
+#include "Require.h"
+
 #include "icalendar/DateText.h"
 #include "icalendar/RecurrenceMapping.h"
 #include "icalendar/VAlarm.h"
@@ -8,17 +10,10 @@
 #include "tests/icalendar/SavedText.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
 namespace
 {
-
-void Require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 bool SameTime(const SYSTEMTIME& left, const SYSTEMTIME& right)
 {

@@ -1,22 +1,17 @@
 // Any recurrence blob is read within its bytes, the same way twice; what it said is in the bytes
 // that the reader reports; and what is written of it settles: from the second time on reading and
 // writing give the same record and the same blob.
+#include "Require.h"
+
 #include "outlook/calendar/RecurrencePattern.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
 namespace
 {
 constexpr unsigned kCodePages[] = {1252, 932, 65001};
-
-void Require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 bool Same(const _tagRecurringInfo& left, const _tagRecurringInfo& right)
 {

@@ -1,22 +1,16 @@
 // UTF-8 and wide text survive the way there and back, and the string helpers keep their promises.
 #include "FuzzInput.h"
+#include "Require.h"
 
 #include "service/StringHelpers.h"
 #include "service/TextConversions.h"
 
 #include <algorithm>
 #include <climits>
-#include <cstdlib>
 #include <cwchar>
 
 namespace
 {
-void Require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
 void CheckBytes(const std::string& bytes)
 {
     const std::wstring wide = WideFromUtf8(bytes);

@@ -1,11 +1,11 @@
 // The conversions between the forms of time agree with each other on every input.
 #include "FuzzInput.h"
+#include "Require.h"
 
 #include "service/TimeConversions.h"
 
 #include <climits>
 #include <cmath>
-#include <cstdlib>
 
 namespace
 {
@@ -14,12 +14,6 @@ constexpr double kSecond = 1.0 / 86400.0;
 constexpr double kTolerance = 1e-3 * kSecond;
 constexpr double kFirstDay1601 = -109205.0;
 constexpr double kFirstDay1970 = 25569.0;
-
-void Require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 // Days with the fraction counted forward for negative DATEs too.
 double PlainDays(DATE date)

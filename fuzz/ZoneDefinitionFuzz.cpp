@@ -1,24 +1,19 @@
 // Any zone definition is read within its bytes, the same way twice, and reads back from a blob that
 // is made of what it said; the zone of a message has its first rule and names that end. The same
 // bytes are tried as a zone structure, which is written back as it was.
+#include "Require.h"
+
 #include "outlook/calendar/AppointmentZone.h"
 #include "outlook/calendar/ZoneDefinition.h"
 #include "outlook/calendar/ZoneFields.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <vector>
 
 namespace
 {
-void Require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
-
 bool Same(const ZoneRules& left, const ZoneRules& right)
 {
     return std::memcmp(&left, &right, sizeof(left)) == 0;

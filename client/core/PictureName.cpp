@@ -13,8 +13,10 @@ namespace
 constexpr std::size_t kMaxNameLength = 80;
 constexpr std::size_t kMaxExtensionLength = 5;
 constexpr std::wstring_view kForbidden = L"<>:\"/\\|?*";
-constexpr const wchar_t* kDevices[] = {L"CON", L"PRN", L"AUX", L"NUL"};
+constexpr const wchar_t* kDevices[] = {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$"};
 constexpr const wchar_t* kNumberedDevices[] = {L"COM", L"LPT"};
+// Of a numbered device: raised digits name it too.
+constexpr std::wstring_view kDeviceDigits = L"0123456789\u00b9\u00b2\u00b3";
 
 bool IsForbidden(wchar_t letter)
 {
@@ -27,11 +29,14 @@ bool IsLetterOrDigit(wchar_t letter)
     return (folded >= L'a' && folded <= L'z') || (letter >= L'0' && letter <= L'9');
 }
 
-// The system takes a device's name for the device whatever stands behind its first dot.
+// The system takes a device's name for the device whatever stands behind its first dot, and with
+// blanks before that.
 bool IsDevice(const std::wstring& name)
 {
-    const std::wstring stem = name.substr(0, name.find(L'.'));
-    const bool isNumbered = stem.size() == 4 && stem[3] >= L'0' && stem[3] <= L'9';
+    std::wstring stem = name.substr(0, name.find(L'.'));
+    stem.erase(stem.find_last_not_of(L' ') + 1);
+    const bool isNumbered =
+        stem.size() == 4 && kDeviceDigits.find(stem[3]) != std::wstring_view::npos;
     const auto isStem = [&](const wchar_t* device) {
         return IsSameIgnoringCase(isNumbered ? stem.substr(0, 3) : stem, device);
     };

@@ -59,6 +59,18 @@ TEST(PictureNameTest, IsNoDevice)
     EXPECT_EQ(FileName(L"AUX1"), L"AUX1.png");
 }
 
+TEST(PictureNameTest, KnowsDevicesByRaisedDigitsAndByBlanksBeforeTheDot)
+{
+    EXPECT_EQ(FileName(L"COM\u00b9"), L"_COM\u00b9.png");
+    EXPECT_EQ(FileName(L"lpt\u00b3.a"), L"_lpt\u00b3.a.png");
+    EXPECT_EQ(FileName(L"con .a"), L"_con .a.png");
+    EXPECT_EQ(FileName(L"COM1  .a"), L"_COM1  .a.png");
+    EXPECT_EQ(FileName(L"conin$"), L"_conin$.png");
+    EXPECT_EQ(FileName(L"CONOUT$"), L"_CONOUT$.png");
+    EXPECT_EQ(FileName(L"COM\u2074"), L"COM\u2074.png");
+    EXPECT_EQ(FileName(L" con"), L" con.png");
+}
+
 TEST(PictureNameTest, CutsLongNamesBetweenCharacters)
 {
     EXPECT_EQ(FileName(std::wstring(200, L'a')), std::wstring(80, L'a') + L".png");
