@@ -1,8 +1,6 @@
 // What the embedded address book does where its database cannot do what it should: it says so by
 // the interface's codes, keeps what it has, and goes on.
-#include "localstore/BookContainer.h"
-#include "localstore/BookEntryId.h"
-#include "localstore/StoreProfile.h"
+#include "tests/localstore/OwnBook.h"
 #include "tests/localstore/StoreClient.h"
 
 #include <gmock/gmock.h>
@@ -10,28 +8,13 @@
 namespace
 {
 
-// The personal container over a connection that the test holds too.
 class BookFaultTest : public testing::Test
 {
   protected:
-    void SetUp() override
-    {
-        Database database = OpenStore(m_path);
-        EnsureDefaultProfile(database, LoggedOnUser());
-        m_session = std::make_shared<BookSession>(std::move(database));
-        m_container = MakeObject<BookContainer>(std::make_shared<BookContainerState>(
-            m_session, m_session->ContainerOfRole(BookRole::Personal), BookRole::Personal, true));
-    }
     // An unsaved entry with a comment.
     ComPtr<IMAPIProp> NewEntry(const std::wstring& comment)
     {
-        Bytes id = TemplateEntryId(MAPI_MAILUSER);
-        ComPtr<IMAPIProp> entry;
-        EXPECT_EQ(S_OK,
-                  m_container->CreateEntry(static_cast<ULONG>(id.size()),
-                                           reinterpret_cast<LPENTRYID>(id.data()),
-                                           CREATE_REPLACE,
-                                           entry.GetAddressOf()));
+        ComPtr<IMAPIProp> entry = m_book.NewEntry();
         SPropValue value = TextValue(PR_COMMENT_W, comment.c_str());
         EXPECT_EQ(S_OK, entry->SetProps(1, &value, nullptr));
         return entry;
@@ -46,17 +29,7 @@ class BookFaultTest : public testing::Test
         ChainedMemory::OfLibrary().Free(values);
         return result;
     }
-    HRESULT Delete(IMAPIProp* entry)
-    {
-        Tags tags{PR_ENTRYID};
-        ULONG count = 0;
-        SPropValue* value = nullptr;
-        EXPECT_EQ(S_OK, entry->GetProps(tags, 0, &count, &value));
-        SBinaryArray entries = {1, &value->Value.bin};
-        const HRESULT result = m_container->DeleteEntries(&entries, 0);
-        ChainedMemory::OfLibrary().Free(value);
-        return result;
-    }
+    HRESULT Delete(IMAPIProp* entry) { return m_book.Delete(EntryIdOf(entry)); }
     std::int64_t Entries()
     {
         Database other = OpenStore(m_path);
@@ -65,8 +38,7 @@ class BookFaultTest : public testing::Test
 
     TempFolder m_folder;
     const std::wstring m_path = m_folder.File(L"store.db");
-    std::shared_ptr<BookSession> m_session;
-    ComPtr<BookContainer> m_container;
+    OwnBook m_book{m_path};
 };
 
 } // namespace
@@ -75,7 +47,7 @@ TEST_F(BookFaultTest, AFullDiskKeepsTheBookAndWhatWaits)
 {
     const auto old = NewEntry(L"old");
     ASSERT_EQ(S_OK, old->SaveChanges(FORCE_SAVE));
-    Database& database = m_session->Store();
+    Database& database = m_book.Store();
     const std::int64_t pages = database.QueryInteger("PRAGMA page_count");
     database.Execute("PRAGMA max_page_count = " + std::to_string(pages + 5));
     const auto entry = NewEntry(std::wstring(100000, L'x'));
@@ -90,7 +62,7 @@ TEST_F(BookFaultTest, AFullDiskKeepsTheBookAndWhatWaits)
 
 TEST_F(BookFaultTest, ABookThatAnotherProcessHoldsIsBusy)
 {
-    m_session->Store().Execute("PRAGMA busy_timeout = 50");
+    m_book.Store().Execute("PRAGMA busy_timeout = 50");
     const auto old = NewEntry(L"old");
     ASSERT_EQ(S_OK, old->SaveChanges(FORCE_SAVE));
     const auto entry = NewEntry(L"one");
@@ -102,7 +74,7 @@ TEST_F(BookFaultTest, ABookThatAnotherProcessHoldsIsBusy)
         // Reading goes on meanwhile.
         EXPECT_EQ(S_OK, ReadComment(old.Get()));
         ComPtr<IMAPITable> table;
-        EXPECT_EQ(S_OK, m_container->GetContentsTable(0, table.GetAddressOf()));
+        EXPECT_EQ(S_OK, m_book.Container().GetContentsTable(0, table.GetAddressOf()));
     }
     EXPECT_EQ(1, Entries());
     EXPECT_EQ(S_OK, entry->SaveChanges(FORCE_SAVE));
@@ -116,7 +88,7 @@ TEST_F(BookFaultTest, ADamagedRowIsACorruptBook)
     const auto entry = NewEntry(L"one");
     ASSERT_EQ(S_OK, entry->SaveChanges(FORCE_SAVE));
     constexpr char kComment[] = " WHERE owner_kind = 7 AND property_id = 12292"; // 0x3004
-    Database& database = m_session->Store();
+    Database& database = m_book.Store();
     database.Execute("PRAGMA foreign_keys = OFF");
     // Text of half a unit; a number without one; a large value that is not there; no type at all.
     for (const char* damage : {"value = x'4100FF'",
@@ -130,7 +102,7 @@ TEST_F(BookFaultTest, ADamagedRowIsACorruptBook)
         database.Execute("UPDATE property SET " + std::string(damage) + kComment);
         EXPECT_EQ(MAPI_E_CORRUPT_STORE, ReadComment(entry.Get())) << damage;
         ComPtr<IMAPITable> table;
-        ASSERT_EQ(S_OK, m_container->GetContentsTable(0, table.GetAddressOf()));
+        ASSERT_EQ(S_OK, m_book.Container().GetContentsTable(0, table.GetAddressOf()));
         Tags columns{PR_COMMENT_W};
         ASSERT_EQ(S_OK, table->SetColumns(columns, 0));
         LPSRowSet rows = nullptr;

@@ -3,7 +3,7 @@
 #include "localstore/MessageStore.h"
 #include "localstore/StoreFolder.h"
 #include "localstore/StoreProfile.h"
-#include "tests/localstore/StoppingVfs.h"
+#include "tests/localstore/KilledWriter.h"
 
 #include <cstdio>
 
@@ -55,11 +55,7 @@ bool Write(IMAPIFolder& folder, ULONG namedTag, int number, StopBefore step, int
     SPropValue* id = nullptr;
     if (message->GetProps(&tags, 0, &count, &id) != S_OK)
         return false;
-    std::printf("saved %d ", number);
-    for (ULONG i = 0; i < id->Value.bin.cb; ++i)
-        std::printf("%02X", id->Value.bin.lpb[i]);
-    std::printf("\n");
-    std::fflush(stdout);
+    TellDone("saved", number, id->Value.bin);
     ChainedMemory::OfLibrary().Free(id);
     return true;
 }

@@ -1,18 +1,10 @@
 // Kills writers of messages at chosen and at random moments, and looks for what they had saved.
 #include "localstore/StoreProfile.h"
-#include "localstore/StoreSchema.h"
 #include "localstore/StoredProperties.h"
-#include "platform/WindowsHeaders.h"
-#include "tests/localstore/LocalStoreSupport.h"
+#include "tests/localstore/KilledWriter.h"
 #include "tests/localstore/MessageWriter.h"
-#include "tests/localstore/StoppingVfs.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstring>
 #include <map>
-#include <random>
 
 namespace
 {
@@ -21,86 +13,21 @@ constexpr int kKillsInCommit = 22;
 constexpr int kKillsAtFlush = 4;
 constexpr int kKillsInCheckpoint = 12;
 constexpr int kKillsAtRandom = 14;
-// What one connection's log holds before a checkpoint is due, where none is wanted.
-constexpr int kNoCheckpoint = 100000;
-constexpr int kEarlyCheckpoint = 20;
 
-class StoreKillTest : public testing::Test
+class StoreKillTest : public KilledWriterTest
 {
   protected:
-    std::wstring Command(StopBefore step, int skip, int armAfter, int checkpoint)
+    StoreKillTest() : KilledWriterTest(L"--write-messages") {}
+
+    void Note(const std::string& work, int number, const std::string& hexId) override
     {
-        return L"\"" + ProgramFolder() + L"localstore_tests.exe\" --write-messages \"" + m_path +
-               L"\" " + std::to_wstring(m_next) + L" " + std::to_wstring(static_cast<int>(step)) +
-               L" " + std::to_wstring(skip) + L" " + std::to_wstring(armAfter) + L" " +
-               std::to_wstring(checkpoint);
+        EXPECT_EQ("saved", work);
+        m_saved[number] = hexId;
     }
 
-    // Notes a line of the child; true for one that tells of a stop.
-    bool Note(const std::string& line)
+    // The database holds every message that was saved.
+    void Check(Database& database) override
     {
-        int number = 0;
-        char id[64] = {};
-        if (std::sscanf(line.c_str(), "saved %d %63s", &number, id) == 2)
-        {
-            m_saved[number] = id;
-            m_next = std::max(m_next, number + 1);
-        }
-        else
-        {
-            EXPECT_EQ("stop", line);
-        }
-        return line == "stop";
-    }
-
-    // Starts a writer that stops at the step, and kills it there.
-    void KillAt(StopBefore step, int skip, int armAfter, int checkpoint)
-    {
-        ChildProcess child(Command(step, skip, armAfter, checkpoint));
-        bool stopped = false;
-        while (!stopped)
-        {
-            const auto line = child.ReadLine();
-            ASSERT_TRUE(line.has_value()) << "the writer ended by itself";
-            stopped = Note(*line);
-        }
-        child.Kill();
-        // The message that it was about to save may be there or not.
-        ++m_next;
-        Check();
-    }
-
-    void KillAtRandom(std::mt19937& random)
-    {
-        ChildProcess child(Command(StopBefore::Nothing, 0, 0, kEarlyCheckpoint));
-        const int lines = static_cast<int>(random() % 8);
-        for (int i = 0; i < lines; ++i)
-        {
-            const auto line = child.ReadLine();
-            ASSERT_TRUE(line.has_value()) << "the writer ended by itself";
-            Note(*line);
-        }
-        Sleep(random() % 20);
-        child.Kill();
-        // What it had said before it was killed stands, but for a line that was cut.
-        while (const auto line = child.ReadLine())
-        {
-            if (line->size() > 40)
-                Note(*line);
-        }
-        ++m_next;
-        Check();
-    }
-
-    // The database is whole and holds every message that was saved.
-    void Check()
-    {
-        Database database = OpenStore(m_path);
-        {
-            Statement check = database.Prepare("PRAGMA integrity_check");
-            ASSERT_TRUE(check.Step());
-            ASSERT_EQ("ok", check.Text(0));
-        }
         ASSERT_EQ(0,
                   database.QueryInteger("SELECT count(*) FROM property p WHERE p.owner_kind = 3 "
                                         "AND p.owner NOT IN (SELECT id FROM message)"));
@@ -137,9 +64,6 @@ class StoreKillTest : public testing::Test
                data == PropertyValue{PT_BINARY, Bytes(raw.begin(), raw.end())};
     }
 
-    TempFolder m_folder;
-    const std::wstring m_path = m_folder.File(L"store.db");
-    int m_next = 1;
     int m_checkedUpTo = 1;
     std::map<int, std::string> m_saved;
 };
