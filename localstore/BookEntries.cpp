@@ -34,23 +34,20 @@ class BookEntriesSource : public TableSource
               const RowVisitor& visit) override
     {
         Database& database = m_session->Store();
+        const std::string select =
+            std::string("SELECT ") + kBookEntryColumns + " FROM book_entry WHERE id = ?1";
         for (const std::int64_t key : keys)
         {
-            Statement found = database.Prepare(
-                "SELECT entry_id, object_type, created, modified FROM book_entry WHERE id = ?1");
+            Statement found = database.Prepare(select);
             found.Bind(1, key);
             if (!found.Step())
                 continue;
-            BookEntryRow entry;
-            entry.id = key;
-            const auto entryId = found.Blob(0);
-            entry.entryId.assign(entryId.begin(), entryId.end());
-            entry.objectType = static_cast<ULONG>(found.Integer(1));
-            entry.created = found.Integer(2);
-            entry.modified = found.Integer(3);
+            const std::optional<BookEntryRow> entry = ReadBookEntryRow(found);
+            if (!entry)
+                continue; // nobody could ask for it
             PropertyMap row =
                 ReadStored(database, {OwnerKind::BookEntry, key}, selection, IsComputedOfBookEntry);
-            PutBookEntryProperties(entry, row);
+            PutBookEntryProperties(*entry, row);
             if (!visit(key, row))
                 return;
         }

@@ -47,6 +47,21 @@ void InsertRow(Database& database, BookEntryRow& row)
 
 } // namespace
 
+std::optional<BookEntryRow> ReadBookEntryRow(const Statement& row)
+{
+    const auto entryId = row.Blob(1);
+    if (!row.IsBlob(1) || entryId.empty() || entryId.size() > kLongestBookEntryId)
+        return std::nullopt;
+    BookEntryRow entry;
+    entry.id = row.Integer(0);
+    entry.entryId.assign(entryId.begin(), entryId.end());
+    entry.container = row.Integer(2);
+    entry.objectType = row.Integer(3) == MAPI_DISTLIST ? MAPI_DISTLIST : MAPI_MAILUSER;
+    entry.created = row.Integer(4);
+    entry.modified = row.Integer(5);
+    return entry;
+}
+
 void PutBookEntryProperties(const BookEntryRow& entry, PropertyMap& properties)
 {
     PutRowProperties(entry, properties);
@@ -96,22 +111,18 @@ HRESULT OpenBookEntry(const std::shared_ptr<BookSession>& session,
                       ULONG& objectType,
                       IUnknown** object)
 {
-    Statement found = session->Store().Prepare(
-        "SELECT id, container, object_type, created, modified FROM book_entry WHERE entry_id = ?1");
+    Statement found = session->Store().Prepare(std::string("SELECT ") + kBookEntryColumns +
+                                               " FROM book_entry WHERE entry_id = ?1");
     found.Bind(1, entryId);
     if (!found.Step())
         return MAPI_E_NOT_FOUND;
-    BookEntryRow row;
-    row.id = found.Integer(0);
-    row.entryId.assign(entryId.begin(), entryId.end());
-    row.container = found.Integer(1);
-    row.objectType = static_cast<ULONG>(found.Integer(2));
-    row.created = found.Integer(3);
-    row.modified = found.Integer(4);
-    if (iid && !AnswersAs(row.objectType, *iid))
+    std::optional<BookEntryRow> row = ReadBookEntryRow(found);
+    if (!row)
+        return MAPI_E_CORRUPT_STORE;
+    if (iid && !AnswersAs(row->objectType, *iid))
         return MAPI_E_INTERFACE_NOT_SUPPORTED;
-    objectType = row.objectType;
-    *object = MakeEntry(session, std::move(row), writable).Detach();
+    objectType = row->objectType;
+    *object = MakeEntry(session, std::move(*row), writable).Detach();
     return S_OK;
 }
 

@@ -7,12 +7,23 @@
 #include "localstore/SavedRow.h"
 #include "localstore/WaitingObject.h"
 
+#include <optional>
+
 // An entry as a row of the table book_entry has it.
 struct BookEntryRow : SavedRow
 {
     std::int64_t container = 0;
     ULONG objectType = MAPI_MAILUSER; // or MAPI_DISTLIST
 };
+
+// What ReadBookEntryRow wants of a row, for a SELECT.
+inline constexpr char kBookEntryColumns[] =
+    "id, entry_id, container, object_type, created, modified";
+
+// The row that the statement stands on. The file may come from anywhere: whatever is no
+// distribution list counts as a mail user, and times may be any number.
+// Returns: nothing for a row whose entry ID is none that OpenEntry takes.
+std::optional<BookEntryRow> ReadBookEntryRow(const Statement& row);
 
 // The properties that the store itself makes for an entry.
 void PutBookEntryProperties(const BookEntryRow& entry, PropertyMap& properties);

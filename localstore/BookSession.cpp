@@ -4,14 +4,6 @@
 #include "localstore/BookEntry.h"
 #include "localstore/BookEntryId.h"
 
-namespace
-{
-
-// An address may come with any count; IDs of the book are far shorter than this.
-constexpr ULONG kLongestEntryId = 4096;
-
-} // namespace
-
 Bytes BookSession::EntryIdOfContainer(std::int64_t id)
 {
     Statement row = Store().Prepare("SELECT entry_id FROM book_container WHERE id = ?1");
@@ -37,7 +29,7 @@ HRESULT BookSession::CheckEntryId(ULONG size,
 {
     if (size != 0 && !bytes)
         return MAPI_E_INVALID_PARAMETER;
-    if (size == 0 || size > kLongestEntryId)
+    if (size == 0 || size > kLongestBookEntryId)
         return MAPI_E_INVALID_ENTRYID;
     entryId = {static_cast<const std::byte*>(bytes), size};
     return S_OK;

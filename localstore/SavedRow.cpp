@@ -5,6 +5,7 @@
 #include "localstore/StoredObject.h"
 
 #include <algorithm>
+#include <limits>
 #include <string>
 
 namespace
@@ -60,8 +61,9 @@ void TouchRow(Database& database, const RowKind& kind, SavedRow& row, bool force
     stored.Reset();
     if (modified != row.modified && !force)
         throw DatabaseError(DatabaseFailure::Changed, "the " + table + " was changed meanwhile");
-    // Strictly later than before, so that every save shows.
-    row.modified = std::max(CurrentFileTime(), modified + 1);
+    // Strictly later than before, so that every save shows, but for the last time there is.
+    constexpr std::int64_t kLastTime = std::numeric_limits<std::int64_t>::max();
+    row.modified = std::max(CurrentFileTime(), std::min(modified, kLastTime - 1) + 1);
     database.Prepare("UPDATE " + table + " SET modified = ?2 WHERE id = ?1")
         .Bind(1, row.id)
         .Bind(2, row.modified)

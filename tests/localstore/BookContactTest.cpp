@@ -5,6 +5,7 @@
 #include "service/ItemAccess.h"
 #include "service/ServiceManager.h"
 #include "tests/localstore/BookClient.h"
+#include "tests/localstore/LooseBook.h"
 #include "tests/outlook/contacts/ContactText.h"
 #include "tests/support/ScopedRegistryValue.h"
 #include "tests/support/TestModule.h"
@@ -203,6 +204,38 @@ TEST_F(BookContactTest, DistributionListsAreNotShown)
     }
     Start(L"Windows Mail");
     EXPECT_EQ(1u, FirstNames(OpenAddressBook().Get()).size());
+}
+
+// Whatever a damaged file holds of one contact, the others are shown, and nothing is taken away.
+TEST_F(BookContactTest, DamagedRowsHideNoOtherContact)
+{
+    Start(L"Windows Mail");
+    {
+        const auto book = OpenAddressBook();
+        for (const char* const name : {"One", "Two", "Three", "Four", "Five"})
+            Add(book.Get(), ContactOf({"FirstName \"" + std::string(name) + '"'}).Get());
+    }
+    GetServiceManager()->StopService();
+    {
+        Database database = OpenStore(m_path);
+        DropEntryRules(database);
+        database.Execute("UPDATE book_entry SET entry_id = NULL WHERE id = 1");
+        database.Execute("UPDATE book_entry SET modified = 9223372036854775807, created = 'x', "
+                         "object_type = 'x' WHERE id = 2");
+        // A list of 4294967295 texts in the place of the display name.
+        database.Execute("UPDATE property SET type = 4127, value = x'FFFFFFFF00000000' WHERE "
+                         "owner_kind = 7 AND owner = 3 AND property_id = 12289");
+        database.Execute("UPDATE book_entry SET container = NULL WHERE id = 4");
+    }
+    Start(L"Windows Mail");
+    const auto book = OpenAddressBook();
+    EXPECT_THAT(FirstNames(book.Get()), ElementsAre(L"Two", L"Three", L"Five"));
+    const std::wstring id = Add(book.Get(), ContactOf(LinesOf("FirstName \"Six\"")).Get());
+    EXPECT_TRUE(ByID(book.Get(), id));
+    EXPECT_THAT(FirstNames(OpenAddressBook().Get()),
+                ElementsAre(L"Two", L"Three", L"Five", L"Six"));
+    Database database = OpenStore(m_path);
+    EXPECT_EQ(6, database.QueryInteger("SELECT count(*) FROM book_entry"));
 }
 
 // What was loaded may have entry IDs without an identity in them.
