@@ -1,5 +1,6 @@
 #include "localstore/MessageState.h"
 
+#include "localstore/BodyForms.h"
 #include "localstore/StoreProfile.h"
 
 #include <algorithm>
@@ -129,7 +130,9 @@ HRESULT MessageState::Save(ULONG flags)
     MessageRow row = m_row;
     Transaction transaction(Session().Store());
     SaveRow(row, (flags & FORCE_SAVE) != 0);
-    WriteChanges(Session().Store(), {OwnerKind::Message, row.id}, m_changes);
+    const PropertyOwner owner{OwnerKind::Message, row.id};
+    WriteChanges(Session().Store(), owner, m_changes);
+    FollowBodyChange(Session().Store(), owner, m_changes);
     SaveAttachments(row.id);
     transaction.Commit();
     m_row = std::move(row);

@@ -24,7 +24,8 @@ class MessageState : public WaitingObject
     PropertyMap Read(const PropertySelection& selection) override;
     bool IsComputed(std::uint16_t id) const override;
     // Without FORCE_SAVE a message that was changed by others since it was opened is refused with
-    // MAPI_E_OBJECT_CHANGED. Nothing is written where nothing waits.
+    // MAPI_E_OBJECT_CHANGED. Nothing is written where nothing waits. The
+    // body's RTF follows its text (BodyForms.h).
     HRESULT Save(ULONG flags) override;
 
     // Attachments by their numbers, as this opening of the message sees them.

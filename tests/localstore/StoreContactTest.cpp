@@ -22,6 +22,7 @@ constexpr ULONG kNickname = 0x3A4F001F;
 constexpr ULONG kDepartment = 0x3A18001F;
 constexpr ULONG kGeneration = 0x3A05001F;
 constexpr ULONG kWebsite = 0x3A51001F;
+constexpr ULONG kRtf = 0x10090102; // PR_RTF_COMPRESSED
 
 // Every field that is written and read; the display name comes from the others.
 const TextLines kEverything = LinesOf(R"(
@@ -34,6 +35,7 @@ const TextLines kEverything = LinesOf(R"(
     CompanyName "Acme"
     InstantMessagingAddress "im:john"
     Website "http://example.org"
+    Notes "Met at the fair.\x000D\x000A\x0009{Oslo}"
     Phone0 "0"
     Phone1 "1"
     Phone2 "2"
@@ -86,6 +88,13 @@ std::wstring PictureOf(INContactItem* contact)
     return TextOf(path.Get());
 }
 
+std::wstring NotesOf(INContactItem* contact)
+{
+    Bstr notes;
+    contact->get_Notes(notes.Put());
+    return TextOf(notes.Get());
+}
+
 // A store in which nobody has made names.
 class NamelessStoreContactTest : public StoreContactTest
 {
@@ -129,8 +138,12 @@ TEST_F(StoreContactTest, EveryFieldOfAnUpdatedContactComesBack)
     EXPECT_EQ(L"Public John Q", Text(OpenMessage(bytes).Get(), PR_SUBJECT_W));
 }
 
-// A fourth address, an address's empty slot and what the item cannot hold are lost; so is a note
-// without RTF beside it, though the store has its text.
+// Line ends of both kinds, a tab, letters beyond ASCII, a surrogate pair and what RTF takes for its
+// own.
+constexpr wchar_t kNote[] =
+    L"Met at the fair.\r\n\r\n\tGr\u00FC\u00DFe \u65E5\u672C \xD83D\xDE00\n{back}\\par \\u252?\r\n";
+
+// A fourth address, an address's empty slot and what the item cannot hold are lost.
 TEST_F(StoreContactTest, WhatIsNotKeptIsLost)
 {
     OpenTable();
@@ -148,12 +161,60 @@ TEST_F(StoreContactTest, WhatIsNotKeptIsLost)
                 ElementsAre("DisplayName \"\"",
                             "JobTitle \"\"",
                             "CompanyName \"\"",
+                            "Notes \"note\"",
                             "Email \"a@b\"",
                             "Email \"c@d\"",
                             "Email \"e@f\""));
     EXPECT_EQ(L"note", Text(OpenMessage(HexToBytes(id)).Get(), PR_BODY_W));
 }
 
+TEST_F(StoreContactTest, ANoteComesBackToTheLetter)
+{
+    OpenTable();
+    const auto contact = ContactOf(LinesOf(R"(FirstName "Ann")"));
+    contact->put_Notes(Bstr(kNote).Get());
+    const std::wstring id = Add(contact.Get());
+    EXPECT_EQ(kNote, NotesOf(Read(id).Get()));
+    // In a walk, too, and after each update with another one.
+    OpenTable();
+    EXPECT_EQ(kNote, NotesOf(Next().Get()));
+    for (const std::wstring note : {L"second", L"third\r\nand last"})
+    {
+        const auto read = Read(id);
+        read->put_Notes(Bstr(note).Get());
+        EXPECT_EQ(TRUE, Update(read.Get()));
+        EXPECT_EQ(note, NotesOf(Read(id).Get()));
+    }
+    // One that goes there as it came.
+    const auto read = Read(id);
+    EXPECT_EQ(TRUE, Update(read.Get()));
+    EXPECT_EQ(L"third\r\nand last", NotesOf(Read(id).Get()));
+}
+
+// Who reads formatted bodies alone gets it without its plain form.
+TEST_F(StoreContactTest, ANoteIsInItsRtfToTheLetter)
+{
+    OpenTable();
+    const auto contact = ContactOf(LinesOf(R"(FirstName "Ann")"));
+    contact->put_Notes(Bstr(kNote).Get());
+    const std::wstring id = Add(contact.Get());
+    const EntryBytes bytes = HexToBytes(id);
+    const EntryBytes rtf = Binary(OpenMessage(bytes).Get(), kRtf);
+    {
+        const auto message = OpenMessage(bytes);
+        SPropValue value = BinaryValue(kRtf, rtf.data(), rtf.size());
+        ASSERT_EQ(S_OK, message->SetProps(1, &value, nullptr));
+        Tags body{PR_BODY_W};
+        ASSERT_EQ(S_OK, message->DeleteProps(body, nullptr));
+        ASSERT_EQ(S_OK, message->SaveChanges(0));
+    }
+    // RTF knows one kind of line end.
+    std::wstring expected = kNote;
+    expected.replace(expected.find(L"\n{"), 1, L"\r\n");
+    EXPECT_EQ(expected, NotesOf(Read(id).Get()));
+}
+
+// The update deletes the formatted note alone, so that the text stays where nobody reads it.
 TEST_F(StoreContactTest, AnUpdateDeletesANicknameAndKeepsASuffixAndANote)
 {
     const EntryBytes bytes = AddMessage(Contacts().Get(), L"IPM.Contact", L"old");
@@ -163,19 +224,27 @@ TEST_F(StoreContactTest, AnUpdateDeletesANicknameAndKeepsASuffixAndANote)
                                TextValue(kDepartment, L"department"),
                                TextValue(kGeneration, L"Jr."),
                                TextValue(kWebsite, L"http://old"),
-                               TextValue(PR_BODY_W, L"note")};
+                               TextValue(PR_BODY_W, kNote)};
         ASSERT_EQ(S_OK, message->SetProps(std::size(values), values, nullptr));
         ASSERT_EQ(S_OK, message->SaveChanges(0));
     }
     OpenTable();
+    const std::wstring id = BytesToHex(bytes);
+    EXPECT_EQ(kNote, NotesOf(Read(id).Get()));
     const auto contact = ContactOf(LinesOf(R"(FirstName "Ann")"));
-    contact->put_PersistentID(Bstr(BytesToHex(bytes)).Get());
+    contact->put_PersistentID(Bstr(id).Get());
     EXPECT_EQ(TRUE, Update(contact.Get()));
     const auto message = OpenMessage(bytes);
-    for (const ULONG gone : {kNickname, kDepartment, kWebsite})
+    for (const ULONG gone : {kNickname, kDepartment, kWebsite, kRtf})
         EXPECT_EQ(MAPI_E_NOT_FOUND, ValueError(message.Get(), gone)) << std::hex << gone;
     EXPECT_EQ(L"Jr.", Text(message.Get(), kGeneration));
-    EXPECT_EQ(L"note", Text(message.Get(), PR_BODY_W));
+    EXPECT_EQ(kNote, Text(message.Get(), PR_BODY_W));
+    EXPECT_THAT(TextOfContact(Read(id).Get()),
+                ElementsAre("FirstName \"Ann\"",
+                            "Suffix \"Jr.\"",
+                            "DisplayName \"Ann\"",
+                            "JobTitle \"\"",
+                            "CompanyName \"\""));
 }
 
 TEST_F(StoreContactTest, ADeletedContactIsGone)
