@@ -35,12 +35,17 @@ std::string Describe(const FaultScenario& scenario, const FaultRun& run)
            NameOf(run.fault);
 }
 
+std::string LastingLine(const FaultScenario& scenario, const std::string& line)
+{
+    return scenario.lasting ? scenario.lasting(line) : line;
+}
+
 // The line of the call of that number; empty where there was none.
-std::string LineOf(const RecordingStore& store, unsigned number)
+std::string LineOf(const FaultScenario& scenario, const RecordingStore& store, unsigned number)
 {
     for (const RecordedStoreCall& call : store.Record())
         if (call.number == number)
-            return call.text;
+            return LastingLine(scenario, call.text);
     return {};
 }
 
@@ -69,7 +74,7 @@ void RunOnce(const FaultScenario& scenario, const FaultRun& run, RecordingStore&
     // Up to the failing call, the work is the same each time.
     if (run.call)
     {
-        EXPECT_EQ(run.line, LineOf(store, run.call));
+        EXPECT_EQ(run.line, LineOf(scenario, store, run.call));
     }
     if (scenario.check)
         scenario.check(run, store);
@@ -89,7 +94,7 @@ FaultTotals RunFaults(const FaultScenario& scenario, std::span<const StoreFault>
         totals.calls = store.FailableCalls();
         for (const RecordedStoreCall& call : store.Record())
             if (call.number)
-                lines.push_back(call.text);
+                lines.push_back(LastingLine(scenario, call.text));
     }
     EXPECT_GT(totals.calls, 0u) << scenario.name << " calls nothing";
     int failingRuns = 0;

@@ -35,6 +35,8 @@ struct FaultScenario
     std::function<void()> action;
     // Looks at results and record, after each run. May be empty.
     std::function<void(const FaultRun&, RecordingStore&)> check;
+    // What of a call's line is the same in every run; all of it where this is empty.
+    std::function<std::string(const std::string& line)> lasting = {};
 };
 
 struct FaultTotals

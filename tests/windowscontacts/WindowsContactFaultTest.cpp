@@ -4,7 +4,9 @@
 
 #include "tests/recordingstore/FaultHarness.h"
 
+#include <algorithm>
 #include <functional>
+#include <regex>
 
 using Microsoft::WRL::ComPtr;
 using testing::Contains;
@@ -26,6 +28,12 @@ constexpr StoreFault kAllFaults[] = {StoreFault::OutOfMemory,
 class WindowsContactFaultTest : public testing::Test
 {
   protected:
+    WindowsContactFaultTest()
+    {
+        m_documents.Set(m_folder.Path().wstring());
+        WriteFileBytes(m_source, kPicture);
+    }
+
     void Fill(RecordingStore& store)
     {
         store.AddBook();
@@ -83,13 +91,21 @@ class WindowsContactFaultTest : public testing::Test
                          if (run.fault != StoreFault::NullOutput &&
                              run.line.find("SetProps") == std::string::npos)
                              checkAlways(store);
-                     }},
+                     },
+                 .lasting = WithoutPictureNumbers},
                 kAllFaults);
             EXPECT_GT(totals.runs, 30u);
         }
     }
 
-    // Another Ann. Without a picture, whose path is another each time.
+    // A picture's name holds a time and counts up.
+    static std::string WithoutPictureNumbers(const std::string& line)
+    {
+        static const std::regex name("Con-?[0-9]+_[0-9]+");
+        return std::regex_replace(line, name, "Con#_#");
+    }
+
+    // Another Ann.
     ComPtr<INContactItem> Anna()
     {
         auto contact = ContactOf(LinesOf(R"(
@@ -98,6 +114,12 @@ class WindowsContactFaultTest : public testing::Test
             Business.City "Bonn"
             Birthday 25570)"));
         contact->put_PersistentID(Bstr(std::wstring_view(annID)).Get());
+        return contact;
+    }
+    ComPtr<INContactItem> AnnaWithAPicture()
+    {
+        auto contact = Anna();
+        contact->put_Picture(Bstr(std::wstring_view(m_source)).Get());
         return contact;
     }
     // What Anna is in the book. 25570 is 1970-01-02.
@@ -112,6 +134,19 @@ class WindowsContactFaultTest : public testing::Test
                                   "3A550003 0",
                                   "3A56101F [\"anna@x\"]"}));
     }
+    // The book names a whole copy of the picture in the hidden folder, and the source stays.
+    void ExpectPicture(RecordingStore& store, const char* name) const
+    {
+        constexpr std::string_view kTag = "660E001F ";
+        const TextLines lines = store.PropsOf(name);
+        const auto line = std::ranges::find_if(
+            lines, [&](const std::string& one) { return one.starts_with(kTag); });
+        ASSERT_NE(lines.end(), line);
+        const std::wstring path = UnquotedText(line->substr(kTag.size()));
+        EXPECT_THAT(path, StartsWith(m_folder.File(L"ContactImg\\Con")));
+        EXPECT_EQ(kPicture, ReadFileBytes(path));
+        EXPECT_EQ(kPicture, ReadFileBytes(m_source));
+    }
     static void ExpectAnnAsSheWas(RecordingStore& store)
     {
         EXPECT_THAT(store.PropsOf("ann"),
@@ -124,6 +159,10 @@ class WindowsContactFaultTest : public testing::Test
                                   "660E001F \"C:\\x005Ca.jpg\""}));
     }
 
+    const std::string kPicture = "picture";
+    ScratchDirectory m_folder;
+    const std::wstring m_source = m_folder.File(L"source.jpg");
+    ScopedShellFolder m_documents{L"Personal"};
     bool isOutlookExpress = false;
     bool hasSucceeded = false; // what the work has to say of it
     std::wstring annID;
@@ -177,6 +216,26 @@ TEST_F(WindowsContactFaultTest, Adding)
         });
 }
 
+TEST_F(WindowsContactFaultTest, AddingWithAPicture)
+{
+    Run(
+        "add with a picture",
+        [this](CWindowsMailAddressTable& table) {
+            std::wstring folderID;
+            const auto contact = AnnaWithAPicture();
+            hasSucceeded =
+                !table.AddItem(QueryItem<INEntityItem>(contact.Get()).Get(), folderID).empty();
+        },
+        [](RecordingStore&) {},
+        [this](RecordingStore& store) {
+            ExpectAnnAsSheWas(store);
+            if (!hasSucceeded)
+                return;
+            ExpectAnna(store, "new 1");
+            ExpectPicture(store, "new 1");
+        });
+}
+
 TEST_F(WindowsContactFaultTest, Updating)
 {
     Run(
@@ -198,6 +257,25 @@ TEST_F(WindowsContactFaultTest, Updating)
                 ExpectAnna(store, "ann");
             else
                 ExpectAnnAsSheWas(store);
+        });
+}
+
+TEST_F(WindowsContactFaultTest, UpdatingWithAPicture)
+{
+    Run(
+        "update with a picture",
+        [this](CWindowsMailAddressTable& table) {
+            table.GetItemIDs();
+            table.ResetItem();
+            const auto contact = AnnaWithAPicture();
+            hasSucceeded = table.UpdateItem(QueryItem<INEntityItem>(contact.Get()).Get());
+        },
+        [](RecordingStore&) {},
+        [this](RecordingStore& store) {
+            if (!hasSucceeded)
+                return ExpectAnnAsSheWas(store);
+            ExpectAnna(store, "ann");
+            ExpectPicture(store, "ann");
         });
 }
 

@@ -16,6 +16,8 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -36,6 +38,16 @@ class ScopedShellFolder
   private:
     ScopedRegistryValue m_value;
 };
+
+inline void WriteFileBytes(const std::wstring& path, const std::string& bytes)
+{
+    std::ofstream(std::filesystem::path(path), std::ios::binary) << bytes;
+}
+inline std::string ReadFileBytes(const std::wstring& path)
+{
+    std::ifstream file(std::filesystem::path(path), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 // The bytes of an entry ID that carries that identity.
 inline std::vector<BYTE> MarkedID(const std::wstring& identity)

@@ -2,14 +2,13 @@
 #include "windowscontacts/WindowsContactFixture.h"
 
 #include "support/DebugOutputCapture.h"
+#include "windowscontacts/ContactParts.h"
 #include "windowscontacts/PictureFolder.h"
 
 #include <aclapi.h>
 #include <sddl.h>
 
-#include <fstream>
 #include <regex>
-#include <sstream>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -22,14 +21,8 @@ class WindowsContactPictureTest : public WindowsContactTest
     std::wstring NewFile(const wchar_t* name, const std::string& bytes)
     {
         const std::wstring path = files.File(name);
-        std::ofstream(std::filesystem::path(path), std::ios::binary) << bytes;
+        WriteFileBytes(path, bytes);
         return path;
-    }
-    static std::string Read(const std::wstring& path)
-    {
-        std::ostringstream bytes;
-        bytes << std::ifstream(std::filesystem::path(path), std::ios::binary).rdbuf();
-        return bytes.str();
     }
     static bool IsHidden(const std::wstring& path)
     {
@@ -93,8 +86,8 @@ TEST_F(WindowsContactPictureTest, APictureIsCopiedIntoTheHiddenFolder)
                 ElementsAre("3A11001F \"B\"", "3001001F \"B\"", "660E001F " + QuotedText(path)));
     EXPECT_TRUE(std::regex_match(path.substr(ImageFolder().size()),
                                  std::wregex(L"\\\\Con-?[0-9]+_[0-9]+\\.jpg")));
-    EXPECT_EQ("picture", Read(path));
-    EXPECT_EQ("picture", Read(source)) << "the source stays";
+    EXPECT_EQ("picture", ReadFileBytes(path));
+    EXPECT_EQ("picture", ReadFileBytes(source)) << "the source stays";
     EXPECT_TRUE(IsHidden(ImageFolder()));
     EXPECT_FALSE(IsHidden(path));
     // The rights are those of any new folder there, not those of all the world.
@@ -115,41 +108,9 @@ TEST_F(WindowsContactPictureTest, AContactWithEverythingIsWrittenWhole)
         CompanyName "company"
         Suffix "suffix"
         Notes "note"
-        Phone0 "0"
-        Phone1 "1"
-        Phone2 "2"
-        Phone3 "3"
-        Phone4 "4"
-        Phone5 "5"
-        Phone6 "6"
-        Phone7 "7"
-        Phone8 "8"
-        Phone9 "9"
-        Phone10 "10"
-        Phone11 "11"
-        Phone12 "12"
         Email "a@x"
-        Website "http://a"
-        Home.Country "h1"
-        Home.StateOrProvince "h2"
-        Home.City "h3"
-        Home.Street "h4"
-        Home.PostalCode "h5"
-        Home.PostOfficeBox "h6"
-        Business.Country "b1"
-        Business.StateOrProvince "b2"
-        Business.City "b3"
-        Business.Street "b4"
-        Business.PostalCode "b5"
-        Business.PostOfficeBox "b6"
-        Other.Country "o1"
-        Other.StateOrProvince "o2"
-        Other.City "o3"
-        Other.Street "o4"
-        Other.PostalCode "o5"
-        Other.PostOfficeBox "o6"
-        Birthday 25569
-        Anniversary 25570)_");
+        Website "http://a")_" + std::string(kAllPhones) +
+                                kAllAddresses + kBothDates);
     contact.push_back("Picture " + QuotedText(NewFile(L"a.jpg", "picture")));
     LoadTable();
     const TextLines values = ValuesOf(ContactOf(contact).Get());
@@ -160,44 +121,13 @@ TEST_F(WindowsContactPictureTest, AContactWithEverythingIsWrittenWhole)
         3A44001F "middle"
         3A17001F "job"
         3A16001F "company"
-        3004001F "note"
-        3A57001F "0"
-        3A1C001F "1"
-        3A08001F "2"
-        3A1B001F "3"
-        3A09001F "4"
-        3A2F001F "5"
-        3A24001F "6"
-        3A25001F "7"
-        3A21001F "8"
-        3A1F001F "9"
-        3A2E001F "10"
-        3A1E001F "11"
-        3A1D001F "12"
+        3004001F "note")_" + std::string(kAllPhoneValues) +
+                                 R"_(
         3A56101F ["a@x"]
         3A54101F ["SMTP"]
         3A550003 0
-        3A51001F "http://a"
-        3A5A001F "h1"
-        3A5C001F "h2"
-        3A59001F "h3"
-        3A5D001F "h4"
-        3A5B001F "h5"
-        3A5E001F "h6"
-        3A26001F "b1"
-        3A28001F "b2"
-        3A27001F "b3"
-        3A29001F "b4"
-        3A2A001F "b5"
-        3A28001F "b6"
-        3A60001F "o1"
-        3A62001F "o2"
-        3A5F001F "o3"
-        3A63001F "o4"
-        3A61001F "o5"
-        3A64001F "o6"
-        3A420040 116444736000000000
-        3A410040 116445600000000000
+        3A51001F "http://a")_" + kAllAddressValues +
+                                 kBothDateValues + R"_(
         3A05001F "suffix"
         3001001F "firstlastmiddlesuffix")_");
     expected.push_back("660E001F " + QuotedText(Images().front()));
@@ -219,7 +149,7 @@ TEST_F(WindowsContactPictureTest, EachWriteMakesANewFile)
     EXPECT_EQ(Images().front(), TextOf(path.Get()));
     EXPECT_TRUE(table->UpdateItem(QueryItem<INEntityItem>(contact.Get()).Get()));
     ASSERT_EQ(2u, Images().size());
-    EXPECT_EQ("picture", Read(Images().back()));
+    EXPECT_EQ("picture", ReadFileBytes(Images().back()));
     table->GetItemByID(id);
     Bstr second;
     Current()->get_Picture(second.Put());
@@ -243,7 +173,7 @@ TEST_F(WindowsContactPictureTest, NamesCountUp)
 TEST_F(WindowsContactPictureTest, AFolderThatIsThereIsHiddenAndKept)
 {
     std::filesystem::create_directory(ImageFolder());
-    std::ofstream(std::filesystem::path(ImageFolder() + L"\\old.jpg")) << "old";
+    WriteFileBytes(ImageFolder() + L"\\old.jpg", "old");
     EXPECT_FALSE(IsHidden(ImageFolder()));
     NewContactPicturePath();
     EXPECT_TRUE(IsHidden(ImageFolder()));
@@ -266,7 +196,7 @@ TEST_F(WindowsContactPictureTest, AFolderThatCannotBeMadeCostsThePictureOnly)
 {
     const std::wstring source = NewFile(L"a.jpg", "picture");
     // A file of that name stands in the way.
-    std::ofstream(std::filesystem::path(ImageFolder())) << "in the way";
+    WriteFileBytes(ImageFolder(), "in the way");
     LoadTable();
     const ScopedLogSettings logOn;
     DebugOutputCapture output;
