@@ -4,6 +4,7 @@
 #pragma once
 
 #include "platform/WindowsHeaders.h"
+#include "tests/support/EarlyBound.h"
 
 #include "PimStoreBridge.h"
 
@@ -13,7 +14,7 @@
 #include <string>
 #include <vector>
 
-class RecordingAppointment final : public INAppointment, public INEntityItem
+class RecordingAppointment final : public EarlyBound<INAppointment, INEntityItem>
 {
   public:
     // What the getters give; the puts are only told.
@@ -42,17 +43,6 @@ class RecordingAppointment final : public INAppointment, public INEntityItem
     STDMETHODIMP QueryInterface(REFIID iid, void** result) override;
     STDMETHODIMP_(ULONG) AddRef() override { return ++m_references; }
     STDMETHODIMP_(ULONG) Release() override;
-    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP Invoke(
-        DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override
-    {
-        return E_NOTIMPL;
-    }
 
     STDMETHODIMP get_Subject(BSTR* value) override { return GetText("Subject", value); }
     STDMETHODIMP put_Subject(BSTR value) override { return PutText("Subject", value); }

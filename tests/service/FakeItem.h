@@ -3,6 +3,7 @@
 
 #include "platform/Bstr.h"
 #include "platform/WindowsHeaders.h"
+#include "tests/support/EarlyBound.h"
 
 #include "PimStoreBridge.h"
 
@@ -15,7 +16,7 @@ inline std::wstring EntityIDOf(INEntityItem* item)
     return item && SUCCEEDED(item->get_EntityID(id.Put())) ? TextOf(id.Get()) : std::wstring();
 }
 
-class FakeItem final : public INEntityItem
+class FakeItem final : public EarlyBound<INEntityItem>
 {
   public:
     // typed: the further interface that it answers for, beside INEntityItem. IID_NULL for none.
@@ -61,17 +62,6 @@ class FakeItem final : public INEntityItem
         if (left == 0)
             delete this;
         return left;
-    }
-    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP
-    Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override
-    {
-        return E_NOTIMPL;
     }
     STDMETHODIMP get_EntityID(BSTR* pVal) override
     {

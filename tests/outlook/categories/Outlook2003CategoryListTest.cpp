@@ -3,6 +3,7 @@
 
 #include "outlook/categories/MasterList.h"
 #include "platform/GuidSource.h"
+#include "support/EarlyBound.h"
 #include "support/RegistrySandbox.h"
 #include "tests/outlook/categories/CategoryItems.h"
 #include "tests/outlook/categories/CategoryRegistry.h"
@@ -335,22 +336,11 @@ TEST_F(Outlook2003CategoryListTest, WhereNoKeyCanBeMadeNothingIsWritten)
 namespace
 {
 // An object of a client's own, which the test keeps.
-template <typename Interface> class ClientObject : public Interface
+template <typename Interface> class ClientObject : public EarlyBound<Interface>
 {
   public:
     STDMETHODIMP_(ULONG) AddRef() override { return 2; }
     STDMETHODIMP_(ULONG) Release() override { return 1; }
-    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP
-    Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override
-    {
-        return E_NOTIMPL;
-    }
 };
 
 // A category of a client's own, whose name calls the list again.

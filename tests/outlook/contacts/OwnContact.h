@@ -5,6 +5,7 @@
 
 #include "platform/WindowsHeaders.h"
 #include "service/ItemAccess.h"
+#include "tests/support/EarlyBound.h"
 
 #include "PimStoreBridge.h"
 
@@ -42,7 +43,7 @@
         return Told("put " #name) ? m_entity->put_##name(value) : E_FAIL;                          \
     }
 
-class OwnContact final : public INContactItem, public INEntityItem
+class OwnContact final : public EarlyBound<INContactItem, INEntityItem>
 {
   public:
     static Microsoft::WRL::ComPtr<OwnContact> Make(
@@ -73,17 +74,6 @@ class OwnContact final : public INContactItem, public INEntityItem
         if (left == 0)
             delete this;
         return left;
-    }
-    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP Invoke(
-        DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override
-    {
-        return E_NOTIMPL;
     }
 
     // clang-format off
