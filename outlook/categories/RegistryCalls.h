@@ -9,6 +9,7 @@ class RegistryCalls
   public:
     virtual ~RegistryCalls() = default;
 
+    // What these two open is closed by CloseKey.
     virtual LSTATUS OpenKey(
         HKEY parent, const wchar_t* path, DWORD options, REGSAM access, HKEY* key) = 0;
     virtual LSTATUS CreateKey(HKEY parent, const wchar_t* path, HKEY* key) = 0;
