@@ -8,6 +8,9 @@ namespace
 {
 // The end of each line, so that one that was cut is not taken for a whole one.
 constexpr char kEnd[] = "end";
+// What one connection's log holds before a checkpoint is due.
+constexpr int kNoCheckpoint = 100000; // where none is wanted
+constexpr int kEarlyCheckpoint = 20;
 } // namespace
 
 void TellDone(const char* work, int number, const SBinary& entryId)
@@ -17,6 +20,30 @@ void TellDone(const char* work, int number, const SBinary& entryId)
         std::printf("%02X", entryId.lpb[i]);
     std::printf(" %s\n", kEnd);
     std::fflush(stdout);
+}
+
+void KilledWriterTest::KillAsPlanned(const KillPlan& plan)
+{
+    for (int i = 0; i < plan.inCommit; ++i)
+        // At least two writes of the commit are done, so one of a page, since a new log begins with
+        // its header.
+        ASSERT_NO_FATAL_FAILURE(KillAt(
+            StopBefore::LogWrite, 2 + i % (plan.mostLogWrites - 1), 2 + i % 4, kNoCheckpoint));
+    for (int i = 0; i < plan.atFlush; ++i)
+        ASSERT_NO_FATAL_FAILURE(KillAt(StopBefore::LogFlush, 0, i, kNoCheckpoint));
+    for (int i = 0; i < plan.inCheckpoint; ++i)
+        ASSERT_NO_FATAL_FAILURE(KillAt(
+            StopBefore::DatabaseWrite, 1 + i % plan.mostPageWrites, i % 3, kEarlyCheckpoint));
+    std::mt19937 random(plan.randomSeed);
+    for (int i = 0; i < plan.atRandom; ++i)
+        ASSERT_NO_FATAL_FAILURE(KillAtRandom(random));
+    std::printf("killed %d times: %d between a transaction's first write and its commit, %d of "
+                "them before the flush; %d during a checkpoint; %d at random.\n",
+                plan.inCommit + plan.atFlush + plan.inCheckpoint + plan.atRandom,
+                plan.inCommit + plan.atFlush,
+                plan.atFlush,
+                plan.inCheckpoint,
+                plan.atRandom);
 }
 
 std::wstring KilledWriterTest::Command(StopBefore step,

@@ -13,9 +13,17 @@
 #include <random>
 #include <string>
 
-// What one connection's log holds before a checkpoint is due.
-inline constexpr int kNoCheckpoint = 100000; // where none is wanted
-inline constexpr int kEarlyCheckpoint = 20;
+// How often a writer is killed, and where.
+struct KillPlan
+{
+    int inCommit;       // with its first page written, before its last
+    int atFlush;        // with all of a commit written
+    int inCheckpoint;   // with its first page copied
+    int atRandom;       // moments
+    int mostLogWrites;  // that are let through in a commit; fewer than any of its works takes
+    int mostPageWrites; // that are let through in a checkpoint
+    unsigned randomSeed;
+};
 
 // The writer's side: tells that the work of that name on that number is done. The test takes such a
 // line for a promise.
@@ -27,9 +35,8 @@ class KilledWriterTest : public testing::Test
     // mode: the switch that makes this test program that writer.
     explicit KilledWriterTest(std::wstring mode) : m_mode(std::move(mode)) {}
 
-    // Starts a writer that stops at the step, kills it there, and checks. See RunMessageWriter.
-    void KillAt(StopBefore step, int skip, int armAfter, int checkpoint);
-    void KillAtRandom(std::mt19937& random);
+    // Kills one writer after the other. Tells on standard output how often.
+    void KillAsPlanned(const KillPlan& plan);
 
     // What the writer said it had done.
     virtual void Note(const std::string& work, int number, const std::string& hexId) = 0;
@@ -41,6 +48,9 @@ class KilledWriterTest : public testing::Test
     int m_next = 1; // the number that the next writer begins with
 
   private:
+    // Starts a writer that stops at the step, kills it there, and checks. See RunMessageWriter.
+    void KillAt(StopBefore step, int skip, int armAfter, int checkpoint);
+    void KillAtRandom(std::mt19937& random);
     std::wstring Command(StopBefore step, int skip, int armAfter, int checkpoint) const;
     // True for a line that tells of a stop.
     bool Take(const std::string& line);

@@ -122,6 +122,19 @@ class WindowsContactFaultTest : public testing::Test
         contact->put_Picture(Bstr(std::wstring_view(m_source)).Get());
         return contact;
     }
+    void Add(CWindowsMailAddressTable& table, const ComPtr<INContactItem>& contact)
+    {
+        std::wstring folderID;
+        hasSucceeded =
+            !table.AddItem(QueryItem<INEntityItem>(contact.Get()).Get(), folderID).empty();
+        EXPECT_EQ(L"", folderID);
+    }
+    void Update(CWindowsMailAddressTable& table, const ComPtr<INContactItem>& contact)
+    {
+        table.GetItemIDs();
+        table.ResetItem();
+        hasSucceeded = table.UpdateItem(QueryItem<INEntityItem>(contact.Get()).Get());
+    }
     // What Anna is in the book. 25570 is 1970-01-02.
     static void ExpectAnna(RecordingStore& store, const char* name)
     {
@@ -201,13 +214,7 @@ TEST_F(WindowsContactFaultTest, Adding)
 {
     Run(
         "add",
-        [this](CWindowsMailAddressTable& table) {
-            std::wstring folderID;
-            const auto contact = Anna();
-            hasSucceeded =
-                !table.AddItem(QueryItem<INEntityItem>(contact.Get()).Get(), folderID).empty();
-            EXPECT_EQ(L"", folderID);
-        },
+        [this](CWindowsMailAddressTable& table) { Add(table, Anna()); },
         [](RecordingStore& store) { ExpectAnna(store, "new 1"); },
         [this](RecordingStore& store) {
             ExpectAnnAsSheWas(store);
@@ -220,12 +227,7 @@ TEST_F(WindowsContactFaultTest, AddingWithAPicture)
 {
     Run(
         "add with a picture",
-        [this](CWindowsMailAddressTable& table) {
-            std::wstring folderID;
-            const auto contact = AnnaWithAPicture();
-            hasSucceeded =
-                !table.AddItem(QueryItem<INEntityItem>(contact.Get()).Get(), folderID).empty();
-        },
+        [this](CWindowsMailAddressTable& table) { Add(table, AnnaWithAPicture()); },
         [](RecordingStore&) {},
         [this](RecordingStore& store) {
             ExpectAnnAsSheWas(store);
@@ -240,12 +242,7 @@ TEST_F(WindowsContactFaultTest, Updating)
 {
     Run(
         "update",
-        [this](CWindowsMailAddressTable& table) {
-            table.GetItemIDs();
-            table.ResetItem();
-            const auto contact = Anna();
-            hasSucceeded = table.UpdateItem(QueryItem<INEntityItem>(contact.Get()).Get());
-        },
+        [this](CWindowsMailAddressTable& table) { Update(table, Anna()); },
         [](RecordingStore& store) {
             ExpectAnna(store, "ann");
             for (const char* const tag : {"3A26001F", "3A50001F", "660E001F"})
@@ -264,12 +261,7 @@ TEST_F(WindowsContactFaultTest, UpdatingWithAPicture)
 {
     Run(
         "update with a picture",
-        [this](CWindowsMailAddressTable& table) {
-            table.GetItemIDs();
-            table.ResetItem();
-            const auto contact = AnnaWithAPicture();
-            hasSucceeded = table.UpdateItem(QueryItem<INEntityItem>(contact.Get()).Get());
-        },
+        [this](CWindowsMailAddressTable& table) { Update(table, AnnaWithAPicture()); },
         [](RecordingStore&) {},
         [this](RecordingStore& store) {
             if (!hasSucceeded)
