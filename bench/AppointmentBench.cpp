@@ -1,11 +1,11 @@
-// Appointments over the embedded message store: loading and walking folders of 1,000 and 10,000 of
-// them beside the bare calls of the store that this cannot do without and one bare creation for
-// each. Each line shows a measured value and its target; see StoreMeasure.h. Ends with 0 also where
-// a target is missed.
+// Appointments over the embedded message store: time, growth and memory; see WalkBench.h.
+//
+//     appointment_bench [LARGEST]     the number of appointments in the largest table
 //
 // While it runs, the user's setting for the store's place names a store of its own.
 #include "BenchStore.h"
 #include "StoreMeasure.h"
+#include "WalkBench.h"
 
 #include "outlook/calendar/AppointmentColumns.h"
 #include "outlook/calendar/OutlookCalendarTable.h"
@@ -59,11 +59,14 @@ std::string PropertiesOf(ULONG i)
            named("PSETID_Common", "0x8503", "PT_BOOLEAN", "true");
 }
 
-// How many appointments came, each with its start.
-ULONG LoadAndWalk(BenchStore& store, const ComPtr<IMAPIFolder>& folder)
+std::unique_ptr<CContentTable> Open(const WalkBench::Folders& folders, CMAPIHelper& helper)
 {
-    COutlookCalendarTable table(folder.Get(), store.helper.get());
-    table.GetItemIDs();
+    return std::make_unique<COutlookCalendarTable>(folders[0].Get(), &helper);
+}
+
+// How many appointments came, each with its start.
+ULONG Walk(CContentTable& table, ULONG)
+{
     table.ResetItem();
     for (ULONG count = 0;; ++count)
     {
@@ -88,25 +91,23 @@ void ReadBare(IMAPIFolder& folder, const SBinary& entryID, CNProxcy& proxy)
     ReadAndFree(message, kIdentity, proxy);
 }
 
-ULONG BareCalls(BenchStore& store, const ComPtr<IMAPIFolder>& folder)
+ULONG BareCalls(const WalkBench::Folders& folders, CNProxcy& proxy)
 {
-    CNProxcy& proxy = store.helper->Proxy();
+    IMAPIFolder& folder = *folders[0].Get();
     ComPtr<IMAPITable> table;
-    Require(folder->GetContentsTable(MAPI_UNICODE, table.GetAddressOf()), "contents");
+    Require(folder.GetContentsTable(MAPI_UNICODE, table.GetAddressOf()), "contents");
     const MapiRowSet rows = ReadRows(*table.Get(), kListColumns, proxy);
     for (ULONG i = 0; i < rows->cRows; ++i)
-        ReadBare(*folder.Get(), rows->aRow[i].lpProps[0].Value.bin, proxy);
+        ReadBare(folder, rows->aRow[i].lpProps[0].Value.bin, proxy);
     return rows->cRows;
-}
-
-void MeasureAll(const ScratchDirectory& scratch)
-{
-    MeasureWalks(scratch,
-                 {{1'000, 10'000}, PropertiesOf, LoadAndWalk, BareCalls, CLSID_NAppointment, 1.3});
 }
 } // namespace
 
-int wmain()
+int wmain(int argc, wchar_t** argv)
 {
-    return RunOverStore("appointment_bench", MeasureAll);
+    return RunWalkBench(
+        "appointment_bench",
+        argc,
+        argv,
+        {"appointments", 1, PropertiesOf, Open, Walk, BareCalls, CLSID_NAppointment, 600.0, 0.0});
 }

@@ -1,5 +1,6 @@
 #include "BenchStore.h"
 
+#include "Results.h"
 #include "StoreMeasure.h"
 
 #include "automation/ClassObjects.h"
@@ -27,9 +28,9 @@ namespace
 {
 constexpr ULONG kReadFlags = 2;
 
-std::string FolderName(ULONG count)
+std::string FolderName(ULONG size, ULONG part)
 {
-    return "Folder of " + std::to_string(count);
+    return "Folder of " + std::to_string(size) + ", part " + std::to_string(part);
 }
 
 std::wstring ProgramDirectory()
@@ -65,7 +66,6 @@ int RunOverStore(const char* name, const std::function<void(const ScratchDirecto
         const ScratchDirectory folder;
         ScopedRegistryValue place(HKEY_CURRENT_USER, kSettingsKey, kStoreValue);
         place.Set(folder.File(L"store.db"));
-        std::printf("%-58s %12s %10s\n", "", "measured", "target");
         measure(folder);
     }
     catch (const std::exception& failure)
@@ -79,6 +79,7 @@ int RunOverStore(const char* name, const std::function<void(const ScratchDirecto
 
 void FillStore(const ScratchDirectory& scratch,
                const std::vector<ULONG>& sizes,
+               ULONG parts,
                const std::function<std::string(ULONG)>& properties)
 {
     const Times filling = TimesOf([&] {
@@ -88,13 +89,15 @@ void FillStore(const ScratchDirectory& scratch,
             text << R"({"format": "PimStoreBridge store", "version": 1, "root": {"folders": [)";
             const char* folderSeparator = "";
             for (const ULONG size : sizes)
-            {
-                text << std::exchange(folderSeparator, ",") << "\n{\"name\": \"" << FolderName(size)
-                     << "\", \"messages\": [";
-                for (ULONG i = 0; i < size; ++i)
-                    text << (i ? "," : "") << R"({"properties": [)" << properties(i) << "]}\n";
-                text << "]}";
-            }
+                for (ULONG part = 0; part < parts; ++part)
+                {
+                    text << std::exchange(folderSeparator, ",") << "\n{\"name\": \""
+                         << FolderName(size, part) << "\", \"messages\": [";
+                    for (ULONG i = 0; i < size / parts; ++i)
+                        text << (i ? "," : "") << R"({"properties": [)"
+                             << properties(part * (size / parts) + i) << "]}\n";
+                    text << "]}";
+                }
             text << "]}}";
         }
         LoadFile(path);
@@ -139,35 +142,21 @@ BenchStore::~BenchStore()
     m_session.Reset();
 }
 
-ComPtr<IMAPIFolder> BenchStore::Folder(ULONG count)
+std::vector<ComPtr<IMAPIFolder>> BenchStore::Folders(ULONG size, ULONG parts)
 {
-    ComPtr<IMAPIFolder> folder;
-    std::string name = FolderName(count);
-    Require(m_root->CreateFolder(FOLDER_GENERIC,
-                                 reinterpret_cast<LPTSTR>(name.data()),
-                                 nullptr,
-                                 nullptr,
-                                 OPEN_IF_EXISTS,
-                                 folder.GetAddressOf()),
-            "folder");
-    return folder;
-}
-
-void MeasureWalks(const ScratchDirectory& scratch, const WalkBench& bench)
-{
-    constexpr double kMostBesideBare = 1.5;
-    FillStore(scratch, bench.sizes, bench.properties);
-    BenchStore store;
-    std::vector<FolderWork> works;
-    for (const ULONG size : bench.sizes)
+    std::vector<ComPtr<IMAPIFolder>> folders(parts);
+    for (ULONG part = 0; part < parts; ++part)
     {
-        const ComPtr<IMAPIFolder> folder = store.Folder(size);
-        works.push_back({size,
-                         [&store, &bench, folder] { return bench.own(store, folder); },
-                         [&store, &bench, folder] { return bench.bare(store, folder); },
-                         [&bench, size] { return CreateItems(bench.itemClass, size); }});
+        std::string name = FolderName(size, part);
+        Require(m_root->CreateFolder(FOLDER_GENERIC,
+                                     reinterpret_cast<LPTSTR>(name.data()),
+                                     nullptr,
+                                     nullptr,
+                                     OPEN_IF_EXISTS,
+                                     folders[part].GetAddressOf()),
+                "folder");
     }
-    MeasureFolders("loading and walking", works, kMostBesideBare, bench.mostBesideFirst);
+    return folders;
 }
 
 MapiRowSet ReadRows(IMAPITable& table, std::span<const ULONG> columns, CNProxcy& proxy)
@@ -206,16 +195,16 @@ void ReadAndFree(IMAPIProp& object, std::span<const ULONG> tags, CNProxcy& proxy
     proxy.FreeBuffer(values);
 }
 
-ULONG CreateItems(REFCLSID classID, ULONG count)
+void CreateItems(REFCLSID classID, ULONG count)
 {
     for (ULONG i = 0; i < count; ++i)
     {
         ComPtr<INEntityItem> item;
-        CoCreateInstance(classID,
-                         nullptr,
-                         CLSCTX_ALL,
-                         IID_INEntityItem,
-                         reinterpret_cast<void**>(item.GetAddressOf()));
+        Require(CoCreateInstance(classID,
+                                 nullptr,
+                                 CLSCTX_ALL,
+                                 IID_INEntityItem,
+                                 reinterpret_cast<void**>(item.GetAddressOf())),
+                "item");
     }
-    return count;
 }

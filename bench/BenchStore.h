@@ -1,5 +1,5 @@
 // What the benchmarks over the embedded message store share: a store of their own in the temporary
-// folder, with one folder for each size, and a logon to it.
+// folder, with folders for each size, and a logon to it.
 #pragma once
 
 #include "outlook/store/MAPIHelper.h"
@@ -14,17 +14,18 @@
 #include <vector>
 
 // Runs a benchmark in an apartment with the server's class objects, while the user's setting for
-// the store's place names a new one; prints the heading first.
+// the store's place names a new one.
 //   name: the program's, for its failures
 // Returns: the program's exit code.
 int RunOverStore(const char* name, const std::function<void(const ScratchDirectory&)>& measure);
 
-// Fills the store, in one transaction, with a folder of messages for each size, and prints what
-// that takes.
+// Fills the store, in one transaction, with messages for each size, shared out to so many folders,
+// and prints what that takes.
 //   properties: of the message with that number, in the form of docs/formats/store_json.md, with a
 //               comma between each two
 void FillStore(const ScratchDirectory& scratch,
                const std::vector<ULONG>& sizes,
+               ULONG parts,
                const std::function<std::string(ULONG)>& properties);
 
 // All that follows throws std::runtime_error where a call of the store fails.
@@ -37,8 +38,8 @@ class BenchStore
     BenchStore(const BenchStore&) = delete;
     BenchStore& operator=(const BenchStore&) = delete;
 
-    // The folder of that size.
-    Microsoft::WRL::ComPtr<IMAPIFolder> Folder(ULONG count);
+    // The folders that FillStore made for that size.
+    std::vector<Microsoft::WRL::ComPtr<IMAPIFolder>> Folders(ULONG size, ULONG parts);
 
     std::unique_ptr<CMAPIHelper> helper;
 
@@ -48,25 +49,10 @@ class BenchStore
     Microsoft::WRL::ComPtr<IMAPIFolder> m_root;
 };
 
-// Fills the store and measures the loading and walking of each folder beside the bare calls of the
-// store that this cannot do without and one bare creation for each item; see MeasureFolders.
-struct WalkBench
-{
-    using Work = std::function<ULONG(BenchStore&, const Microsoft::WRL::ComPtr<IMAPIFolder>&)>;
-
-    std::vector<ULONG> sizes;
-    std::function<std::string(ULONG)> properties;
-    Work own;
-    Work bare;
-    CLSID itemClass; // what is created for each item
-    double mostBesideFirst;
-};
-void MeasureWalks(const ScratchDirectory& scratch, const WalkBench& bench);
-
 // --- Bare calls, as the engine makes them ---
 
 MapiRowSet ReadRows(IMAPITable& table, std::span<const ULONG> columns, CNProxcy& proxy);
 Microsoft::WRL::ComPtr<IUnknown> OpenToRead(IMAPIFolder& folder, const SBinary& entryID);
 void ReadAndFree(IMAPIProp& object, std::span<const ULONG> tags, CNProxcy& proxy);
-// So many of the class; gives their count.
-ULONG CreateItems(REFCLSID classID, ULONG count);
+// So many of the class.
+void CreateItems(REFCLSID classID, ULONG count);

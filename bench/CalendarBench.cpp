@@ -1,7 +1,8 @@
 // Reading and writing .ics files beside libical on the same bytes, in one run. Prints ratios; the
-// one that matters is the first: a file of 10,000 events to component tree and appointment values
-// is to be at least 5 times as fast as libical parses the same text.
+// first has a target: a file of 10,000 events to component tree and appointment values beside
+// libical's parse of the same text.
 #include "bench/Measure.h"
+#include "bench/Results.h"
 #include "icalendar/AppointmentMapping.h"
 #include "icalendar/CalendarFile.h"
 #include "platform/FileIo.h"
@@ -92,9 +93,15 @@ void ReadThere(const std::string& text, int events)
 
 void BenchTexts(const std::string& text)
 {
-    PrintBeside("read 10,000 events, one text",
-                "libical, parse only",
-                MeasureBeside([&] { ReadHere(text, kEvents); }, [&] { ReadThere(text, kEvents); }));
+    const Timings reading =
+        MeasureBeside([&] { ReadHere(text, kEvents); }, [&] { ReadThere(text, kEvents); });
+    PrintBeside("read 10,000 events, one text", "libical, parse only", reading);
+    PrintTarget(
+        "reading a calendar text of 10,000 events into appointment values, times as fast as "
+        "libical parses it",
+        reading.TimesAsFast(),
+        "x",
+        {Bound::AtLeast, 5.0});
 
     CCalendarFile file(L"", 0);
     file.LoadFromText(text);

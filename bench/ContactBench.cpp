@@ -1,11 +1,12 @@
-// Contacts over the embedded message store: loading and walking folders of 1,000 and 10,000 of
-// them, each with the lookup of its folder, beside the bare calls of the store that this cannot do
-// without and one bare creation for each. Each line shows a measured value and its target; see
-// StoreMeasure.h. Ends with 0 also where a target is missed.
+// Contacts over the embedded message store, in five folders, so that the lookup of each one's
+// folder has more than one answer: time, growth and memory; see WalkBench.h.
+//
+//     contact_bench [LARGEST]     the number of contacts in the largest table
 //
 // While it runs, the user's setting for the store's place names a store of its own.
 #include "BenchStore.h"
 #include "StoreMeasure.h"
+#include "WalkBench.h"
 
 #include "outlook/contacts/ContactColumns.h"
 #include "outlook/contacts/OutlookAddressTable.h"
@@ -23,7 +24,7 @@ constexpr ULONG kOwnId[] = {PR_ENTRYID, PR_LAST_MODIFICATION_TIME};
 constexpr ULONG kIdentity[] = {PR_ENTRYID, PR_MESSAGE_CLASS_W};
 constexpr ULONG kBody[] = {PR_BODY_W};
 constexpr ULONG kAttachmentColumns[] = {PR_ATTACH_NUM, 0x3704001F, 0x3703001F, 0x7FFF000B};
-constexpr wchar_t kFolderKey[] = L"0000000050530301F0000000000000000000000000000009";
+constexpr ULONG kFolders = 5;
 
 // As much as many contacts have: names, three numbers, an address of either kind, one mail address,
 // a note, a keyword.
@@ -49,12 +50,25 @@ std::string PropertiesOf(ULONG i)
            R"({"tag": "0x10090102", "value": {"hex": ""}})";
 }
 
-// How many contacts came, each from the folder.
-ULONG LoadAndWalk(BenchStore& store, const ComPtr<IMAPIFolder>& folder)
+std::wstring FolderKey(ULONG part)
 {
-    COutlookAddressTable table(
-        folder.Get(), store.helper.get(), {{folder, true, 0, kFolderKey, L"Contacts"}});
-    table.GetItemIDs();
+    return L"0000000050530301F000000000000000000000000000000" + std::to_wstring(part);
+}
+
+std::unique_ptr<CContentTable> Open(const WalkBench::Folders& folders, CMAPIHelper& helper)
+{
+    std::vector<OutlookFolderInfo> infos;
+    for (ULONG part = 0; part < folders.size(); ++part)
+        infos.push_back({folders[part], part == 0, 0, FolderKey(part), L"Contacts"});
+    return std::make_unique<COutlookAddressTable>(folders[0].Get(), &helper, std::move(infos));
+}
+
+// How many contacts came, each from its folder; the folders come one after the other.
+ULONG Walk(CContentTable& table, ULONG size)
+{
+    std::vector<std::wstring> keys;
+    for (ULONG part = 0; part < kFolders; ++part)
+        keys.push_back(FolderKey(part));
     table.ResetItem();
     for (ULONG count = 0;; ++count)
     {
@@ -64,8 +78,8 @@ ULONG LoadAndWalk(BenchStore& store, const ComPtr<IMAPIFolder>& folder)
             return count;
         Bstr folderID;
         contact->get_ParentFolderID(folderID.Put());
-        if (folderID.View() != kFolderKey)
-            throw std::runtime_error("a contact has no folder");
+        if (folderID.View() != keys.at(count / (size / kFolders)))
+            throw std::runtime_error("a contact is not in its folder");
     }
 }
 
@@ -85,9 +99,8 @@ void ReadBare(IMAPIFolder& folder, const SBinary& entryID, CNProxcy& proxy)
     ReadAndFree(message, kBody, proxy);
 }
 
-ULONG BareCalls(BenchStore& store, const ComPtr<IMAPIFolder>& folder)
+ULONG ReadBareFolder(const ComPtr<IMAPIFolder>& folder, CNProxcy& proxy)
 {
-    CNProxcy& proxy = store.helper->Proxy();
     ComPtr<IMAPITable> table;
     Require(folder->GetContentsTable(MAPI_UNICODE, table.GetAddressOf()), "contents");
     const MapiRowSet rows = ReadRows(*table.Get(), kListColumns, proxy);
@@ -101,14 +114,27 @@ ULONG BareCalls(BenchStore& store, const ComPtr<IMAPIFolder>& folder)
     return rows->cRows;
 }
 
-void MeasureAll(const ScratchDirectory& scratch)
+ULONG BareCalls(const WalkBench::Folders& folders, CNProxcy& proxy)
 {
-    MeasureWalks(scratch,
-                 {{1'000, 10'000}, PropertiesOf, LoadAndWalk, BareCalls, CLSID_NContactItem, 1.2});
+    ULONG count = 0;
+    for (const ComPtr<IMAPIFolder>& folder : folders)
+        count += ReadBareFolder(folder, proxy);
+    return count;
 }
 } // namespace
 
-int wmain()
+int wmain(int argc, wchar_t** argv)
 {
-    return RunOverStore("contact_bench", MeasureAll);
+    return RunWalkBench("contact_bench",
+                        argc,
+                        argv,
+                        {"contacts",
+                         kFolders,
+                         PropertiesOf,
+                         Open,
+                         Walk,
+                         BareCalls,
+                         CLSID_NContactItem,
+                         900.0,
+                         1.2});
 }

@@ -3,7 +3,8 @@
 // works on the heap that the other left behind.
 #pragma once
 
-#include <algorithm>
+#include "bench/Median.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -17,13 +18,10 @@ struct Timings
 {
     double milliseconds;     // median of the work
     double peerMilliseconds; // median of its peer
-};
 
-inline double MedianOf(std::vector<double> values)
-{
-    std::ranges::sort(values);
-    return values[values.size() / 2];
-}
+    double TimesAsLong() const { return milliseconds / peerMilliseconds; }
+    double TimesAsFast() const { return peerMilliseconds / milliseconds; }
+};
 
 // The processor time of one run: the median of a few in a new process, behind one that does not
 // count.
@@ -81,5 +79,5 @@ inline void PrintBeside(const char* what, const char* peer, const Timings& timin
                 timings.milliseconds,
                 peer,
                 timings.peerMilliseconds,
-                timings.peerMilliseconds / timings.milliseconds);
+                timings.TimesAsFast());
 }

@@ -1,8 +1,9 @@
 // Reading and writing one recurrence blob beside a copy of the record that it fills: a usual rule,
-// one with a few exceptions, and the fullest that a record holds. Each line shows how many times as
-// long as the copy it takes, side by side within one run, and the target. Ends with 0 also where a
-// target is missed.
+// one with a few exceptions, and the fullest that a record holds. Targets say how many times as
+// long as the copy it takes, side by side within one run. Ends with 0 also where a target is
+// missed.
 #include "bench/Measure.h"
+#include "bench/Results.h"
 #include "outlook/calendar/RecurrencePattern.h"
 
 #include <algorithm>
@@ -58,16 +59,10 @@ constexpr double kMost = 3.0;
 
 void Print(const std::string& what, const Timings& timings)
 {
-    const double ratio = timings.milliseconds / timings.peerMilliseconds;
-    std::printf(
-        "%-44s %9.0f ns   copy of the record %9.0f ns   %6.2f times as long, target %.2f  %s\n",
-        what.c_str(),
-        timings.milliseconds * 1e6 / kTimes,
-        timings.peerMilliseconds * 1e6 / kTimes,
-        ratio,
-        kMost,
-        ratio < kMost ? "pass" : "MISS");
-    std::fflush(stdout);
+    PrintRow(what, timings.milliseconds * 1e6 / kTimes, "ns");
+    PrintRow("  copy of the record", timings.peerMilliseconds * 1e6 / kTimes, "ns");
+    PrintTarget(
+        what + ", beside a copy of its record", timings.TimesAsLong(), "x", {Bound::Under, kMost});
 }
 
 void Measure(int deleted, int modified)
@@ -103,10 +98,10 @@ void Measure(int deleted, int modified)
             Use(blob.data());
         }
     };
-    const std::string what =
-        ", " + std::to_string(deleted) + " deleted, " + std::to_string(modified) + " modified";
-    Print("read" + what, MeasureBeside(decode, copy));
-    Print("write" + what, MeasureBeside(encode, copy));
+    const std::string what = " a recurrence with " + std::to_string(deleted) + " deleted and " +
+                             std::to_string(modified) + " modified instances";
+    Print("reading" + what, MeasureBeside(decode, copy));
+    Print("writing" + what, MeasureBeside(encode, copy));
 }
 } // namespace
 

@@ -1,8 +1,11 @@
 // The server beside its runtime: loading and saving calendars in process, calls across processes,
-// start, memory and size. Each line shows a measured value and its target; ratios are those of one
-// run, medians of interleaved rounds. Ends with 0 also where a target is missed.
+// start, memory and size. Ratios are those of one run, medians of interleaved rounds. Ends with 0
+// also where a target is missed.
 //
 // Registers the built server while it runs, so nothing else may use the prefix meanwhile.
+#include "bench/Median.h"
+#include "bench/Results.h"
+
 #include "automation/ClassObjects.h"
 #include "endtoend/Roles.h"
 #include "endtoend/ServerFixture.h"
@@ -21,6 +24,7 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <stdexcept>
 #include <vector>
 
 using Microsoft::WRL::ComPtr;
@@ -37,30 +41,6 @@ double MillisecondsOf(const std::function<void()>& work)
     const auto start = Clock::now();
     work();
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
-
-double MedianOf(std::vector<double> values)
-{
-    std::ranges::sort(values);
-    return values[values.size() / 2];
-}
-
-// --- The table of results ----------------------------------------------------------------------
-
-constexpr double kNoTarget = 0.0;
-
-void PrintHead()
-{
-    std::printf("%-58s %12s %10s\n", "", "measured", "target");
-}
-
-void PrintRow(const char* what, double value, const char* unit, double most = kNoTarget)
-{
-    std::printf("%-58s %8.2f %-4s", what, value, unit);
-    if (most != kNoTarget)
-        std::printf(" %9.2f   %s", most, value <= most ? "pass" : "MISS");
-    std::printf("\n");
-    std::fflush(stdout);
 }
 
 // --- Work and its peer, in turn ----------------------------------------------------------------
@@ -167,7 +147,11 @@ void MeasureCalendars()
                                 [] { return CreateMilliseconds(); });
     PrintRow("bare CoCreateInstance of 10,000 items", load.peerMilliseconds, "ms");
     PrintRow("loading a file of 10,000 events into items", load.milliseconds, "ms");
-    PrintRow("  beside the bare creations", load.Ratio(), "x", 1.5);
+    PrintTarget(
+        "loading a calendar file of 10,000 events into items, beside as many bare creations",
+        load.Ratio(),
+        "x",
+        {Bound::AtMost, 1.5});
     const Beside parts = Measure(
         [&] {
             CCalendarFile file(one.File(L"Work.ics"), 0);
@@ -181,10 +165,10 @@ void MeasureCalendars()
         const SIZE_T before = UseOfAllHeaps().bytes;
         CWindowsMailCalendar calendar(FolderText(one));
         calendar.GetItemIDs();
-        PrintRow("memory of a loaded table, for each appointment",
-                 static_cast<double>(UseOfAllHeaps().bytes - before) / kEvents,
-                 "B",
-                 600.0);
+        PrintTarget("memory of each of 10,000 appointments of a loaded calendar file",
+                    static_cast<double>(UseOfAllHeaps().bytes - before) / kEvents,
+                    "B",
+                    {Bound::Under, 600.0});
         calendar.ResetItem();
         calendar.GetNextItem();
         ComPtr<INEntityItem> item;
@@ -214,7 +198,12 @@ void MeasureCalendars()
                                  [&] { return CreateMilliseconds() + MillisecondsOf(readMany); });
     PrintRow("bare creations and bare reads of 10,000 files", files.peerMilliseconds, "ms");
     PrintRow("loading 10,000 files of one event into items", files.milliseconds, "ms");
-    PrintRow("  beside the bare creations and reads", files.Ratio(), "x", 1.5);
+    PrintTarget(
+        "loading 10,000 calendar files of one event into items, beside as many bare creations "
+        "and reads",
+        files.Ratio(),
+        "x",
+        {Bound::AtMost, 1.5});
 }
 
 // --- Across processes --------------------------------------------------------------------------
@@ -273,7 +262,7 @@ double CallMilliseconds(const std::function<HRESULT()>& call)
     return MillisecondsOf([&] {
                for (int i = 0; i < kCalls; ++i)
                    if (call() != S_OK)
-                       std::printf("a call failed\n");
+                       throw std::runtime_error("a call failed");
            }) /
            kCalls;
 }
@@ -287,10 +276,7 @@ void MeasureCalls()
     const auto empty = TakeOffered(path);
     const auto appointment = MakeInServer<INAppointment>(CLSID_NAppointment);
     if (!empty || !appointment)
-    {
-        std::printf("the objects of other processes cannot be had\n");
-        return;
-    }
+        throw std::runtime_error("the objects of other processes cannot be had");
     const Bstr subject(L"Planning of the next quarter");
     appointment->put_Subject(subject.Get());
 
@@ -301,7 +287,10 @@ void MeasureCalls()
         kCallRounds);
     PrintRow("an empty call to another process", number.peerMilliseconds * 1000.0, "us");
     PrintRow("get_Reminder of the server", number.milliseconds * 1000.0, "us");
-    PrintRow("  beside the empty call of the same signature", number.Ratio(), "x", 1.1);
+    PrintTarget("a call to the server across processes, beside an empty call of the same signature",
+                number.Ratio(),
+                "x",
+                {Bound::AtMost, 1.1});
     const Beside text = Measure(
         [&] { return CallMilliseconds([&] { return appointment->get_Subject(Bstr().Put()); }); },
         [&] { return CallMilliseconds([&] { return empty->get_Reminder(&minutes); }); },
@@ -348,10 +337,13 @@ void MeasureProcess()
         programs.push_back(MillisecondsOf([] { RunProgram(RoleCommandLine(L"nothing"), 10000); }));
         const auto served = MakeInServer<INAppointment>(CLSID_NAppointment);
         if (RunningServers() != std::vector<DWORD>{server.id})
-            std::printf("the started server did not serve\n");
+            throw std::runtime_error("the started server did not serve");
     }
     PrintRow("start and end of a program that does nothing", MedianOf(programs), "ms");
-    PrintRow("start until the class objects are registered", MedianOf(starts), "ms", 50.0);
+    PrintTarget("start of the server until its class objects are registered",
+                MedianOf(starts),
+                "ms",
+                {Bound::Under, 50.0});
 
     EndServers();
     const StartedProgram server = StartProgram(L'"' + ServerPath() + L"\" -Embedding");
@@ -359,11 +351,14 @@ void MeasureProcess()
     Sleep(1000);
     const double before = ProcessorMilliseconds(server.process.Get());
     Sleep(10000);
-    PrintRow("processor time of 10 idle seconds",
-             ProcessorMilliseconds(server.process.Get()) - before,
-             "ms",
-             1.0);
-    PrintRow("private memory of an idle server", OwnMiB(server.process.Get()), "MiB", 10.0);
+    PrintTarget("processor time of 10 idle seconds of the server",
+                ProcessorMilliseconds(server.process.Get()) - before,
+                "ms",
+                {Bound::AtMost, 1.0});
+    PrintTarget("private memory of an idle server",
+                OwnMiB(server.process.Get()),
+                "MiB",
+                {Bound::Under, 10.0});
     EndServers();
 }
 
@@ -371,7 +366,10 @@ void MeasureProcess()
 void MeasureExecutable()
 {
     const auto size = std::filesystem::file_size(ServerPath());
-    PrintRow("size of the server", static_cast<double>(size) / (1 << 20), "MiB", 4.0);
+    PrintTarget("size of the server's executable",
+                static_cast<double>(size) / (1 << 20),
+                "MiB",
+                {Bound::Under, 4.0});
 
     const UniqueModule image(
         LoadLibraryExW(ServerPath().c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES));
@@ -388,17 +386,11 @@ void MeasureExecutable()
         if (!std::filesystem::exists(std::filesystem::path(system) /
                                      reinterpret_cast<const char*>(base + import->Name)))
             ++others;
-    std::printf("%-58s %8d %-4s %9s   %s\n",
-                "libraries that it needs beside the system's",
-                others,
-                "",
-                "none",
-                others == 0 ? "pass" : "MISS");
+    PrintTarget("libraries that it needs beside the system's", others, "", {Bound::AtMost, 0.0});
 }
 
 void MeasureAll()
 {
-    PrintHead();
     MeasureExecutable();
     ServerEnvironment registered;
     registered.SetUp();
@@ -410,7 +402,7 @@ void MeasureAll()
     TestModule module;
     ClassObjects classObjects;
     if (FAILED(classObjects.Register(GetObjectMap(), CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE)))
-        std::printf("the class objects cannot be registered\n");
+        throw std::runtime_error("the class objects cannot be registered");
     MeasureCalendars();
 }
 } // namespace
@@ -419,12 +411,21 @@ int wmain(int argc, wchar_t** argv)
 {
     if (FAILED(CoInitialize(nullptr)))
         return 2;
+    int status = 0;
     const std::optional<int> played = PlayRole(argc, argv);
     if (!played)
     {
         testing::InitGoogleTest(&argc, argv);
-        MeasureAll();
+        try
+        {
+            MeasureAll();
+        }
+        catch (const std::exception& failure)
+        {
+            std::fprintf(stderr, "server_bench: %s\n", failure.what());
+            status = 1;
+        }
     }
     CoUninitialize();
-    return played.value_or(0);
+    return played.value_or(status);
 }
