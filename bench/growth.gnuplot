@@ -4,7 +4,7 @@ set terminal pngcairo size 1000,600 font "DejaVu Sans,11"
 set output image
 set logscale x
 set xlabel "items in the table"
-set ylabel "processor time of each item, microseconds"
+set ylabel "processor time for each item, microseconds"
 set xtics ("1,000" 1000, "3,000" 3000, "10,000" 10000, "30,000" 30000, "100,000" 100000)
 set xrange [800:125000]
 set yrange [0:*]
