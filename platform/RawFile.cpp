@@ -105,13 +105,16 @@ bool RawFile::ReadAll(std::string& bytes)
     if (size > kLargestFile)
         return false;
     bytes.reserve(bytes.size() + static_cast<std::size_t>(size));
+    // From the position of the file itself: a read with one of its own is an overlapped one, whose
+    // end the system reports, which costs more than reading a small file.
+    if (!SetFilePointerEx(Handle(m_file), LARGE_INTEGER{}, nullptr, FILE_BEGIN))
+        return false;
     std::array<char, 65536> block;
     for (std::uint64_t offset = 0;;)
     {
-        OVERLAPPED position = At(offset);
         DWORD count = 0;
-        if (!ReadFile(Handle(m_file), block.data(), block.size(), &count, &position))
-            return GetLastError() == ERROR_HANDLE_EOF;
+        if (!ReadFile(Handle(m_file), block.data(), block.size(), &count, nullptr))
+            return false;
         if (count == 0)
             return true;
         // It may grow while it is read.
