@@ -19,7 +19,7 @@ struct Context
 {
     const Command& command;
     const OutputStream& output;
-    const OutputStream& errors;
+    const TextOutput& errors;
     SystemZone zone;
 
     // Throws: Failure, where not all of it could be written.

@@ -10,10 +10,6 @@ namespace pim
 {
 namespace
 {
-// Short walks end before the count would show.
-constexpr ULONGLONG kFirstShowMs = 300;
-constexpr ULONGLONG kShowEveryMs = 100;
-
 std::atomic<bool> cancelled = false;
 
 BOOL WINAPI OnControlEvent(DWORD event)
@@ -73,31 +69,6 @@ bool OutputStream::WriteToTerminal(std::wstring_view text) const
         text.remove_prefix(written);
     }
     return true;
-}
-
-Progress::Progress(const OutputStream& stream, const wchar_t* what)
-    : m_stream(stream), m_what(what), m_nextShowMs(GetTickCount64() + kFirstShowMs)
-{
-}
-
-Progress::~Progress()
-{
-    if (m_shownColumns > 0)
-        m_stream.Write(L"\r" + std::wstring(m_shownColumns, L' ') + L"\r");
-}
-
-void Progress::Step()
-{
-    ++m_count;
-    const ULONGLONG nowMs = GetTickCount64();
-    if (!m_stream.IsTerminal() || nowMs < m_nextShowMs)
-        return;
-    m_nextShowMs = nowMs + kShowEveryMs;
-    constexpr wchar_t kTurns[] = {L'|', L'/', L'-', L'\\'};
-    const std::wstring line = std::wstring(1, kTurns[m_turn++ % std::size(kTurns)]) + L" " +
-                              m_what + L": " + std::to_wstring(m_count);
-    m_stream.Write(L"\r" + line);
-    m_shownColumns = line.size();
 }
 
 void WatchForCancel()

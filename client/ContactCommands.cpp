@@ -8,6 +8,7 @@
 #include "client/core/ContactJson.h"
 #include "client/core/ContactText.h"
 #include "client/core/JsonValues.h"
+#include "client/core/Progress.h"
 
 #include <algorithm>
 

@@ -4,6 +4,7 @@
 #include "client/CommandContext.h"
 #include "client/core/ItemIds.h"
 #include "client/core/LetterCase.h"
+#include "client/core/Progress.h"
 #include "client/core/Unicode.h"
 
 namespace pim
@@ -18,7 +19,7 @@ template <typename Kind> class ItemFinder
     using ReadName = std::wstring (*)(Item*);
 
     ItemFinder(const ItemCollection<Kind>& items,
-               const OutputStream& errors,
+               const TextOutput& errors,
                ReadName readName = nullptr)
         : m_items(items), m_errors(errors), m_readName(readName)
     {
@@ -89,7 +90,7 @@ template <typename Kind> class ItemFinder
     }
 
     const ItemCollection<Kind>& m_items;
-    const OutputStream& m_errors;
+    const TextOutput& m_errors;
     const ReadName m_readName;
     bool m_hasLooked = false;
     std::vector<std::wstring> m_ids;

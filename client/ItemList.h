@@ -2,6 +2,7 @@
 #pragma once
 
 #include "client/CommandContext.h"
+#include "client/core/Progress.h"
 
 #include <algorithm>
 #include <functional>

@@ -1,4 +1,5 @@
 #include "client/Console.h"
+#include "client/core/Progress.h"
 
 #include "platform/UniqueHandle.h"
 #include "support/ScratchDirectory.h"

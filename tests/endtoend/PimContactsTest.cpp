@@ -60,6 +60,26 @@ class PimContactsTest : public testing::Test
         std::ofstream(path, std::ios::binary) << bytes;
     }
 
+    // Makes the ID's kind, as the store's file has it, one that no object is of, or takes that
+    // back. What lists the message still does, and nothing opens it. Later IDs stay behind earlier
+    // ones.
+    static void ChangeKindOfMessage(char lastByte, char from, char to)
+    {
+        const std::string begin("\0\0\0\0PS", 6);
+        const std::string end("\x01\x7C\x0D\xE5\xA1\xB2\xC3\x4D\x5E\x8F\x90\xA1\xB2\xC3\xD4\0", 16);
+        const std::string id = begin + from + end + lastByte;
+        const std::filesystem::path path = s_store->DatabasePath();
+        std::string bytes = BytesOf(path);
+        int found = 0;
+        for (std::size_t at = bytes.find(id); at != std::string::npos; at = bytes.find(id, at))
+        {
+            bytes[at + begin.size()] = to;
+            ++found;
+        }
+        ASSERT_GT(found, 0);
+        Write(path, bytes);
+    }
+
     static inline std::unique_ptr<MessageStore> s_store;
     const ServerKeeper keeper;
     const ScratchDirectory files;
@@ -111,6 +131,29 @@ TEST_F(PimContactsTest, ShowsOneContactByTheBeginningOfItsId)
     EXPECT_EQ(
         Refused(L"contacts show nobody", 4),
         "pim: There is no contact with the ID \"nobody\". pim contacts list shows the IDs.\n");
+}
+
+TEST_F(PimContactsTest, SaysHowManyContactsDidNotOpen)
+{
+    ChangeKindOfMessage('\x0B', '\x05', '\x0F');
+    const ProgramResult one = RunPim(L"contacts list");
+    EXPECT_EQ(one.exitCode, 0u);
+    EXPECT_EQ(one.errors, "pim: 1 contact could not be opened.\n");
+    EXPECT_THAT(one.output, AllOf(HasSubstr("Elin "), HasSubstr("Oda "), HasSubstr("Ravi ")));
+    EXPECT_THAT(one.output, Not(HasSubstr("Kabel")));
+
+    ChangeKindOfMessage('\x0A', '\x05', '\x0F');
+    const ProgramResult two = RunPim(L"--json contacts list");
+    EXPECT_EQ(two.exitCode, 0u);
+    EXPECT_EQ(two.errors, "pim: 2 contacts could not be opened.\n");
+    EXPECT_THAT(two.output, AllOf(HasSubstr("Oda Bakken"), HasSubstr("Ravi Menon")));
+    EXPECT_THAT(two.output, Not(HasSubstr("Elin")));
+
+    ChangeKindOfMessage('\x0A', '\x0F', '\x05');
+    ChangeKindOfMessage('\x0B', '\x0F', '\x05');
+    const ProgramResult all = RunPim(L"contacts list");
+    EXPECT_EQ(all.errors, "");
+    EXPECT_THAT(all.output, AllOf(HasSubstr("Elin "), HasSubstr("Kabel")));
 }
 
 TEST_F(PimContactsTest, KeepsEveryFieldOfANewContact)
