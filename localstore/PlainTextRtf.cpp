@@ -8,12 +8,6 @@ namespace
 constexpr std::string_view kHeader =
     "{\\rtf1\\ansi\\fromtext\\deff0{\\fonttbl{\\f0\\fswiss Arial;}}\\pard\\plain\\f0\\fs20 ";
 
-// RTF's numbers have 16 bits and a sign.
-std::int16_t RtfNumber(wchar_t unit)
-{
-    return static_cast<std::int16_t>(static_cast<std::uint16_t>(unit));
-}
-
 void AppendUnit(std::string& rtf, wchar_t unit)
 {
     switch (unit)
@@ -34,8 +28,8 @@ void AppendUnit(std::string& rtf, wchar_t unit)
     default:
         if (unit >= L' ' && unit <= L'~')
             rtf += static_cast<char>(unit);
-        else
-            rtf.append("\\u").append(std::to_string(RtfNumber(unit))).append("?");
+        else // RTF's numbers have 16 bits and a sign
+            rtf.append("\\u").append(std::to_string(static_cast<std::int16_t>(unit))).append("?");
     }
 }
 
