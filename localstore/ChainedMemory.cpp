@@ -90,6 +90,9 @@ HRESULT ChainedMemory::Free(void* buffer) noexcept
             return MAPI_E_INVALID_PARAMETER;
         blocks.swap(found->second);
         m_buffers.erase(found);
+        // A map keeps the table that it needed at its largest; the library lives on for long.
+        if (m_buffers.empty())
+            Buffers().swap(m_buffers);
     }
     for (void* block : blocks)
         std::free(block);

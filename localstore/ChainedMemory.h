@@ -40,8 +40,10 @@ class ChainedMemory
     size_t LiveCount() const;
 
   private:
+    using Buffers = std::unordered_map<void*, std::vector<void*>>; // with what is chained to each
+
     mutable SRWLOCK m_lock = SRWLOCK_INIT;
-    std::unordered_map<void*, std::vector<void*>> m_buffers;
+    Buffers m_buffers;
 };
 
 // Owns a buffer until it is handed out.

@@ -1,7 +1,10 @@
 #include "localstore/ChainedMemory.h"
 
+#include "support/HeapUse.h"
+
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
 #include <thread>
 
@@ -19,6 +22,18 @@ TEST(ChainedMemoryTest, FreesABufferWithItsChain)
     EXPECT_EQ(4u, memory.LiveCount());
     EXPECT_EQ(S_OK, memory.Free(buffer));
     EXPECT_EQ(0u, memory.LiveCount());
+}
+
+TEST(ChainedMemoryTest, HoldsNothingOnceAllBuffersAreFreed)
+{
+    ChainedMemory memory;
+    std::array<void*, 1000> buffers{};
+    const HeapUse before = UseOfAllHeaps();
+    for (void*& buffer : buffers)
+        ASSERT_EQ(S_OK, memory.Allocate(10, &buffer));
+    for (void* const buffer : buffers)
+        ASSERT_EQ(S_OK, memory.Free(buffer));
+    EXPECT_EQ(before, UseOfAllHeaps());
 }
 
 TEST(ChainedMemoryTest, ZeroBytesGiveABufferToo)
