@@ -2,6 +2,7 @@
 // come from the server's factory, and items are walked, added, updated and deleted.
 #include "endtoend/CalendarClient.h"
 #include "endtoend/CalendarFolder.h"
+#include "endtoend/EveryKind.h"
 #include "endtoend/MessageStore.h"
 
 #include <gmock/gmock.h>
@@ -14,103 +15,6 @@ using testing::ElementsAre;
 namespace
 {
 using Texts = std::vector<std::wstring>;
-
-// The text of a property that tells an item from others.
-template <typename Interface,
-          HRESULT (STDMETHODCALLTYPE Interface::*get)(BSTR*),
-          HRESULT (STDMETHODCALLTYPE Interface::*put)(BSTR)>
-struct NameOf
-{
-    static std::wstring Read(INEntityItem* item)
-    {
-        ComPtr<Interface> typed;
-        Bstr name;
-        EXPECT_EQ(S_OK, item->QueryInterface(__uuidof(Interface), OutVoid(typed)));
-        EXPECT_EQ(S_OK, (typed.Get()->*get)(name.Put()));
-        return TextOf(name.Get());
-    }
-    static void Write(INEntityItem* item, const wchar_t* name)
-    {
-        ComPtr<Interface> typed;
-        EXPECT_EQ(S_OK, item->QueryInterface(__uuidof(Interface), OutVoid(typed)));
-        EXPECT_EQ(S_OK, (typed.Get()->*put)(Bstr(name).Get()));
-    }
-    static void** OutVoid(ComPtr<Interface>& pointer)
-    {
-        return reinterpret_cast<void**>(pointer.GetAddressOf());
-    }
-};
-
-using CategoryName =
-    NameOf<INContactCategory, &INContactCategory::get_Name, &INContactCategory::put_Name>;
-using GroupName = NameOf<INContactGroup, &INContactGroup::get_Name, &INContactGroup::put_Name>;
-using ContactName =
-    NameOf<INContactItem, &INContactItem::get_FirstName, &INContactItem::put_FirstName>;
-using AppointmentName =
-    NameOf<INAppointment, &INAppointment::get_Subject, &INAppointment::put_Subject>;
-
-// What tells the items of a type.
-struct ItemName
-{
-    const CLSID& item;
-    std::wstring (*read)(INEntityItem*);
-    void (*write)(INEntityItem*, const wchar_t*);
-};
-const ItemName kCategory = {CLSID_NContactCategory, &CategoryName::Read, &CategoryName::Write};
-const ItemName kGroup = {CLSID_NContactGroup, &GroupName::Read, &GroupName::Write};
-const ItemName kContact = {CLSID_NContactItem, &ContactName::Read, &ContactName::Write};
-const ItemName kAppointment = {CLSID_NAppointment, &AppointmentName::Read, &AppointmentName::Write};
-
-struct Kind
-{
-    const char* name;
-    const wchar_t* backEnd;
-    _tagNEnumeratorType type;
-    const ItemName& item;
-    const wchar_t* stored; // the name of the one item that there is
-    // Whether another enumerator shows what was written. It does not show a group: that is stored
-    // under the class of an appointment.
-    bool staysInTheList;
-};
-
-constexpr wchar_t kOutlook[] = L"Microsoft Outlook";
-
-// clang-format off
-const Kind kKinds[] = {
-    {"OutlookCategories",     kOutlook,        ContactCategory, kCategory,    L"Work",    true},
-    {"OutlookGroups",         kOutlook,        ContactGroup,    kGroup,       L"Friends", false},
-    {"OutlookContacts",       kOutlook,        AddressBook,     kContact,     L"Ann",     true},
-    {"OutlookAppointments",   kOutlook,        Calendar,        kAppointment, L"Review",  true},
-    {"ExpressContacts",       kOutlookExpress, AddressBook,     kContact,     L"Bea",     true},
-    {"WindowsMailContacts",   kWindowsMail,    AddressBook,     kContact,     L"Bea",     true},
-    {"WindowsMailCalendar",   kWindowsMail,    Calendar,        kAppointment, L"Task 1",  true},
-};
-// clang-format on
-
-// One item of each kind.
-constexpr char kContents[] =
-    R"({"format": "PimStoreBridge store", "version": 1, "identity": {}, "book": [
-        {"properties": [
-            {"tag": "PR_DISPLAY_NAME_W", "value": "Bea"},
-            {"tag": "0x3A06001F", "value": "Bea"}]}],
-        "root": {"folders": [
-        {"name": "Contacts", "class": "IPF.Contact", "roles": ["contacts"], "messages": [
-            {"properties": [
-                {"tag": "PR_MESSAGE_CLASS_W", "value": "IPM.Contact"},
-                {"tag": "0x3A06001F", "value": "Ann"}]},
-            {"properties": [
-                {"tag": "PR_MESSAGE_CLASS_W", "value": "IPM.DistList"},
-                {"set": "PSETID_Address", "id": "0x8053", "type": "PT_UNICODE",
-                 "value": "Friends"}]}]},
-        {"name": "Calendar", "class": "IPF.Appointment", "roles": ["calendar"],
-         "messages": [
-            {"properties": [
-                {"tag": "PR_MESSAGE_CLASS_W", "value": "IPM.Appointment"},
-                {"tag": "PR_SUBJECT_W", "value": "Review"}]}],
-         "associated": [
-            {"properties": [
-                {"tag": "PR_MESSAGE_CLASS_W", "value": "IPM.Configuration.CategoryList"},
-                {"tag": "0x7C080102", "value": {"hex": "3C723E3C63206E616D653D22576F726B2220677569643D227B417D222F3E3C2F723E"}}]}]}]}})";
 
 class EveryEnumeratorTest : public testing::TestWithParam<Kind>
 {
@@ -127,7 +31,7 @@ class EveryEnumeratorTest : public testing::TestWithParam<Kind>
     }
     void SetUp() override
     {
-        s_store->Load(kContents);
+        s_store->Load(kOneItemOfEachKind);
         s_folder->Clear();
         s_folder->Write(L"Work.ics", NumberedCalendar("Task", 1));
         factory = MakeInServer<INObjectFactory>(CLSID_NObjectFactory64);
@@ -171,7 +75,7 @@ class EveryEnumeratorTest : public testing::TestWithParam<Kind>
         Texts names;
         ComPtr<INEntityItem> item;
         while (names.size() < 50 && enumerator.GetNextItem(item.ReleaseAndGetAddressOf()) == S_OK)
-            names.push_back(GetParam().item.read(item.Get()));
+            names.push_back(GetParam().item.read(*item.Get()).name);
         return names;
     }
     Texts WalkAnew() { return Walk(*Enumerator().Get()); }
@@ -198,9 +102,9 @@ TEST_P(EveryEnumeratorTest, WalksAddsUpdatesAndDeletes)
     ASSERT_TRUE(enumerator);
     EXPECT_THAT(Walk(*enumerator.Get()), ElementsAre(kind.stored));
 
-    const auto item = Make<INEntityItem>(kind.item.item);
+    const auto item = Make<INEntityItem>(kind.item.classID);
     ASSERT_TRUE(item);
-    kind.item.write(item.Get(), L"Added \u65e5");
+    kind.item.write(*item.Get(), {L"Added \u65e5", 7});
     Bstr id;
     ASSERT_EQ(S_OK, enumerator->AddItem(item.Get(), id.Put()));
     EXPECT_NE(0u, id.View().size());
@@ -211,8 +115,9 @@ TEST_P(EveryEnumeratorTest, WalksAddsUpdatesAndDeletes)
     EXPECT_EQ(S_OK, another->ResetItem(&done));
     ComPtr<INEntityItem> found;
     ASSERT_EQ(S_OK, another->GetItemByID(id.Get(), found.GetAddressOf()));
-    EXPECT_EQ(L"Added \u65e5", kind.item.read(found.Get()));
-    kind.item.write(found.Get(), L"Changed");
+    EXPECT_EQ((ItemValues{L"Added \u65e5", kind.item.numberIs == NumberIs::NotStored ? 0 : 7}),
+              kind.item.read(*found.Get()));
+    kind.item.write(*found.Get(), {L"Changed"});
     EXPECT_EQ(S_OK, another->UpdateItem(found.Get(), &done));
     EXPECT_EQ(VARIANT_TRUE, done);
     EXPECT_EQ(StoredAnd(L"Changed"), WalkAnew());
@@ -225,7 +130,7 @@ TEST_P(EveryEnumeratorTest, WalksAddsUpdatesAndDeletes)
 
 INSTANTIATE_TEST_SUITE_P(BackEnds,
                          EveryEnumeratorTest,
-                         testing::ValuesIn(kKinds),
+                         testing::ValuesIn(EveryKind().begin(), EveryKind().end()),
                          [](const auto& tested) { return tested.param.name; });
 
 TEST(MissingEnumeratorTest, TheBackEndsOfWindowsHaveNoListsOfGroupsAndCategories)
@@ -257,7 +162,7 @@ TEST(MissingEnumeratorTest, OutlookExpressWalksAnEmptyCalendarAndAddsNothing)
     ComPtr<INEntityItem> item;
     EXPECT_EQ(E_FAIL, enumerator->GetNextItem(item.GetAddressOf()));
     const auto added = MakeInServer<INEntityItem>(CLSID_NAppointment);
-    AppointmentName::Write(added.Get(), L"Added");
+    kAppointmentItem.write(*added.Get(), {L"Added"});
     Bstr id;
     EXPECT_EQ(E_FAIL, enumerator->AddItem(added.Get(), id.Put()));
     EXPECT_EQ(S_OK, service->StopService());
@@ -271,7 +176,7 @@ class Outlook2003CategoriesTest : public testing::Test
   protected:
     void SetUp() override
     {
-        store.Load(kContents);
+        store.Load(kOneItemOfEachKind);
         // A list of texts; the library lies where one without a language lies.
         application.Set(L"Microsoft\\Office\\11.0\\Outlook" + std::wstring(1, L'\0') +
                             L"NoLanguage" + std::wstring(1, L'\0'),
@@ -307,7 +212,7 @@ class Outlook2003CategoriesTest : public testing::Test
     {
         Texts names;
         for (const auto& item : Items(*Enumerator().Get()))
-            names.push_back(CategoryName::Read(item.Get()));
+            names.push_back(kCategoryItem.read(*item.Get()).name);
         return names;
     }
     static HRESULT Find(INEnumerator& enumerator, const Bstr& id, ComPtr<INEntityItem>& item)
@@ -334,20 +239,20 @@ TEST_F(Outlook2003CategoriesTest, AreWalkedAddedUpdatedAndDeletedByName)
     ASSERT_TRUE(enumerator);
     ASSERT_EQ(1u, Items(*enumerator.Get()).size());
     const auto item = MakeInServer<INEntityItem>(CLSID_NContactCategory);
-    CategoryName::Write(item.Get(), L"Added \u65e5");
+    kCategoryItem.write(*item.Get(), {L"Added \u65e5"});
     Bstr id;
     ASSERT_EQ(S_OK, enumerator->AddItem(item.Get(), id.Put()));
     EXPECT_EQ(38u, id.View().size()); // a GUID in braces
     ComPtr<INEntityItem> found;
     ASSERT_EQ(S_OK, Find(*enumerator.Get(), id, found));
-    EXPECT_EQ(L"Added \u65e5", CategoryName::Read(found.Get()));
+    EXPECT_EQ(L"Added \u65e5", kCategoryItem.read(*found.Get()).name);
     EXPECT_THAT(NamesAnew(), ElementsAre(L"Work", L"Added \u65e5"));
 
     const auto another = Enumerator();
     EXPECT_EQ(E_FAIL, Find(*another.Get(), id, found));
     const auto items = Items(*another.Get());
     ASSERT_EQ(2u, items.size());
-    CategoryName::Write(items[1].Get(), L"Changed");
+    kCategoryItem.write(*items[1].Get(), {L"Changed"});
     VARIANT_BOOL done = VARIANT_FALSE;
     EXPECT_EQ(S_OK, another->UpdateItem(items[1].Get(), &done));
     EXPECT_EQ(VARIANT_TRUE, done);

@@ -129,6 +129,12 @@ ProcessUsage UsageOf(DWORD processId)
     return usage;
 }
 
+std::ostream& operator<<(std::ostream& out, const ProcessUsage& usage)
+{
+    return out << usage.handles << " handles, own " << usage.heaps.own << ", shared "
+               << usage.heaps.shared;
+}
+
 std::ostream& operator<<(std::ostream& out, const ProcessGrowth& growth)
 {
     return out << growth.handles << " handles, " << growth.ownBlocks << " own blocks of "

@@ -22,6 +22,7 @@ struct ProcessUsage
     DWORD handles = 0;
     ProcessHeaps heaps;
 };
+std::ostream& operator<<(std::ostream& out, const ProcessUsage& usage);
 
 // A test failure where it cannot be told. No call may run in the process meanwhile.
 ProcessUsage UsageOf(DWORD processId);
