@@ -197,6 +197,25 @@ TEST_F(BookDamageTest, AnEntryWithAnyTimesIsReadChangedAndDeleted)
         }
 }
 
+// Each save is later than the one before, up to the last time there is.
+TEST_F(BookDamageTest, ATimeOfTheFarFutureGoesOnToItsEnd)
+{
+    constexpr std::int64_t kLast = 9223372036854775807;
+    for (const auto& [before, after] :
+         {std::pair(std::int64_t{4000000000000000000}, std::int64_t{4000000000000000001}),
+          {kLast - 1, kLast},
+          {kLast, kLast}})
+    {
+        Damage("modified = " + std::to_string(before));
+        ComPtr<IMAPIProp> entry;
+        ASSERT_EQ(S_OK, Open(m_ids[1], entry));
+        EXPECT_TRUE(SetName(entry.Get(), L"two"));
+        EXPECT_EQ(S_OK, entry->SaveChanges(FORCE_SAVE));
+        EXPECT_EQ(after,
+                  m_book.Store().QueryInteger("SELECT modified FROM book_entry WHERE id = 2"));
+    }
+}
+
 TEST_F(BookDamageTest, AnEntryOfNoContainerIsFoundByItsIdAlone)
 {
     for (const char* const container : {"NULL", "0", "999", "'text'", "x'01'"})
