@@ -24,6 +24,7 @@ class Progress
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
+    // Counts one more item, and shows the count where it is time to.
     void Step();
 
   private:

@@ -205,13 +205,17 @@ TEST_F(StoreBodyTest, RtfDeletedAloneIsGoneAndTheTextStays)
 
 TEST_F(StoreBodyTest, ADeletedTextTakesTheRtfThatWasMadeOfIt)
 {
-    SetText(L"text");
-    Save();
-    ASSERT_THAT(Document(), StartsWith("{\\rtf1"));
-    Delete(PR_BODY_W);
-    Save();
-    EXPECT_EQ(MAPI_E_NOT_FOUND, StoredError(PR_BODY_W));
-    EXPECT_EQ(MAPI_E_NOT_FOUND, StoredError(kRtf));
+    // Whether or not the document is many times as long as the text.
+    for (const std::wstring& text : {std::wstring(L"text"), std::wstring(1'000'000, L'\x8000')})
+    {
+        SetText(text);
+        Save();
+        ASSERT_THAT(Document(), StartsWith("{\\rtf1"));
+        Delete(PR_BODY_W);
+        Save();
+        EXPECT_EQ(MAPI_E_NOT_FOUND, StoredError(PR_BODY_W));
+        EXPECT_EQ(MAPI_E_NOT_FOUND, StoredError(kRtf));
+    }
 }
 
 TEST_F(StoreBodyTest, ADeletedTextLeavesACallersRtf)
