@@ -5,7 +5,9 @@
 #include "platform/Bstr.h"
 #include "platform/SafeArray.h"
 
+#include <algorithm>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -71,11 +73,25 @@ inline HRESULT GetArray(const ArrayField& field, SAFEARRAY** out)
     return held ? SafeArrayCopy(held.get(), out) : E_FAIL;
 }
 
+// Whether the array has the shape that the system's copy takes for granted: dimensions, and memory
+// for its elements where it has any.
+inline bool HasShape(const SAFEARRAY& array) noexcept
+{
+    const auto bounds = std::span(array.rgsabound, array.cDims);
+    return !bounds.empty() &&
+           (array.pvData || std::any_of(bounds.begin(), bounds.end(), [](const auto& bound) {
+                return bound.cElements == 0;
+            }));
+}
+
 // Array put: a copy takes the place of the old array, which is destroyed first. Null, and an array
-// that cannot be copied, empty the field. Returns: the result of the system's copy.
+// that cannot be copied, empty the field. Returns: the result of the system's copy; E_INVALIDARG
+// for an array without shape.
 inline HRESULT PutArray(ArrayField& field, SAFEARRAY* value)
 {
     std::exchange(field, nullptr).reset();
+    if (value && !HasShape(*value))
+        return E_INVALIDARG;
     UniqueSafeArray copy;
     const HRESULT result = SafeArrayCopy(value, copy.Put());
     ArrayField taken;

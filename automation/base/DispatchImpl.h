@@ -1,8 +1,11 @@
 // IDispatch for a dual interface, through the type library that the running executable carries.
 #pragma once
 
+#include "automation/base/DispatchArguments.h"
 #include "automation/base/Guard.h"
 #include "automation/base/ServerModule.h"
+
+#include <algorithm>
 
 template <typename Interface> class IDispatchImpl : public Interface
 {
@@ -34,14 +37,18 @@ template <typename Interface> class IDispatchImpl : public Interface
     STDMETHODIMP
     GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override
     {
-        if (!names || !ids)
+        // The system's look-up reads the first name whatever the count.
+        if (!names || !ids || std::find(names, names + count, nullptr) != names + count)
             return E_POINTER;
+        if (count == 0)
+            return E_INVALIDARG;
         ITypeInfo* own = nullptr;
         const HRESULT result = OwnTypeInfo(&own);
         return FAILED(result) ? result : own->GetIDsOfNames(names, count, ids);
     }
 
-    // The result, the exception record and the argument index are those of ITypeInfo::Invoke.
+    // The result, the exception record and the argument index are those of ITypeInfo::Invoke, but
+    // for arguments that are broken in themselves (see CheckDispatchArguments).
     STDMETHODIMP Invoke(DISPID id,
                         REFIID,
                         LCID,
@@ -51,6 +58,9 @@ template <typename Interface> class IDispatchImpl : public Interface
                         EXCEPINFO* exception,
                         UINT* badArgument) override
     {
+        const HRESULT sound = CheckDispatchArguments(arguments, badArgument);
+        if (FAILED(sound))
+            return sound;
         ITypeInfo* own = nullptr;
         const HRESULT result = OwnTypeInfo(&own);
         if (FAILED(result))

@@ -91,7 +91,8 @@ std::vector<std::wstring> TextsIn(SAFEARRAY* array)
         return {};
     const SafeArrayAccess<BSTR> elements(array);
     std::vector<std::wstring> texts;
-    for (ULONG i = 0; elements && i < array->rgsabound[0].cElements; ++i)
+    // A careless client's array may have elements and no memory for them.
+    for (ULONG i = 0; elements.Data() && i < array->rgsabound[0].cElements; ++i)
         texts.push_back(TextOf(elements.Data()[i]));
     return texts;
 }

@@ -49,3 +49,26 @@ TEST(PropertyFormsTest, AValuePutKeepsWhatIsNoNumber)
     EXPECT_EQ(S_OK, GetValue(field, &out));
     EXPECT_NE(out, out);
 }
+
+// A descriptor whose elements were promised and never given memory, and one of no dimension.
+TEST(PropertyFormsTest, AnArrayWithoutShapeIsRefusedAndEmptiesTheField)
+{
+    SAFEARRAY* array = nullptr;
+    ASSERT_EQ(S_OK, SafeArrayAllocDescriptorEx(VT_BSTR, 1, &array));
+    for (const auto& [dimensions, elements] : {std::pair{1, 2u}, {0, 2u}})
+    {
+        ArrayField field(SafeArrayCreateVector(VT_BSTR, 0, 1), &SafeArrayPolicy::Close);
+        array->cDims = static_cast<USHORT>(dimensions);
+        array->rgsabound[0].cElements = elements;
+        EXPECT_EQ(E_INVALIDARG, PutArray(field, array));
+        EXPECT_FALSE(field);
+    }
+    // Without elements there is nothing to give memory to.
+    ArrayField field;
+    array->cDims = 1;
+    array->rgsabound[0].cElements = 0;
+    EXPECT_EQ(S_OK, PutArray(field, array));
+    EXPECT_TRUE(field);
+    field.reset();
+    SafeArrayDestroyDescriptor(array);
+}

@@ -9,8 +9,10 @@
 
 #include "PimStoreBridge.h"
 
+#include <functional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 // One property with both accessors.
@@ -56,6 +58,8 @@ class OwnContact final : public EarlyBound<INContactItem, INEntityItem>
 
     std::vector<std::string> calls; // "get FirstName", "put PhoneNumber 3"
     std::set<std::string> failing;  // those that give E_FAIL
+    std::function<void()> onCall;   // runs inside each call
+    SAFEARRAY* emails = nullptr;    // what get_Emails gives in place of the contact's, once
 
     STDMETHODIMP QueryInterface(REFIID iid, void** result) override
     {
@@ -86,7 +90,6 @@ class OwnContact final : public EarlyBound<INContactItem, INEntityItem>
     PIM_OWN_PROPERTY(InstantMessagingAddress, BSTR)
     PIM_OWN_PROPERTY(Picture, BSTR)
     PIM_OWN_KINDS(PhoneNumber, _tagNPhoneNumberType, BSTR)
-    PIM_OWN_PROPERTY(Emails, SAFEARRAY*)
     PIM_OWN_PROPERTY(Website, BSTR)
     PIM_OWN_KINDS(Address, _tagNAddressType, _tagNAddress)
     PIM_OWN_PROPERTY(Notes, BSTR)
@@ -102,6 +105,19 @@ class OwnContact final : public EarlyBound<INContactItem, INEntityItem>
     PIM_OWN_ENTITY_PROPERTY(LastModificationTime, DATE)
     PIM_OWN_ENTITY_PROPERTY(FolderID, BSTR)
     // clang-format on
+    STDMETHODIMP get_Emails(SAFEARRAY** value) override
+    {
+        if (!Told("get Emails"))
+            return E_FAIL;
+        if (!emails)
+            return m_inner->get_Emails(value);
+        *value = std::exchange(emails, nullptr);
+        return S_OK;
+    }
+    STDMETHODIMP put_Emails(SAFEARRAY* value) override
+    {
+        return Told("put Emails") ? m_inner->put_Emails(value) : E_FAIL;
+    }
     STDMETHODIMP GetStringByIndex(LONG index, BSTR* text) override
     {
         return Told("get string", index) ? m_inner->GetStringByIndex(index, text) : E_FAIL;
@@ -121,6 +137,8 @@ class OwnContact final : public EarlyBound<INContactItem, INEntityItem>
     bool Told(const std::string& call)
     {
         calls.push_back(call);
+        if (onCall)
+            onCall();
         return !failing.contains(call);
     }
     bool Told(const std::string& call, int kind) { return Told(call + ' ' + std::to_string(kind)); }
