@@ -101,7 +101,7 @@ int AddAll(const Context& context, AddressBook& contacts, const std::vector<Cont
     if (context.command.asJson)
         context.Print(JsonText({{"added", std::move(list)}}));
     if (failure)
-        throw *failure;
+        throw Failure(*failure);
     return exitCode;
 }
 } // namespace

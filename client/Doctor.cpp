@@ -14,6 +14,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <tuple>
 
 namespace pim
 {
@@ -72,7 +73,7 @@ Answer Call(std::function<HRESULT()> body)
     const UniqueHandle thread(CreateThread(nullptr, 0, &RunPending, argument.get(), 0, nullptr));
     if (!thread)
         return E_OUTOFMEMORY;
-    argument.release();
+    std::ignore = argument.release(); // the thread's own now
     if (WaitForSingleObject(thread.Get(), kLongestAnswerSeconds * 1000) != WAIT_OBJECT_0)
         return std::nullopt;
     return call->result;

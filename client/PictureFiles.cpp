@@ -27,7 +27,7 @@ std::filesystem::path AbsolutePath(const std::wstring& typed)
 
 std::wstring ReadablePicture(const std::wstring& typed)
 {
-    const std::wstring path = AbsolutePath(typed).wstring();
+    std::wstring path = AbsolutePath(typed).wstring();
     if (!OpenForReading(path))
         throw Failure{kExitFailed,
                       L"The picture \"" + OneLine(typed) + L"\" cannot be read" +

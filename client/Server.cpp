@@ -12,8 +12,6 @@ namespace pim
 {
 namespace
 {
-using Microsoft::WRL::ComPtr;
-
 // Best first: the last one has no calendar.
 
 bool IsSameName(const std::wstring& left, const std::wstring& right)
