@@ -14,10 +14,11 @@ ComPtr<IABContainer> OpenPersonalBook(IAddrBook& book, CNProxcy& proxy)
     if (!ownedEntry)
         return nullptr;
 
-    ULONG type = 0;
+    // An entry that says it is something else has fewer operations than a container.
+    ULONG type = MAPI_ABCONT;
     ComPtr<IUnknown> object;
     const HRESULT opened = book.OpenEntry(size, entry, nullptr, 0, &type, object.GetAddressOf());
-    if (FAILED(opened) || !object)
+    if (FAILED(opened) || !object || type != MAPI_ABCONT)
         return nullptr;
     // Opened without naming an interface, a container comes under its own one.
     return static_cast<IABContainer*>(object.Get());

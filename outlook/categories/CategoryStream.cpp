@@ -1,6 +1,7 @@
 #include "outlook/categories/CategoryStream.h"
 
 #include "outlook/store/MapiMemory.h"
+#include "outlook/store/StreamReads.h"
 #include "outlook/store/TagArray.h"
 #include "service/XmlScan.h"
 
@@ -22,7 +23,7 @@ CategoryStream ReadLarge(IMAPIProp& message, std::string& text)
     ComPtr<IStream> stream;
     *stream.GetAddressOf() = static_cast<IStream*>(opened); // the interface that was asked for
     std::string bytes;
-    for (;;)
+    for (unsigned reads = 0;; ++reads)
     {
         const std::size_t size = bytes.size();
         bytes.resize(size + kPieceBytes);
@@ -30,7 +31,7 @@ CategoryStream ReadLarge(IMAPIProp& message, std::string& text)
         if (FAILED(stream->Read(bytes.data() + size, kPieceBytes, &read)))
             return CategoryStream::Unreadable;
         bytes.resize(size + std::min(read, kPieceBytes));
-        if (bytes.size() > kMaxXmlBytes)
+        if (bytes.size() > kMaxXmlBytes || reads == kMostStreamReads)
             return CategoryStream::Unreadable;
         if (read == 0)
             break;

@@ -3,6 +3,7 @@
 #include "outlook/contacts/PictureFile.h"
 #include "outlook/contacts/PictureJournal.h"
 #include "outlook/store/PropertyArray.h"
+#include "outlook/store/StreamReads.h"
 #include "platform/UniqueHandle.h"
 #include "service/Log.h"
 
@@ -56,7 +57,8 @@ NewFile ReserveFile(const wchar_t* fileName, const wchar_t* extension)
 void CopyToFile(IStream& data, IStream& file)
 {
     std::array<BYTE, kReadPieceBytes> piece;
-    for (std::uint64_t total = 0; total < kLongestPictureBytes;)
+    std::uint64_t total = 0;
+    for (unsigned reads = 0; total < kLongestPictureBytes && reads < kMostStreamReads; ++reads)
     {
         ULONG read = 0;
         if (FAILED(data.Read(piece.data(), static_cast<ULONG>(piece.size()), &read)) || read == 0)

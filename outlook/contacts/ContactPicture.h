@@ -9,7 +9,7 @@
 // Copies an attachment into a new file of the user's temporary folder. Its name takes prefix and
 // extension from those of the attachment, see PictureFile.h. Both the file and the empty one that
 // reserves its name are remembered, see PictureJournal.h.
-// Limits:  kLongestPictureBytes; a longer attachment is cut there.
+// Limits:  kLongestPictureBytes and kMostStreamReads; a longer attachment is cut there.
 // Returns: the path, also where the copy broke off; empty where there is no file.
 // Throws std::bad_alloc.
 std::wstring SavePictureFile(IMessage& message,

@@ -106,6 +106,6 @@ PropertyArray COutlookAddressGroupTable::ReadItem(INEntityItem& item, bool)
     values.AddText(PR_MESSAGE_CLASS_W, kWrittenClass);
     Bstr name;
     if (SUCCEEDED(group->get_Name(name.Put())) && name)
-        values.AddText(nameTag | PT_UNICODE, TextOf(name.Get()));
+        values.AddText(WithType(nameTag, PT_UNICODE), TextOf(name.Get()));
     return values;
 }

@@ -14,7 +14,15 @@ constexpr ULONG kOpenToRead = 0x00000002; // the store's business; passed as it 
 constexpr ULONG kListColumns[] = {PR_ENTRYID, PR_MESSAGE_CLASS_W, PR_LAST_MODIFICATION_TIME};
 constexpr ULONG kWrittenColumns[] = {PR_ENTRYID, PR_LAST_MODIFICATION_TIME};
 
-// Opens an entry through the container. Stores the object only where the call gave one.
+// Objects of a store that hold others; none of them is an item.
+bool IsContainerType(ULONG type)
+{
+    return type == MAPI_STORE || type == MAPI_ADDRBOOK || type == MAPI_FOLDER ||
+           type == MAPI_ABCONT;
+}
+
+// Opens an entry through the container. Stores the object only where the call gave one, and for
+// writing only what is no container: its own values would be overwritten by the item's.
 HRESULT OpenEntity(IMAPIContainer& container,
                    const std::wstring& id,
                    ULONG flags,
@@ -27,7 +35,7 @@ HRESULT OpenEntity(IMAPIContainer& container,
         entryID.Size(), entryID.Get(), nullptr, flags, &type, object.GetAddressOf());
     // No interface was asked for, so this is the object's own one, and all of these derive from
     // IMAPIProp.
-    if (SUCCEEDED(result) && object)
+    if (SUCCEEDED(result) && object && !(flags == MAPI_MODIFY && IsContainerType(type)))
         entity = static_cast<IMAPIProp*>(object.Get());
     return result;
 }

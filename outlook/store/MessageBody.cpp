@@ -1,6 +1,7 @@
 #include "outlook/store/MessageBody.h"
 
 #include "outlook/store/MapiMemory.h"
+#include "outlook/store/StreamReads.h"
 #include "outlook/store/TagArray.h"
 #include "service/Log.h"
 
@@ -82,7 +83,7 @@ ULONG CountBytes(IStream* stream)
 {
     std::array<char, kPieceBytes> piece;
     ULONG total = 0;
-    while (total <= kLongestRtfBytes)
+    for (unsigned reads = 0; total <= kLongestRtfBytes && reads < kMostStreamReads; ++reads)
     {
         const ULONG read = Read(stream, piece.data(), kPieceBytes);
         if (read == 0)

@@ -20,7 +20,7 @@ std::wstring ReadMessageBody(IMAPIProp* message,
                              std::unique_ptr<CRichEditHelper>& converter);
 
 // The second half alone: the plain text of the message's compressed RTF. An RTF body is cut where
-// pieces of 1,024 bytes first pass kLongestRtfBytes.
+// pieces of 1,024 bytes first pass kLongestRtfBytes, and after kMostStreamReads pieces.
 // Throws std::bad_alloc.
 std::wstring ReadRtfBody(IMAPIProp* message,
                          CNProxcy& proxy,

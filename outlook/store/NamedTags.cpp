@@ -8,6 +8,10 @@ namespace
 {
 constexpr ULONG kNoCreation = 0;
 
+// Named properties have IDs from here on; one below is a property of its own, which a store that
+// gives it for a name would have overwritten or deleted.
+constexpr ULONG kFirstNamedId = 0x8000;
+
 std::optional<std::vector<ULONG>> FindTags(IMAPIProp& object,
                                            CNProxcy& proxy,
                                            std::span<MAPINAMEID> names)
@@ -25,6 +29,8 @@ std::optional<std::vector<ULONG>> FindTags(IMAPIProp& object,
     std::vector<ULONG> tags(names.size());
     std::copy_n(
         found->aulPropTag, std::min<std::size_t>(found->cValues, tags.size()), tags.begin());
+    std::ranges::replace_if(
+        tags, [](ULONG tag) { return PROP_ID(tag) != 0 && PROP_ID(tag) < kFirstNamedId; }, 0ul);
     return tags;
 }
 } // namespace

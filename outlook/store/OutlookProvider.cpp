@@ -52,6 +52,9 @@ constexpr ULONG kNoComInitialisation = 8; // MAPI_NO_COINIT
 // Folders nest less deep in any store of people; each level takes stack.
 constexpr int kDeepestLevel = 256;
 
+// As many folders hold others; a store that names its folders anew each time has no last one.
+constexpr std::size_t kMostWalkedFolders = 0x2000;
+
 // The interfaces take texts that they do not write to.
 LPWSTR Unwritten(const wchar_t* text)
 {
@@ -424,7 +427,8 @@ BOOL COutlookProvider::OnAssociatedRow(const Row& row, BOOL* goesOn)
     const wchar_t* const messageClass = row.Text(1);
     if (!entry || !messageClass || std::wstring_view(messageClass) != kCategoryMessageClass)
         return FALSE;
-    ULONG type = 0;
+    // An entry that says it is something else is no message: the categories would be written to it.
+    ULONG type = MAPI_MESSAGE;
     const HRESULT result = m_pMsgStore->OpenEntry(entry->cb,
                                                   reinterpret_cast<LPENTRYID>(entry->lpb),
                                                   nullptr,
@@ -433,6 +437,8 @@ BOOL COutlookProvider::OnAssociatedRow(const Row& row, BOOL* goesOn)
                                                   OutUnknown(m_pCategoryMessage));
     LogPrintf(
         L"=========m_pMsgStore->OpenEntry, %s, hr = 0X%p \r\n", kCategoryMessageClass, Hr(result));
+    if (type != MAPI_MESSAGE)
+        m_pCategoryMessage.Reset();
     *goesOn = FALSE;
     return TRUE;
 }
@@ -507,7 +513,8 @@ void COutlookProvider::WalkBelow(IMAPIFolder* folder, const std::wstring& rowID)
         LogPrintf(L"=========Wastebasket Folder ignorent it \r\n");
         return;
     }
-    if (m_depth >= kDeepestLevel || !m_walked.insert(rowID).second)
+    if (m_depth >= kDeepestLevel || m_walked.size() >= kMostWalkedFolders ||
+        !m_walked.insert(rowID).second)
         return;
     ++m_depth;
     const ScopeExit left([this] { --m_depth; });

@@ -32,7 +32,8 @@ class PropertyView
     const SBinary* Binary(ULONG position) const noexcept
     {
         const SPropValue* const value = FindTyped(position, PT_BINARY);
-        return value ? &value->Value.bin : nullptr;
+        return value && (value->Value.bin.lpb || value->Value.bin.cb == 0) ? &value->Value.bin
+                                                                           : nullptr;
     }
     // Null where the value is absent.
     const wchar_t* Text(ULONG position) const noexcept

@@ -1,6 +1,7 @@
 #include "tests/recordingstore/FaultHarness.h"
 
 #include "platform/ScopeExit.h"
+#include "tests/recordingstore/HostileAnswers.h"
 
 #include <gtest/gtest.h>
 
@@ -49,6 +50,22 @@ std::string LineOf(const FaultScenario& scenario, const RecordingStore& store, u
     return {};
 }
 
+// What is stored of the objects, as text.
+std::vector<std::string> StoredOf(const RecordingStore& store,
+                                  const std::vector<std::string>& objects)
+{
+    std::vector<std::string> lines;
+    for (const std::string& object : objects)
+    {
+        lines.push_back(object + (store.Exists(object) ? "" : " is gone"));
+        if (!store.Exists(object))
+            continue;
+        for (std::string& line : store.PropsOf(object))
+            lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
 void RunOnce(const FaultScenario& scenario, const FaultRun& run, RecordingStore& store)
 {
     const std::string text = Describe(scenario, run);
@@ -56,6 +73,7 @@ void RunOnce(const FaultScenario& scenario, const FaultRun& run, RecordingStore&
     SCOPED_TRACE(text);
     if (scenario.setUp)
         scenario.setUp(store);
+    const std::vector<std::string> before = StoredOf(store, scenario.bystanders);
     if (run.call)
         store.Fail(run.call, run.fault);
     try
@@ -71,6 +89,7 @@ void RunOnce(const FaultScenario& scenario, const FaultRun& run, RecordingStore&
         ADD_FAILURE() << "threw";
     }
     EXPECT_EQ("", store.Complaints());
+    EXPECT_EQ(before, StoredOf(store, scenario.bystanders));
     // Up to the failing call, the work is the same each time.
     if (run.call)
     {
@@ -79,9 +98,20 @@ void RunOnce(const FaultScenario& scenario, const FaultRun& run, RecordingStore&
     if (scenario.check)
         scenario.check(run, store);
 }
-} // namespace
 
-FaultTotals RunFaults(const FaultScenario& scenario, std::span<const StoreFault> faults)
+// The ways in which a call is to go wrong, by its line.
+using PlanCall = std::function<std::vector<StoreFault>(const std::string& line)>;
+// What holds after each run with a failing call.
+using CheckPlanned = std::function<void(const FaultRun& run, const RecordingStore& store)>;
+
+int ResultParts()
+{
+    return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
+}
+
+FaultTotals RunPlanned(const FaultScenario& scenario,
+                       const PlanCall& plan,
+                       const CheckPlanned& check)
 {
     void* const handler = AddVectoredExceptionHandler(1, TellCrash);
     const ScopeExit remove([handler] { RemoveVectoredExceptionHandler(handler); });
@@ -99,22 +129,53 @@ FaultTotals RunFaults(const FaultScenario& scenario, std::span<const StoreFault>
     EXPECT_GT(totals.calls, 0u) << scenario.name << " calls nothing";
     int failingRuns = 0;
     for (unsigned number = 1; number <= totals.calls; ++number)
-        for (const StoreFault fault : faults)
+        for (const StoreFault fault : plan(lines[number - 1]))
         {
-            const int before =
-                testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
+            const int before = ResultParts();
             RecordingStore store;
-            RunOnce(scenario, {number, fault, lines[number - 1]}, store);
+            const FaultRun run = {number, fault, lines[number - 1]};
+            RunOnce(scenario, run, store);
             ++totals.runs;
-            const int after =
-                testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
-            failingRuns += after > before;
+            if (check)
+                check(run, store);
+            failingRuns += ResultParts() > before;
             if (failingRuns == kMostFailingRuns)
             {
                 ADD_FAILURE() << "more runs are left out";
                 return totals;
             }
         }
+    return totals;
+}
+
+// Others are ways of failing that hostile stores have, too.
+bool IsSpoiling(StoreFault answer)
+{
+    return answer > StoreFault::FailsWithWork;
+}
+} // namespace
+
+FaultTotals RunFaults(const FaultScenario& scenario, std::span<const StoreFault> faults)
+{
+    const std::vector<StoreFault> all(faults.begin(), faults.end());
+    const FaultTotals totals = RunPlanned(
+        scenario, [&](const std::string&) { return all; }, nullptr);
     std::printf("%s: %u calls, %u runs\n", scenario.name.c_str(), totals.calls, totals.runs);
+    return totals;
+}
+
+FaultTotals RunHostileAnswers(const FaultScenario& scenario)
+{
+    const FaultTotals totals = RunPlanned(
+        scenario, HostileAnswersFor, [&](const FaultRun& run, const RecordingStore& store) {
+            SCOPED_TRACE(Describe(scenario, run));
+            EXPECT_TRUE(!IsSpoiling(run.fault) || store.SpoiledOutputs() > 0);
+            EXPECT_LT(store.FailableCalls(), kMostCalls);
+        });
+    EXPECT_GT(totals.runs, 0u) << scenario.name;
+    std::printf("[   CALLS  ] %s: %u calls, %u hostile runs\n",
+                scenario.name.c_str(),
+                totals.calls,
+                totals.runs);
     return totals;
 }

@@ -20,6 +20,7 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <vector>
 
 struct FaultRun
 {
@@ -37,6 +38,9 @@ struct FaultScenario
     std::function<void(const FaultRun&, RecordingStore&)> check;
     // What of a call's line is the same in every run; all of it where this is empty.
     std::function<std::string(const std::string& line)> lasting = {};
+    // Objects that the work has no business with: no run changes their properties or takes them
+    // away.
+    std::vector<std::string> bystanders = {};
 };
 
 struct FaultTotals
@@ -48,3 +52,10 @@ struct FaultTotals
 // Reports by EXPECT; stops early after some failing runs.
 FaultTotals RunFaults(const FaultScenario& scenario,
                       std::span<const StoreFault> faults = kStoreFaults);
+
+// The same with what a hostile store answers (see HostileAnswers.h): each answer to each call that
+// has such outputs. No answer makes the work call as
+// often as kMostCalls.
+FaultTotals RunHostileAnswers(const FaultScenario& scenario);
+
+inline constexpr unsigned kMostCalls = 200'000;

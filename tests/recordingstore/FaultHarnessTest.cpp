@@ -114,3 +114,52 @@ TEST(FaultHarnessTest, TellsOfALeakThatOneFailureBrings)
         EXPECT_THAT(message, testing::HasSubstr("call 3 IMAPISession(session).GetMsgStoresTable"));
     }
 }
+
+TEST(FaultHarnessTest, GivesEachCallTheAnswersThatItsOutputsCanHave)
+{
+    std::set<std::pair<std::string, StoreFault>> seen;
+    const FaultTotals totals = RunHostileAnswers({
+        .name = "counting stores of a hostile library",
+        .setUp = [](RecordingStore& store) { store.AddStore("other"); },
+        .action = [] { LogOnAndCount(); },
+        .check = [&](const FaultRun& run,
+                     RecordingStore&) { EXPECT_TRUE(seen.emplace(run.line, run.fault).second); },
+    });
+    // Of its five calls, the one for the rows gives what can be spoiled.
+    EXPECT_EQ(5u, totals.calls);
+    EXPECT_EQ(14u, totals.runs);
+    EXPECT_EQ(15u, seen.size());
+    EXPECT_TRUE(seen.contains(
+        {"IMAPITable(stores table).QueryRows(10, 00000000)", StoreFault::NullPointers}));
+}
+
+// The harness's store is the library's one, so that the work can reach it beside its calls.
+TEST(FaultHarnessTest, TellsOfAChangedBystander)
+{
+    static RecordingStore* current = nullptr;
+    static const FaultScenario scenario = {
+        .name = "changing what is another's",
+        .setUp =
+            [](RecordingStore& store) {
+                store.AddUsualFolders();
+                current = &store;
+            },
+        .action =
+            [] {
+                LogOnAndCount();
+                current->SetProps("inbox", StoreProps().Text(PR_DISPLAY_NAME_W, L"Changed"));
+            },
+        .check = {},
+        .bystanders = {"inbox"},
+    };
+    testing::TestPartResultArray failures;
+    {
+        const testing::ScopedFakeTestPartResultReporter reporter(
+            testing::ScopedFakeTestPartResultReporter::INTERCEPT_ONLY_CURRENT_THREAD, &failures);
+        const StoreFault fault = StoreFault::CallFailed;
+        RunFaults(scenario, {&fault, 1});
+    }
+    // The run without a failure and one for each of the five calls.
+    ASSERT_EQ(6, failures.size());
+    EXPECT_THAT(failures.GetTestPartResult(0).message(), testing::HasSubstr("Changed"));
+}

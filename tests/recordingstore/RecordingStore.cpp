@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <deque>
+#include <iterator>
 #include <stdexcept>
 
 namespace
@@ -59,14 +60,14 @@ SBinary View(std::vector<BYTE>& bytes)
 
 const char* NameOf(StoreFault fault) noexcept
 {
-    static constexpr const char* kNames[] = {"None",
-                                             "OutOfMemory",
-                                             "CallFailed",
-                                             "NullOutput",
-                                             "FewerValues",
-                                             "WrongTypes",
-                                             "ShortRows",
-                                             "FailsWithWork"};
+    static constexpr const char* kNames[] = {
+        "None",          "OutOfMemory",     "CallFailed",     "NullOutput",  "FewerValues",
+        "WrongTypes",    "ShortRows",       "FailsWithWork",  "NullArrays",  "ZeroCounts",
+        "LongerArrays",  "HugeArrays",      "Reversed",       "AllErrors",   "OtherTypes",
+        "NullPointers",  "NullElements",    "EmptyValues",    "HugeValues",  "OddValues",
+        "FixedNames",    "OneName",         "ListedNames",    "OtherObject", "WildNumbers",
+        "EndlessStream", "TricklingStream", "BreakingStream", "EmptyStream", "EndlessFolders"};
+    static_assert(std::size(kNames) == static_cast<unsigned>(StoreFault::EndlessFolders) + 1);
     return kNames[static_cast<unsigned>(fault)];
 }
 
@@ -401,6 +402,11 @@ std::vector<std::string> RecordingStore::Calls(unsigned kinds) const
 unsigned RecordingStore::FailableCalls() const
 {
     return m_control->Books().failableCalls;
+}
+
+unsigned RecordingStore::SpoiledOutputs() const
+{
+    return m_control->Books().spoiledOutputs;
 }
 
 void RecordingStore::ClearRecord()

@@ -75,6 +75,40 @@ enum class StoreFault : unsigned
     WrongTypes,  // as usual, but every value has another type than was asked for
     ShortRows,   // as usual, but each row has one value fewer and a value array holds none
     FailsWithWork, // does its work, outputs included, and returns MAPI_E_CALL_FAILED
+
+    // Answers of a hostile store: the call does its work and succeeds, and what it gives is not
+    // what a store may give. Which calls have which is in tests/recordingstore/HostileAnswers.h.
+
+    // Value arrays, rows, lists of tags, entry IDs.
+    NullArrays,   // counts as usual, null pointers beside them
+    ZeroCounts,   // arrays as usual, counts of 0 beside them
+    LongerArrays, // more values than there are tags, and each row twice
+    HugeArrays,   // entry IDs of 1 MiB
+    Reversed,     // the values in the order that was not asked for
+    // Each value, also where there is none, by the type that was asked for.
+    AllErrors,    // PT_ERROR with MAPI_E_CALL_FAILED, and S_OK
+    OtherTypes,   // of another type, well-formed: narrow texts, texts for binaries, NaN for numbers
+    NullPointers, // null texts, null binaries of 16 bytes, null arrays of 16 elements
+    NullElements, // as multiple values, whose elements are null
+    EmptyValues,  // empty texts, binaries and arrays of no bytes at null; 0
+    HugeValues,   // texts of 1 MiB UTF-16 units, binaries of 1 MiB, numbers of nothing but ones
+    OddValues,    // halves of pairs and control characters, binaries of 1 byte, lowest numbers
+    // Named properties.
+    FixedNames,  // IDs of properties that have no names
+    OneName,     // one ID for all of them
+    ListedNames, // tags of the type PT_MV_LONG
+    // Objects.
+    OtherObject, // another kind of object; its type is told
+    // Numbers that calls give beside their results: as large as they can be.
+    WildNumbers,
+    // Streams, from the one that is opened on.
+    EndlessStream,   // as many bytes as are asked for, for ever
+    TricklingStream, // one byte, for ever
+    BreakingStream,  // one byte, then failures
+    EmptyStream,     // nothing, for ever
+    // A tree of folders without an end: from the call on, each folder holds those below the subtree
+    // twice, under entry IDs that are new each time.
+    EndlessFolders,
 };
 
 // The four ways in which any store may fail, and those of a hostile one.
@@ -216,6 +250,8 @@ class RecordingStore
     std::vector<RecordedStoreCall> Record() const;
     // How many calls there were that can fail.
     unsigned FailableCalls() const;
+    // How many outputs a hostile answer has changed.
+    unsigned SpoiledOutputs() const;
     void ClearRecord();
 
     // --- Plan ---

@@ -26,6 +26,7 @@ struct StoreBooks
     unsigned initialisedTimes;
     unsigned refusedFrees;
     unsigned failableCalls;
+    unsigned spoiledOutputs;
 };
 
 // False stands for an unknown name, or one that is taken.

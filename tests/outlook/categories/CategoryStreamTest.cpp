@@ -2,6 +2,7 @@
 // Outlook2007CategoryListTest.
 #include "outlook/categories/CategoryStream.h"
 
+#include "outlook/store/StreamReads.h"
 #include "service/XmlScan.h"
 #include "tests/outlook/FakeStore.h"
 
@@ -105,6 +106,16 @@ TEST_F(CategoryStreamTest, AStreamThatCannotBeReadIsThereAllTheSame)
         return S_OK;
     };
     EXPECT_EQ(CategoryStream::Unreadable, Read());
+    EXPECT_EQ("untouched", text);
+}
+
+// One byte at a time, for ever.
+TEST_F(CategoryStreamTest, AStreamThatTricklesIsGivenUp)
+{
+    stream.bytes = std::string(kMostStreamReads + 10, 'x');
+    stream.pieceBytes = 1;
+    EXPECT_EQ(CategoryStream::Unreadable, Read());
+    EXPECT_EQ(kMostStreamReads + 1, stream.given);
     EXPECT_EQ("untouched", text);
 }
 

@@ -3,7 +3,10 @@
 
 #include "outlook/store/MAPIHelper.h"
 #include "outlook/store/MAPIProxcy.h"
+#include "service/ItemAccess.h"
 #include "tests/recordingstore/RecordingStore.h"
+
+#include <gtest/gtest.h>
 
 #include <iterator>
 #include <memory>
@@ -18,6 +21,15 @@ inline constexpr StoreFault kAllStoreFaults[] = {StoreFault::OutOfMemory,
                                                  StoreFault::ShortRows};
 static_assert(std::size(kAllStoreFaults) ==
               std::size(kStoreFaults) + std::size(kHostileStoreFaults));
+
+// The walk of a table with one item is over; a store that shows each row twice gives it once more.
+inline void ExpectEnd(IEnumerator& table)
+{
+    table.GetNextItem();
+    if (CurrentItem(table))
+        table.GetNextItem();
+    EXPECT_FALSE(CurrentItem(table));
+}
 
 class FaultSession
 {

@@ -37,6 +37,17 @@ TEST_F(NamedTagsTest, FindsOneNumberAndOneText)
               store.Calls()[1]);
 }
 
+// A store that gives the ID of a property without a name: the class of a message, and what follows.
+TEST_F(NamedTagsTest, AnIdOfAPropertyWithoutANameIsNone)
+{
+    store.NameProperty(kAddressNames, 0x8015);
+    Open();
+    const LONG numbers[] = {0x8015, 0x8016};
+    store.FailNext("IMAPIFolder", StoreFault::FixedNames);
+    EXPECT_THAT(FindNamedTags(*folder.Get(), Proxy(), kAddressNames, numbers),
+                ElementsAre(kUnknownNameTag, kUnknownNameTag));
+}
+
 // None of them is made known by being asked for.
 TEST_F(NamedTagsTest, CreatesNoName)
 {

@@ -500,23 +500,44 @@ TEST_F(OutlookProviderFaultLogTest, EveryCallOfAWalkOverNestedFoldersMayFail)
 TEST_F(OutlookProviderFaultTest, HostileAnswersDoNoHarm)
 {
     for (const bool byFallback : {false, true})
-        RunFaults(
-            {
-                .name = "logon on a hostile store",
-                .setUp =
-                    [&](RecordingStore& store) {
-                        AddStoreWithIdentity(store);
-                        AddCategories(store);
-                        store.AddFolder("projects", "inbox", L"IPF.Contact");
-                        store.AddFolder("deleted", "wastebasket", L"IPF.Contact");
-                        if (byFallback)
-                            RemoveContactsProperty(store);
-                    },
-                .action = [&] { LogOnAndEnd(); },
-                .check = [&](const FaultRun&,
-                             RecordingStore&) { EXPECT_TRUE(result == S_OK || result == E_FAIL); },
-            },
-            kHostileStoreFaults);
+    {
+        const FaultScenario scenario = {
+            .name = "logon on a hostile store",
+            .setUp =
+                [&](RecordingStore& store) {
+                    AddStoreWithIdentity(store);
+                    AddCategories(store);
+                    store.AddFolder("projects", "inbox", L"IPF.Contact");
+                    store.AddFolder("deleted", "wastebasket", L"IPF.Contact");
+                    if (byFallback)
+                        RemoveContactsProperty(store);
+                },
+            .action = [&] { LogOnAndEnd(); },
+            .check = [&](const FaultRun&,
+                         RecordingStore&) { EXPECT_TRUE(result == S_OK || result == E_FAIL); },
+            .bystanders = {"categories", "contacts", "inbox", "projects", "subtree", "root"},
+        };
+        RunFaults(scenario, kHostileStoreFaults);
+        RunHostileAnswers(scenario);
+    }
+}
+
+// A store that shows the same folders below each folder, named anew each time.
+TEST_F(OutlookProviderFaultTest, ATreeOfFoldersWithoutEndIsGivenUp)
+{
+    RecordingStore store;
+    AddStoreWithIdentity(store);
+    AddCategories(store);
+    store.AddFolder("projects", "inbox");
+    store.AddFolder("family", "contacts");
+    store.FailNext("IMAPITable(inbox hierarchy table).QueryRows", StoreFault::EndlessFolders);
+    LogOnAndEnd();
+    EXPECT_EQ(1u, store.SpoiledOutputs());
+    EXPECT_EQ(S_OK, result);
+    // Each of 8,192 folders is opened and its table read, at about nine calls.
+    EXPECT_GT(store.FailableCalls(), 8'192u);
+    EXPECT_LT(store.FailableCalls(), 200'000u);
+    EXPECT_EQ("", store.Complaints());
 }
 
 // Calls that fail although they gave what was asked for. Rows and values of a failed reading are

@@ -39,6 +39,17 @@ TEST(PropertyViewTest, ReadsValuesByPosition)
     EXPECT_EQ(6u, view.Time(3)->dwHighDateTime);
 }
 
+TEST(PropertyViewTest, ABinaryOfBytesAtNullIsAbsent)
+{
+    std::vector<SPropValue> values = Values();
+    values[2].Value.bin = {3, nullptr};
+    const PropertyView view(4, values.data());
+    EXPECT_FALSE(view.Binary(2));
+    values[2].Value.bin.cb = 0;
+    ASSERT_TRUE(view.Binary(2));
+    EXPECT_EQ(0u, view.Binary(2)->cb);
+}
+
 // More values lie in memory than were delivered.
 TEST(PropertyViewTest, AValueAtOrPastTheDeliveredCountIsAbsent)
 {

@@ -1,6 +1,6 @@
 #include "tests/recordingstore/library/BookObject.h"
 
-#include "tests/recordingstore/library/Delivery.h"
+#include "tests/recordingstore/library/HostileAnswers.h"
 
 namespace
 {
@@ -29,9 +29,15 @@ HRESULT AddressBookObject::OpenEntry(
 {
     return RunCall(
         Begin(OpenEntryText(size, entryId, interfaceId, flags, type)),
-        [&](StoreFault) {
-            return OpenNode(
-                TheLibrary().content.Book(), size, entryId, interfaceId, flags, type, object);
+        [&](StoreFault fault) {
+            return OpenNode(TheLibrary().content.Book(),
+                            size,
+                            entryId,
+                            interfaceId,
+                            flags,
+                            fault,
+                            type,
+                            object);
         },
         object);
 }
@@ -40,13 +46,14 @@ HRESULT AddressBookObject::GetPAB(ULONG* size, LPENTRYID* entryId)
 {
     return RunCall(
         Begin("GetPAB()"),
-        [&](StoreFault) -> HRESULT {
+        [&](StoreFault fault) -> HRESULT {
             if (!size || !entryId)
                 return MAPI_E_INVALID_PARAMETER;
             const NodePtr book = TheLibrary().content.Book();
             if (!book)
                 return MAPI_E_NOT_FOUND;
             DeliverEntryId(book->entryId, book->name, size, entryId);
+            SpoilEntryId(fault, *size, *entryId);
             return S_OK;
         },
         size,
@@ -89,8 +96,8 @@ HRESULT BookContainerObject::OpenEntry(
 {
     return RunCall(
         Begin(OpenEntryText(size, entryId, interfaceId, flags, type)),
-        [&](StoreFault) {
-            return OpenNode(m_node, size, entryId, interfaceId, flags, type, object);
+        [&](StoreFault fault) {
+            return OpenNode(m_node, size, entryId, interfaceId, flags, fault, type, object);
         },
         object);
 }

@@ -34,6 +34,8 @@ void Content::Clear()
     receiveFolders.clear();
     m_lastEntry = 0;
     m_lastNew = 0;
+    m_lastFresh = 0;
+    hasEndlessFolders = false;
     clock = kFirstTime;
     clockStep = kSecond;
     defaultStore = "store";
@@ -162,11 +164,21 @@ NodePtr Content::Find(const std::string& name) const
     return found == m_byName.end() ? nullptr : found->second;
 }
 
+ByteString Content::Freshened(ByteString entryId)
+{
+    ++m_lastFresh;
+    const auto* const bytes = reinterpret_cast<const BYTE*>(&m_lastFresh);
+    entryId.insert(entryId.end(), bytes, bytes + kFreshBytes);
+    return entryId;
+}
+
 std::pair<NodePtr, bool> Content::FindEntry(const void* entryId, std::size_t size) const
 {
     if (!entryId || size == 0)
         return {};
     const auto* const bytes = static_cast<const BYTE*>(entryId);
+    if (hasEndlessFolders && size == kEntryIdBytes + kFreshBytes)
+        size = kEntryIdBytes;
     const auto found = m_byEntryId.find(ByteString(bytes, bytes + size));
     return found == m_byEntryId.end() ? std::pair<NodePtr, bool>() : found->second;
 }

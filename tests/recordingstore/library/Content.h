@@ -95,6 +95,12 @@ class Content
     std::uint64_t clockStep = 0;
     std::uint64_t NextTime();
 
+    // Whether the tree of folders has no end; see StoreFault::EndlessFolders.
+    bool hasEndlessFolders = false;
+    // That many bytes more have entry IDs in such a tree.
+    static constexpr std::size_t kFreshBytes = 8;
+    ByteString Freshened(ByteString entryId);
+
     void SetEntryId(const NodePtr& node, const ByteString& entryId);
     void SetRowEntryId(const NodePtr& node, const ByteString& entryId);
 
@@ -116,4 +122,5 @@ class Content
     std::vector<NodePtr> m_retired;
     ULONG m_lastEntry = 0;
     unsigned m_lastNew = 0;
+    std::uint64_t m_lastFresh = 0;
 };

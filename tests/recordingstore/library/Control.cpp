@@ -244,7 +244,8 @@ class Control final : public IRecordingStore
                 static_cast<unsigned>(TheLibrary().memory.LiveCount()),
                 TheRecorder().InitialisedTimes(),
                 TheRecorder().refusedFrees,
-                TheRecorder().FailableCalls()};
+                TheRecorder().FailableCalls(),
+                TheRecorder().spoiledOutputs};
     }
     void Violations(StoreTextSink sink, void* context) noexcept override
     {

@@ -2,6 +2,7 @@
 
 #include "tests/recordingstore/library/BookObject.h"
 #include "tests/recordingstore/library/FolderObject.h"
+#include "tests/recordingstore/library/HostileAnswers.h"
 #include "tests/recordingstore/library/MessageObject.h"
 
 #include <algorithm>
@@ -22,6 +23,44 @@ template <typename Object> HRESULT Give(Object* made, ULONG objectType, ULONG* t
     *out = made;
     return S_OK;
 }
+
+bool IsContainer(const Node& node)
+{
+    return node.kind == NodeKind::MessageFolder || node.kind == NodeKind::BookContainer;
+}
+
+// The first item that lies in a node or below; null where there is none.
+NodePtr FirstItemIn(const Node& node)
+{
+    for (const NodePtr& child : node.children)
+    {
+        if (!IsContainer(*child))
+            return child;
+        if (NodePtr item = FirstItemIn(*child))
+            return item;
+    }
+    return nullptr;
+}
+
+// An item for a container and a container for all else; the node itself where there is none.
+NodePtr OtherThan(const NodePtr& node)
+{
+    const Content& content = TheLibrary().content;
+    const NodePtr store = content.Stores().front();
+    NodePtr other;
+    if (IsContainer(*node))
+    {
+        other = FirstItemIn(*node);
+        if (!other)
+            other = FirstItemIn(*store);
+    }
+    else
+        other = node->parent ? content.Find(node->parent->name) : content.RootOf(*store);
+    if (!other)
+        return node;
+    CountSpoiled();
+    return other;
+}
 } // namespace
 
 std::string OpenEntryText(
@@ -36,15 +75,18 @@ HRESULT OpenNode(const NodePtr& root,
                  const void* entryId,
                  LPCIID interfaceId,
                  ULONG flags,
+                 StoreFault fault,
                  ULONG* type,
                  IUnknown** object)
 {
     if (!object || (size && !entryId))
         return MAPI_E_INVALID_PARAMETER;
     *object = nullptr;
-    const NodePtr node = size == 0 ? root : TheLibrary().content.FindEntry(entryId, size).first;
+    NodePtr node = size == 0 ? root : TheLibrary().content.FindEntry(entryId, size).first;
     if (!node)
         return size == kEntryIdBytes ? MAPI_E_NOT_FOUND : MAPI_E_INVALID_ENTRYID;
+    if (fault == StoreFault::OtherObject)
+        node = OtherThan(node);
     const auto isFor = [&](auto answers) { return !interfaceId || answers(*interfaceId); };
     switch (node->kind)
     {

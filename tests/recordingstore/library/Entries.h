@@ -61,6 +61,7 @@ HRESULT OpenNode(const NodePtr& root,
                  const void* entryId,
                  LPCIID interfaceId,
                  ULONG flags,
+                 StoreFault fault,
                  ULONG* type,
                  IUnknown** object);
 

@@ -2,6 +2,7 @@
 #include "localstore/CompressedRtf.h"
 #include "tests/recordingstore/library/BookObject.h"
 #include "tests/recordingstore/library/Delivery.h"
+#include "tests/recordingstore/library/HostileAnswers.h"
 #include "tests/recordingstore/library/RecordedObject.h"
 #include "tests/recordingstore/library/SessionObject.h"
 #include "tests/recordingstore/library/StreamObject.h"
@@ -31,7 +32,8 @@ void FreeRows(SRowSet* rows, const std::string& line)
 HRESULT ReadAll(IStream* stream, std::vector<std::byte>& bytes)
 {
     constexpr ULONG kPieceBytes = 0x10000;
-    for (;;)
+    constexpr unsigned kMostPieces = 0x10000;
+    for (unsigned pieces = 0; pieces < kMostPieces; ++pieces)
     {
         const std::size_t size = bytes.size();
         if (size > kMaxRtfBytes)
@@ -45,9 +47,11 @@ HRESULT ReadAll(IStream* stream, std::vector<std::byte>& bytes)
         if (read == 0)
             return S_OK;
     }
+    return MAPI_E_TOO_BIG;
 }
 
-HRESULT Unpack(IStream* compressed, const std::string& name, IStream** plain)
+HRESULT
+Unpack(IStream* compressed, const std::string& name, StoreFault fault, IStream** plain)
 {
     std::vector<std::byte> packed;
     if (const HRESULT result = ReadAll(compressed, packed); FAILED(result))
@@ -56,7 +60,9 @@ HRESULT Unpack(IStream* compressed, const std::string& name, IStream** plain)
     if (DecompressRtf(packed, kMaxRtfBytes, text).status != CodecStatus::Ok)
         return MAPI_E_CORRUPT_DATA;
     const auto* const bytes = reinterpret_cast<const BYTE*>(text.data());
-    *plain = NewObject<StreamObject>(name, ByteString(bytes, bytes + text.size()));
+    auto* const stream = NewObject<StreamObject>(name, ByteString(bytes, bytes + text.size()));
+    stream->Behave(MannerOf(fault));
+    *plain = stream;
     return S_OK;
 }
 
@@ -82,6 +88,7 @@ GetOneProp(
     }
     if (fault == StoreFault::WrongTypes)
         SpoilTypes(value, count);
+    SpoilValues(fault, {tag}, ChainedTo(value), value);
     *out = value;
     return S_OK;
 }
@@ -99,6 +106,9 @@ HRESULT QueryAllRows(IMAPITable* table,
     HRESULT result = S_OK;
     if (tags)
         result = table->SetColumns(tags, 0);
+    const std::vector<ULONG> columns =
+        tags ? std::vector<ULONG>(tags->aulPropTag, tags->aulPropTag + tags->cValues)
+             : std::vector<ULONG>();
     if (SUCCEEDED(result) && restriction)
         result = table->Restrict(restriction, 0);
     if (SUCCEEDED(result) && sort)
@@ -124,6 +134,10 @@ HRESULT QueryAllRows(IMAPITable* table,
             SpoilTypes(row.lpProps, row.cValues);
         else if (fault == StoreFault::ShortRows && row.cValues)
             --row.cValues;
+        if (row.cValues == columns.size())
+            SpoilValues(fault, columns, ChainedTo(row.lpProps), row.lpProps);
+        if (fault != StoreFault::LongerArrays)
+            SpoilArray(fault, row.cValues, row.lpProps);
     }
     *rows = all;
     return S_OK;
@@ -255,7 +269,7 @@ extern "C" HRESULT WINAPI RecordedWrapCompressedRTFStream(IStream* compressed,
                                             kStoreExports);
     return RunCall(
         fault,
-        [&](StoreFault) -> HRESULT {
+        [&](StoreFault way) -> HRESULT {
             if (!compressed || !plain)
                 return MAPI_E_INVALID_PARAMETER;
             if (flags)
@@ -263,7 +277,7 @@ extern "C" HRESULT WINAPI RecordedWrapCompressedRTFStream(IStream* compressed,
             const ObjectLabel* const label = Record().Find(compressed);
             const std::string name = "rtf of " + (label ? label->name : "foreign stream");
             const Recorder::Quiet quiet(Record());
-            return Unpack(compressed, name, plain);
+            return Unpack(compressed, name, way, plain);
         },
         plain);
 }

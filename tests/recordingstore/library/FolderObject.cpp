@@ -22,6 +22,19 @@ void AddFolderRows(const Node& folder, bool allLevels, LONG depth, std::vector<P
             AddFolderRows(*child, allLevels, depth + 1, rows);
     }
 }
+
+// Twice the folders below the subtree, whatever the folder.
+void AddEndlessRows(const Node& folder, std::vector<Properties>& rows)
+{
+    Content& content = TheLibrary().content;
+    for (int i = 0; i < 2; ++i)
+        AddFolderRows(*content.RootOf(folder)->children.front(), false, 1, rows);
+    for (Properties& row : rows)
+    {
+        Value& entryId = row[PROP_ID(PR_ENTRYID)];
+        entryId = BinaryValue(content.Freshened(entryId.bytes));
+    }
+}
 } // namespace
 
 FolderObject::FolderObject(NodePtr node, bool isWritable)
@@ -69,7 +82,10 @@ HRESULT FolderObject::GetHierarchyTable(ULONG flags, LPMAPITABLE* table)
             const bool allLevels = (flags & CONVENIENT_DEPTH) != 0;
             const auto rows = [node = m_node, allLevels] {
                 std::vector<Properties> all;
-                AddFolderRows(*node, allLevels, 1, all);
+                if (TheLibrary().content.hasEndlessFolders)
+                    AddEndlessRows(*node, all);
+                else
+                    AddFolderRows(*node, allLevels, 1, all);
                 return all;
             };
             *table = NewObject<TableObject>(
@@ -84,9 +100,9 @@ HRESULT FolderObject::OpenEntry(
 {
     return RunCall(
         Begin(OpenEntryText(size, entryId, interfaceId, flags, type)),
-        [&](StoreFault) {
+        [&](StoreFault fault) {
             const NodePtr root = TheLibrary().content.RootOf(*m_node);
-            return OpenNode(root, size, entryId, interfaceId, flags, type, object);
+            return OpenNode(root, size, entryId, interfaceId, flags, fault, type, object);
         },
         object);
 }

@@ -1,5 +1,7 @@
 #include "tests/recordingstore/library/MessageObject.h"
 
+#include "tests/recordingstore/library/HostileAnswers.h"
+
 MessageObject::MessageObject(const std::string& name, std::shared_ptr<MessageBag> bag)
     : PropObject("IMessage", name, bag), m_bag(std::move(bag))
 {
@@ -61,7 +63,7 @@ HRESULT MessageObject::CreateAttach(LPCIID interfaceId,
 {
     return RunCall(
         Begin("CreateAttach(" + InterfaceText(interfaceId) + ", " + FlagsText(flags) + ")"),
-        [&](StoreFault) -> HRESULT {
+        [&](StoreFault fault) -> HRESULT {
             if (!number || !attachment)
                 return MAPI_E_INVALID_PARAMETER;
             if (interfaceId && !AttachmentObject::Answers(*interfaceId))
@@ -70,6 +72,7 @@ HRESULT MessageObject::CreateAttach(LPCIID interfaceId,
                 return MAPI_E_NO_ACCESS;
             *number = m_bag->NewAttachNumber();
             *attachment = NewObject<AttachmentObject>(m_bag, *number, true);
+            SpoilNumber(fault, number);
             return S_OK;
         },
         number,

@@ -1,6 +1,7 @@
 #include "tests/recordingstore/library/PropObject.h"
 
 #include "tests/recordingstore/library/Delivery.h"
+#include "tests/recordingstore/library/HostileAnswers.h"
 #include "tests/recordingstore/library/StreamObject.h"
 
 #include <algorithm>
@@ -112,15 +113,18 @@ HRESULT DoGetProps(const PropertyBag& bag,
         wanted.assign(tags->aulPropTag, tags->aulPropTag + tags->cValues);
     if (fault == StoreFault::FewerValues || fault == StoreFault::ShortRows)
         wanted.resize(wanted.empty() ? 0 : wanted.size() - 1);
-    auto* const array = NewArray<SPropValue>(
+    SpoilWanted(fault, wanted);
+    auto* array = NewArray<SPropValue>(
         0, sizeof(SPropValue), static_cast<ULONG>(wanted.size()), "props of " + name);
     const bool isMissing = DeliverValues(
         wanted, [&](USHORT id) { return bag.Get(id); }, isUnicode, ChainedTo(array), array);
     *count = static_cast<ULONG>(wanted.size());
-    *values = array;
     if (fault == StoreFault::WrongTypes)
         SpoilTypes(array, *count);
-    return isMissing ? MAPI_W_ERRORS_RETURNED : S_OK;
+    SpoilValues(fault, wanted, ChainedTo(array), array);
+    SpoilArray(fault, *count, array);
+    *values = array;
+    return isMissing && !IsHostileAnswer(fault) ? MAPI_W_ERRORS_RETURNED : S_OK;
 }
 
 HRESULT
@@ -161,11 +165,13 @@ HRESULT DoSetProps(PropertyBag& bag,
             bag.Put(id, *std::move(value));
     }
     DeliverProblems(found, name, problems);
+    SpoilProblems(fault, problems);
     return S_OK;
 }
 
 HRESULT DoDeleteProps(PropertyBag& bag,
                       const std::string& name,
+                      StoreFault fault,
                       const SPropTagArray* tags,
                       SPropProblemArray** problems)
 {
@@ -186,11 +192,13 @@ HRESULT DoDeleteProps(PropertyBag& bag,
             bag.Remove(id);
     }
     DeliverProblems(found, name, problems);
+    SpoilProblems(fault, problems);
     return S_OK;
 }
 
 HRESULT DoOpenProperty(const std::shared_ptr<PropertyBag>& bag,
                        const std::string& name,
+                       StoreFault fault,
                        ULONG tag,
                        LPCIID interfaceId,
                        ULONG flags,
@@ -219,8 +227,11 @@ HRESULT DoOpenProperty(const std::shared_ptr<PropertyBag>& bag,
     if (!value)
         return MAPI_E_NOT_FOUND;
     const std::string streamName = name + " " + TagText(tag) + " stream";
-    *object = isWriting ? NewObject<StreamObject>(streamName, value->bytes, bag, id, type)
-                        : NewObject<StreamObject>(streamName, value->bytes);
+    StreamObject* const stream =
+        isWriting ? NewObject<StreamObject>(streamName, value->bytes, bag, id, type)
+                  : NewObject<StreamObject>(streamName, value->bytes);
+    stream->Behave(MannerOf(fault));
+    *object = stream;
     return S_OK;
 }
 
@@ -255,6 +266,7 @@ HRESULT DoGetIDsFromNames(const std::string& name,
     if (fault == StoreFault::WrongTypes)
         for (ULONG& tag : ids)
             tag = CHANGE_PROP_TYPE(tag, PT_OBJECT);
+    SpoilNames(fault, ids);
     *tags = NewTags(ids, "names of " + name);
     return isMissing ? MAPI_W_ERRORS_RETURNED : S_OK;
 }

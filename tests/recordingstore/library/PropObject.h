@@ -24,10 +24,12 @@ HRESULT DoSetProps(PropertyBag& bag,
                    SPropProblemArray** problems);
 HRESULT DoDeleteProps(PropertyBag& bag,
                       const std::string& name,
+                      StoreFault fault,
                       const SPropTagArray* tags,
                       SPropProblemArray** problems);
 HRESULT DoOpenProperty(const std::shared_ptr<PropertyBag>& bag,
                        const std::string& name,
+                       StoreFault fault,
                        ULONG tag,
                        LPCIID interfaceId,
                        ULONG flags,
@@ -76,8 +78,8 @@ template <typename Base> class PropObject : public Base
         return RunCall(
             this->Begin("OpenProperty(" + TagText(tag) + ", " + InterfaceText(interfaceId) + ", " +
                         std::to_string(options) + ", " + FlagsText(flags) + ")"),
-            [&](StoreFault) {
-                return DoOpenProperty(m_bag, this->Name(), tag, interfaceId, flags, object);
+            [&](StoreFault fault) {
+                return DoOpenProperty(m_bag, this->Name(), fault, tag, interfaceId, flags, object);
             },
             object);
     }
@@ -95,7 +97,9 @@ template <typename Base> class PropObject : public Base
     {
         return RunCall(
             this->Begin("DeleteProps(" + TagsText(tags) + (problems ? ", problems)" : ")")),
-            [&](StoreFault) { return DoDeleteProps(*m_bag, this->Name(), tags, problems); },
+            [&](StoreFault fault) {
+                return DoDeleteProps(*m_bag, this->Name(), fault, tags, problems);
+            },
             problems);
     }
     STDMETHODIMP GetIDsFromNames(ULONG count,

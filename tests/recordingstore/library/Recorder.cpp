@@ -15,6 +15,7 @@ void Recorder::Clear()
     m_initialised = 0;
     m_thread = 0;
     refusedFrees = 0;
+    spoiledOutputs = 0;
 }
 
 void Recorder::ClearRecord()

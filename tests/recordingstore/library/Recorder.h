@@ -52,6 +52,7 @@ class Recorder
     unsigned FailableCalls() const { return m_failable; }
 
     unsigned refusedFrees = 0;
+    unsigned spoiledOutputs = 0; // by hostile answers
 
     // While one lives, calls are the library's own and are not written down.
     class Quiet

@@ -1,5 +1,6 @@
 #include "tests/recordingstore/library/SessionObject.h"
 
+#include "tests/recordingstore/library/HostileAnswers.h"
 #include "tests/recordingstore/library/StoreObject.h"
 
 HRESULT SessionObject::GetMsgStoresTable(ULONG flags, LPMAPITABLE* table)
@@ -53,8 +54,8 @@ HRESULT SessionObject::OpenEntry(
 {
     return RunCall(
         Begin(OpenEntryText(size, entryId, interfaceId, flags, type)),
-        [&](StoreFault) {
-            return OpenNode(nullptr, size, entryId, interfaceId, flags, type, object);
+        [&](StoreFault fault) {
+            return OpenNode(nullptr, size, entryId, interfaceId, flags, fault, type, object);
         },
         object);
 }
@@ -63,13 +64,14 @@ HRESULT SessionObject::QueryIdentity(ULONG* size, LPENTRYID* entryId)
 {
     return RunCall(
         Begin("QueryIdentity()"),
-        [&](StoreFault) -> HRESULT {
+        [&](StoreFault fault) -> HRESULT {
             if (!size || !entryId)
                 return MAPI_E_INVALID_PARAMETER;
             const NodePtr identity = TheLibrary().content.Identity();
             if (!identity)
                 return MAPI_E_NOT_FOUND;
             DeliverEntryId(identity->entryId, identity->name, size, entryId);
+            SpoilEntryId(fault, *size, *entryId);
             return S_OK;
         },
         size,

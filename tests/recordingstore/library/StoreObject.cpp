@@ -1,5 +1,7 @@
 #include "tests/recordingstore/library/StoreObject.h"
 
+#include "tests/recordingstore/library/HostileAnswers.h"
+
 #include <cstring>
 #include <cwctype>
 
@@ -64,9 +66,9 @@ HRESULT StoreObject::OpenEntry(
 {
     return RunCall(
         Begin(OpenEntryText(size, entryId, interfaceId, flags, type)),
-        [&](StoreFault) {
+        [&](StoreFault fault) {
             const NodePtr root = TheLibrary().content.RootOf(*m_node);
-            return OpenNode(root, size, entryId, interfaceId, flags, type, object);
+            return OpenNode(root, size, entryId, interfaceId, flags, fault, type, object);
         },
         object);
 }
@@ -81,7 +83,7 @@ HRESULT StoreObject::GetReceiveFolder(
     return RunCall(
         Begin("GetReceiveFolder(" + classText + ", " + FlagsText(flags) +
               (explicitClass ? ", class)" : ")")),
-        [&](StoreFault) -> HRESULT {
+        [&](StoreFault fault) -> HRESULT {
             if (!size || !entryId)
                 return MAPI_E_INVALID_PARAMETER;
             if (flags & ~MAPI_UNICODE)
@@ -102,6 +104,7 @@ HRESULT StoreObject::GetReceiveFolder(
             if (!folder)
                 return MAPI_E_NOT_FOUND;
             DeliverEntryId(folder->entryId, folder->name, size, entryId);
+            SpoilEntryId(fault, *size, *entryId);
             if (explicitClass)
                 *explicitClass = static_cast<LPTSTR>(
                     CopyClass(found->second.first, isUnicode, "receive class of " + Name()));

@@ -1,5 +1,7 @@
 #include "tests/recordingstore/library/StreamObject.h"
 
+#include "tests/recordingstore/library/HostileAnswers.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -15,6 +17,19 @@ StreamObject::StreamObject(
 {
 }
 
+HRESULT StreamObject::ReadBadly(BYTE* buffer, ULONG size, ULONG& given)
+{
+    if (m_manner == StoreFault::BreakingStream && m_position > 0)
+        return STG_E_READFAULT;
+    const ULONG most = m_manner == StoreFault::EmptyStream     ? 0
+                       : m_manner == StoreFault::EndlessStream ? size
+                                                               : 1;
+    given = std::min(size, most);
+    std::fill_n(buffer, given, static_cast<BYTE>('x'));
+    m_position += given;
+    return S_OK;
+}
+
 HRESULT StreamObject::Read(void* buffer, ULONG size, ULONG* read)
 {
     return RunCall(
@@ -22,6 +37,14 @@ HRESULT StreamObject::Read(void* buffer, ULONG size, ULONG* read)
         [&](StoreFault fault) -> HRESULT {
             if (!buffer)
                 return STG_E_INVALIDPOINTER;
+            if (m_manner != StoreFault::None)
+            {
+                ULONG given = 0;
+                const HRESULT result = ReadBadly(static_cast<BYTE*>(buffer), size, given);
+                if (read)
+                    *read = given;
+                return result;
+            }
             std::uint64_t there = m_position < m_bytes.size() ? m_bytes.size() - m_position : 0;
             there = std::min<std::uint64_t>(there, size);
             if (fault == StoreFault::FewerValues && there > 0)
@@ -31,6 +54,7 @@ HRESULT StreamObject::Read(void* buffer, ULONG size, ULONG* read)
             m_position += there;
             if (read)
                 *read = static_cast<ULONG>(there);
+            SpoilNumber(fault, read);
             return S_OK;
         },
         read);
@@ -54,6 +78,7 @@ HRESULT StreamObject::Write(const void* bytes, ULONG size, ULONG* written)
             m_position = end;
             if (written)
                 *written = static_cast<ULONG>(count);
+            SpoilNumber(fault, written);
             return S_OK;
         },
         written);

@@ -16,6 +16,9 @@ class StreamObject final : public RecordedObject<IStream, &IID_IStream, &IID_ISe
                  USHORT id,
                  ULONG type);
 
+    // From now on it reads in the manner of that answer, one about streams.
+    void Behave(StoreFault manner) { m_manner = manner; }
+
     STDMETHODIMP Read(void* buffer, ULONG size, ULONG* read) override;
     STDMETHODIMP Write(const void* bytes, ULONG size, ULONG* written) override;
     STDMETHODIMP Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* position) override;
@@ -39,6 +42,10 @@ class StreamObject final : public RecordedObject<IStream, &IID_IStream, &IID_ISe
     STDMETHODIMP Clone(IStream**) override { return NotOffered("Clone"); }
 
   private:
+    // What a read of so many bytes gives where the manner is not to read; fails in its own way.
+    HRESULT ReadBadly(BYTE* buffer, ULONG size, ULONG& given);
+
+    StoreFault m_manner = StoreFault::None;
     ByteString m_bytes;
     std::uint64_t m_position = 0;
     std::shared_ptr<PropertyBag> m_target;

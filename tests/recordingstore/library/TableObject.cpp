@@ -1,12 +1,20 @@
 #include "tests/recordingstore/library/TableObject.h"
 
 #include "tests/recordingstore/library/Delivery.h"
+#include "tests/recordingstore/library/HostileAnswers.h"
 
 #include <algorithm>
 
 namespace
 {
 constexpr ULONG kMaxColumns = 0xFFFF;
+
+std::vector<Properties> Twice(std::vector<Properties> rows)
+{
+    const std::vector<Properties> again = rows;
+    rows.insert(rows.end(), again.begin(), again.end());
+    return rows;
+}
 } // namespace
 
 TableObject::TableObject(const std::string& name,
@@ -68,6 +76,7 @@ HRESULT TableObject::GetRowCount(ULONG flags, ULONG* count)
             *count = static_cast<ULONG>(Shown().size());
             if (fault == StoreFault::FewerValues && *count)
                 --*count;
+            SpoilNumber(fault, count);
             return S_OK;
         },
         count);
@@ -149,11 +158,20 @@ HRESULT TableObject::QueryRows(LONG count, ULONG flags, LPSRowSet* rows)
                 return MAPI_E_INVALID_PARAMETER;
             if (flags & ~TBL_NOADVANCE)
                 return MAPI_E_UNKNOWN_FLAGS;
-            const std::vector<Properties> shown = Shown();
+            if (fault == StoreFault::EndlessFolders)
+            {
+                CountSpoiled();
+                TheLibrary().content.hasEndlessFolders = true;
+            }
+            std::vector<Properties> shown = Shown();
+            if (fault == StoreFault::LongerArrays)
+                shown = Twice(shown);
             std::size_t first = std::min(m_position, shown.size());
             std::size_t end = shown.size();
             // A negative count goes back; rows come in table order all the same.
-            if (count >= 0)
+            if (fault == StoreFault::LongerArrays)
+                CountSpoiled();
+            else if (count >= 0)
                 end = std::min(end, first + static_cast<std::size_t>(count));
             else
             {
@@ -170,10 +188,11 @@ HRESULT TableObject::QueryRows(LONG count, ULONG flags, LPSRowSet* rows)
             std::vector<ULONG> columns = m_columns;
             if (fault == StoreFault::ShortRows && !columns.empty())
                 columns.pop_back();
+            SpoilWanted(fault, columns);
             for (ULONG i = 0; i < size; ++i)
             {
                 const Properties& row = shown[first + i];
-                auto* const values = static_cast<SPropValue*>(
+                auto* values = static_cast<SPropValue*>(
                     memory.Allocate(columns.size() * sizeof(SPropValue), "a row of " + Name()));
                 set->aRow[i] = {0, static_cast<ULONG>(columns.size()), values};
                 set->cRows = i + 1;
@@ -188,6 +207,8 @@ HRESULT TableObject::QueryRows(LONG count, ULONG flags, LPSRowSet* rows)
                     values);
                 if (fault == StoreFault::WrongTypes)
                     SpoilTypes(values, set->aRow[i].cValues);
+                SpoilValues(fault, columns, ChainedTo(values), values);
+                SpoilArray(fault, set->aRow[i].cValues, set->aRow[i].lpProps);
             }
             *rows = set;
             if (!(flags & TBL_NOADVANCE))
