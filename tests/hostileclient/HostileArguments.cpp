@@ -79,8 +79,10 @@ HostileArguments::HostileArguments(Callee callee)
     if (callee == Callee::InThisProcess)
         m_ownItems.push_back(
             std::make_unique<HostileItem>(HostileItem::Query::GivesNull, HostileItem::Text::Fails));
-    for (const auto& item : m_ownItems)
-        AddItem("own item " + std::to_string(m_items.size()), item.get());
+    // Another process would keep proxies of them beyond the calls.
+    if (callee == Callee::InThisProcess)
+        for (const auto& item : m_ownItems)
+            AddItem("own item " + std::to_string(m_items.size()), item.get());
     MakeArrays();
     if (callee == Callee::InThisProcess)
         MakeBrokenArrays();
@@ -147,6 +149,7 @@ void HostileArguments::MakeArrays()
         values.Data()[0].vt = VT_ARRAY | VT_BSTR;
         values.Data()[0].parray = NewArray(VT_BSTR, {{1, 0}});
     }
+    if (!m_items.empty())
     {
         const SafeArrayAccess<IUnknown*> objects(add("objects", NewArray(VT_UNKNOWN, {{2, 0}})));
         objects.Data()[0] = m_ownItems.front().get();
