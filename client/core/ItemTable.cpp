@@ -52,6 +52,7 @@ void FitWidths(std::span<const ItemColumn> columns, std::vector<int>& widths, in
 void ShortenIds(std::vector<ItemRow>& rows)
 {
     std::vector<std::wstring> ids;
+    ids.reserve(rows.size());
     for (const ItemRow& row : rows)
         ids.push_back(row.back());
     const std::vector<std::wstring> shortIds = ShortItemIds(ids, kLeastIdLength);
