@@ -11,7 +11,7 @@ class CVStandard : public CVObject
     CVStandard() noexcept : CVObject(L"STANDARD") {}
 
     // Keeps the four properties below, told by their exact names. Returns 1.
-    int SetProperty(std::wstring_view name, std::wstring_view value) override;
+    int SetProperty(std::wstring_view property, std::wstring_view value) override;
     std::wstring GetProperties() const override;
 
     // Minutes east of UTC from the offset-to text: a sign, two digits of hours, two of minutes;
