@@ -132,6 +132,7 @@ GUID GuidOf(const Bytes& bytes)
 std::vector<Bytes> AllToAnsi(const std::vector<std::wstring>& texts)
 {
     std::vector<Bytes> converted;
+    converted.reserve(texts.size());
     for (const std::wstring& text : texts)
         converted.push_back(AnsiFromWide(text));
     return converted;
@@ -140,6 +141,7 @@ std::vector<Bytes> AllToAnsi(const std::vector<std::wstring>& texts)
 std::vector<std::wstring> AllToWide(const std::vector<Bytes>& texts)
 {
     std::vector<std::wstring> converted;
+    converted.reserve(texts.size());
     for (const Bytes& text : texts)
         converted.push_back(WideFromAnsi(text));
     return converted;

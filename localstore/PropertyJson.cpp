@@ -76,7 +76,7 @@ std::string Base64Text(std::span<const std::byte> bytes)
 }
 
 constexpr auto kBase64Values = [] {
-    std::array<signed char, 256> values{};
+    std::array<std::int16_t, 256> values{};
     values.fill(-1);
     for (int i = 0; i < 64; ++i)
         values[static_cast<unsigned char>(kBase64Digits[i])] = static_cast<signed char>(i);

@@ -83,7 +83,7 @@ HRESULT FolderState::Save(ULONG)
     return S_OK;
 }
 
-HRESULT StoreFolder::Open(std::shared_ptr<StoreSession> session,
+HRESULT StoreFolder::Open(const std::shared_ptr<StoreSession>& session,
                           std::span<const std::byte> entryId,
                           const IID* iid,
                           bool writable,

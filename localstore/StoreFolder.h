@@ -35,7 +35,7 @@ class StoreFolder
     explicit StoreFolder(std::shared_ptr<FolderState> state) : StoreObject(std::move(state)) {}
 
     // Inside StoreSession::Run.
-    static HRESULT Open(std::shared_ptr<StoreSession> session,
+    static HRESULT Open(const std::shared_ptr<StoreSession>& session,
                         std::span<const std::byte> entryId,
                         const IID* iid,
                         bool writable,

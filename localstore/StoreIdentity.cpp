@@ -18,7 +18,7 @@ bool IdentityState::IsComputed(std::uint16_t id) const
     return IsComputedOfIdentity(id);
 }
 
-HRESULT StoreIdentity::Open(std::shared_ptr<StoreSession> session,
+HRESULT StoreIdentity::Open(const std::shared_ptr<StoreSession>& session,
                             std::span<const std::byte> entryId,
                             const IID* iid,
                             IUnknown** object)

@@ -24,7 +24,7 @@ class StoreIdentity : public StoreObject<IdentityState, IMailUser, &IID_IMailUse
     explicit StoreIdentity(std::shared_ptr<IdentityState> state) : StoreObject(std::move(state)) {}
 
     // Inside StoreSession::Run.
-    static HRESULT Open(std::shared_ptr<StoreSession> session,
+    static HRESULT Open(const std::shared_ptr<StoreSession>& session,
                         std::span<const std::byte> entryId,
                         const IID* iid,
                         IUnknown** object);

@@ -3,7 +3,7 @@
 #include "localstore/StoreProfile.h"
 #include "localstore/StoreTable.h"
 
-HRESULT StoreMessage::Open(std::shared_ptr<StoreSession> session,
+HRESULT StoreMessage::Open(const std::shared_ptr<StoreSession>& session,
                            std::span<const std::byte> entryId,
                            const IID* iid,
                            bool writable,

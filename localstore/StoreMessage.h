@@ -12,7 +12,7 @@ class StoreMessage : public StoreObject<MessageState, IMessage, &IID_IMessage>
     explicit StoreMessage(std::shared_ptr<MessageState> state) : StoreObject(std::move(state)) {}
 
     // Inside StoreSession::Run.
-    static HRESULT Open(std::shared_ptr<StoreSession> session,
+    static HRESULT Open(const std::shared_ptr<StoreSession>& session,
                         std::span<const std::byte> entryId,
                         const IID* iid,
                         bool writable,

@@ -44,7 +44,7 @@ bool IsFullPath(const std::wstring& path)
 
 std::wstring StorePath()
 {
-    const std::wstring setting = ReadSetting();
+    std::wstring setting = ReadSetting();
     if (!setting.empty())
     {
         // A relative path would mean another file for each program that opens the store.

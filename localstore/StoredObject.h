@@ -80,7 +80,7 @@ HRESULT SetObjectProps(StoredObject& object,
                        const SPropValue* values,
                        SPropProblemArray** problems);
 HRESULT DeleteObjectProps(StoredObject& object,
-                          const SPropTagArray* tags,
+                          const SPropTagArray* tagArray,
                           SPropProblemArray** problems);
 HRESULT SaveObject(StoredObject& object, ULONG flags);
 HRESULT OpenObjectProperty(const std::shared_ptr<StoredObject>& object,

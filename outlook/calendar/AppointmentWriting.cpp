@@ -77,6 +77,12 @@ std::optional<T> ReadNumber(INAppointment& appointment,
     return number;
 }
 
+struct Recurrence
+{
+    std::vector<std::byte> blob; // empty for a single appointment
+    std::uint32_t type = 0;
+};
+
 // One write: the item's properties, read where the first row needs them, and the values so far.
 class Writer
 {
@@ -110,11 +116,6 @@ class Writer
                IsNamedTag(TagOf(kAppointmentSet, 0x8231));
     }
 
-    struct Recurrence
-    {
-        std::vector<std::byte> blob; // empty for a single appointment
-        std::uint32_t type = 0;
-    };
     const Recurrence& GetRecurrence()
     {
         if (!m_recurrence)

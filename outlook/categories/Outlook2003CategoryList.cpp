@@ -67,7 +67,7 @@ std::wstring COutlook2003CategoryList::AddItem(INEntityItem* item, std::wstring&
     for (std::size_t position = 0; position < Items().size(); ++position)
         if (lstrcmpiW(NameAt(position).c_str(), name.c_str()) == 0)
             return IDOf(*item);
-    const std::wstring id = NewGuidText();
+    std::wstring id = NewGuidText();
     if (id.empty())
         return {};
     item->put_EntityID(Bstr(id).Get());

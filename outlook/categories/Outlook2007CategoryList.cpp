@@ -111,12 +111,12 @@ std::wstring COutlook2007CategoryList::AddItem(INEntityItem* item, std::wstring&
     const ComPtr<INContactCategory> category = QueryItem<INContactCategory>(item);
     if (use.IsNested() || !m_pHelper || !category)
         return {};
-    const std::wstring name = NameOf(*category.Get());
+    std::wstring name = NameOf(*category.Get());
     if (name.empty())
         return {};
     if (!IDOf(*item).empty())
         return name;
-    const std::wstring id = m_document ? NewGuidText() : std::wstring();
+    std::wstring id = m_document ? NewGuidText() : std::wstring();
     if (id.empty())
         return {};
     const DATE utcNow = UtcNow();
