@@ -52,7 +52,7 @@ class CWindowsMailAddressTable : public CAddressTable
     Microsoft::WRL::ComPtr<IABContainer> BookContainer() const;
     std::wstring CurrentText(ULONG tag);
     void AddPicture(INContactItem& contact, PropertyArray& values);
-    BOOL TakeAddedEntry(const SBinary& entryID);
+    BOOL TakeAddedEntry(const SBinary& addedID);
     BOOL TakeTemplate(const SBinary& templateID);
 
     IAddrBook* m_pAddrBook;
