@@ -79,7 +79,7 @@ constexpr auto kBase64Values = [] {
     std::array<std::int16_t, 256> values{};
     values.fill(-1);
     for (int i = 0; i < 64; ++i)
-        values[static_cast<unsigned char>(kBase64Digits[i])] = static_cast<signed char>(i);
+        values[static_cast<unsigned char>(kBase64Digits[i])] = static_cast<std::int16_t>(i);
     return values;
 }();
 
