@@ -13,7 +13,7 @@
 
 namespace
 {
-constexpr ULONG kSizes[] = {1'000, 100'000};
+constexpr ULONG kSizes[] = {1'000, 3'000, 10'000, 30'000, 100'000};
 constexpr ULONG kSizeOfWalks = 10'000;
 constexpr int kRounds = 1;
 // So many in each measurement that the steps of the processor time matter little.
