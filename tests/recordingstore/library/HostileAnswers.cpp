@@ -8,7 +8,7 @@
 namespace
 {
 constexpr ULONG kHugeCount = 1u << 20;
-constexpr ULONG kPretendedCount = 16;
+constexpr ULONG kPretendedCount = 64;
 
 // Gives further blocks; those of the huge values are one for all of them.
 class Blocks
