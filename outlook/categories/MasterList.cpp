@@ -2,12 +2,16 @@
 
 #include "platform/ScopeExit.h"
 
+#include <algorithm>
+
 namespace
 {
 constexpr wchar_t kKey[] = L"Software\\Microsoft\\Office\\11.0\\Outlook\\Categories";
 constexpr wchar_t kValue[] = L"MasterList";
 // How often a value that grows under the reader is asked for.
 constexpr int kMostReadings = 16;
+// Far beyond any list of people.
+constexpr DWORD kMostBytes = 16u << 20;
 
 static_assert((KEY_READ | KEY_WRITE) == 0x2001F);
 } // namespace
@@ -37,11 +41,13 @@ LSTATUS MasterList::ReadValue(std::wstring& text)
         return result;
     for (int readings = 0; readings < kMostReadings; ++readings)
     {
+        if (bytes > kMostBytes)
+            return ERROR_FILE_TOO_LARGE;
         text.assign(bytes / sizeof(wchar_t) + 1, L'\0'); // an odd byte at the end counts for none
         result =
             m_calls.QueryValue(key, kValue, nullptr, reinterpret_cast<BYTE*>(text.data()), &bytes);
         if (result == ERROR_SUCCESS)
-            text.resize(bytes / sizeof(wchar_t));
+            text.resize(std::min<std::size_t>(bytes / sizeof(wchar_t), text.size()));
         // Where it grew meanwhile, the call told the new size.
         if (result != ERROR_MORE_DATA)
             break;

@@ -13,7 +13,8 @@ class MasterList
     explicit MasterList(RegistryCalls& calls = SystemRegistry()) : m_calls(calls) {}
 
     // The value's bytes as a text up to its first zero, whatever type it has: Outlook writes a
-    // string, Write bytes. Empty where there is none, or where it can't be read.
+    // string, Write bytes. Empty where there is none, or where it can't be read, as one of more
+    // than 16 MiB.
     std::wstring Read();
 
     // Stores the text with its terminator as REG_BINARY. A value that the last Read found and could

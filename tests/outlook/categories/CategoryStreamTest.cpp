@@ -109,6 +109,19 @@ TEST_F(CategoryStreamTest, AStreamThatCannotBeReadIsThereAllTheSame)
     EXPECT_EQ("untouched", text);
 }
 
+// A count beside no bytes.
+TEST_F(CategoryStreamTest, AValueWithoutItsBytesIsThereAllTheSame)
+{
+    message.getPropsResult = S_OK;
+    for (const ULONG pretended : {1ul, 64ul})
+    {
+        message.values.front().ulPropTag = kStreamTag;
+        message.values.front().Value.bin = {pretended, nullptr};
+        EXPECT_EQ(CategoryStream::Unreadable, Read()) << pretended;
+    }
+    EXPECT_EQ("untouched", text);
+}
+
 // One byte at a time, for ever.
 TEST_F(CategoryStreamTest, AStreamThatTricklesIsGivenUp)
 {

@@ -22,6 +22,8 @@ class RecordedRegistry final : public RegistryCalls
     std::map<int, LSTATUS> failures;
     // Runs before a call is answered. May be empty.
     std::function<void(int call)> before;
+    // Changes what a query that did its work tells. May be empty.
+    std::function<void(int call, DWORD& size, LSTATUS& result)> spoilQuery;
 
     // One line a call, as "open HKCU\A 0 20019 -> key 1"; what failed ends in "-> error 5".
     const std::vector<std::string>& Lines() const { return m_lines; }
@@ -74,8 +76,11 @@ class RecordedRegistry final : public RegistryCalls
         *size = needed;
         if (fits)
             std::memcpy(bytes, value->bytes.data(), needed);
-        m_lines.back() += " -> " + std::to_string(needed);
-        return bytes && !fits ? Failed(ERROR_MORE_DATA) : ERROR_SUCCESS;
+        LSTATUS result = bytes && !fits ? ERROR_MORE_DATA : ERROR_SUCCESS;
+        if (spoilQuery)
+            spoilQuery(m_calls, *size, result);
+        m_lines.back() += " -> " + std::to_string(*size);
+        return result == ERROR_SUCCESS ? result : Failed(result);
     }
     LSTATUS
     SetValue(HKEY key, const wchar_t* name, DWORD type, const BYTE* bytes, DWORD size) override

@@ -274,6 +274,32 @@ TEST_F(ContactPictureTest, TheCopyStopsAtItsLimit)
     EXPECT_EQ(64u * 1024 * 1024, std::filesystem::file_size(path));
 }
 
+// One byte at a time, or as many as are asked for, for ever. The attachment stays what it was.
+TEST_F(ContactPictureTest, AStreamWithoutAnEndIsGivenUpAndWhatCameIsHandedOn)
+{
+    AddContact("ann", "contacts");
+    store.AddAttachment("ann", Photo(Bytes(3)));
+    const Lines before = store.PropsOf("ann#0");
+    LoadTable();
+    const auto reads = [this] {
+        return std::ranges::count(PictureCalls(), "IStream(ann#0 37010102 stream).Read(16384)");
+    };
+    store.FailNext("IAttach(ann#0).OpenProperty", StoreFault::TricklingStream);
+    const std::wstring trickled = TextIn(Read("ann").Get(), &INContactItem::get_Picture);
+    EXPECT_EQ(65'536, reads());
+    EXPECT_TRUE(std::vector<BYTE>(65'536, 'x') == ContentOf(trickled));
+
+    store.ClearRecord();
+    store.FailNext("IAttach(ann#0).OpenProperty", StoreFault::EndlessStream);
+    const std::wstring endless = TextIn(Read("ann").Get(), &INContactItem::get_Picture);
+    EXPECT_EQ(4096, reads()); // 64 MiB in pieces of 16 KiB
+    EXPECT_EQ(64u * 1024 * 1024, std::filesystem::file_size(endless));
+
+    const std::wstring whole = TextIn(Read("ann").Get(), &INContactItem::get_Picture);
+    EXPECT_EQ(Bytes(3), ContentOf(whole));
+    EXPECT_EQ(before, store.PropsOf("ann#0"));
+}
+
 // --- Writing -----------------------------------------------------------------------------------
 
 TEST_F(CreatePictureTest, FillsMarksAndSavesTheAttachment)

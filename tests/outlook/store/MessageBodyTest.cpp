@@ -26,6 +26,7 @@ class FakeStream final : public StreamWithoutOperations
     bool readBehindSeekFails = false;
     std::size_t lostBehindSeek = 0;
     bool overstates = false;
+    ULONG mostPerPiece = 1024;
 
     STDMETHODIMP Read(void* buffer, ULONG size, ULONG* read) override
     {
@@ -44,7 +45,8 @@ class FakeStream final : public StreamWithoutOperations
         }
         const std::size_t end = bytes.size() - (m_sought ? lostBehindSeek : 0);
         const std::size_t left = end > m_position ? end - m_position : 0;
-        const std::size_t count = std::min<std::size_t>(size, left);
+        const std::size_t most = m_sought ? size : std::min(size, mostPerPiece);
+        const std::size_t count = std::min(most, left);
         std::memcpy(buffer, bytes.data() + m_position, count);
         m_position += count;
         *read = static_cast<ULONG>(overstates && count ? count + size : count);
@@ -348,6 +350,16 @@ TEST_F(MessageBodyTest, RtfBeyondTheLimitIsCutAtTheCountReached)
     EXPECT_EQ(10'486'784u - 7, ReadBody(false).size());
     EXPECT_EQ(RtfCalls(10'486'784), calls);
     EXPECT_EQ(10'241u, rtf.pieces);
+}
+
+// One byte at a time: what comes after 65,536 of them is left where it is.
+TEST_F(MessageBodyTest, RtfThatTricklesIsCutAtTheCountReached)
+{
+    rtf.bytes = "{\\rtf1 " + std::string(70'000, 'a') + "}";
+    rtf.mostPerPiece = 1;
+    EXPECT_EQ(std::wstring(65'536 - 7, L'a'), ReadBody(false));
+    EXPECT_EQ(RtfCalls(65'536), calls);
+    EXPECT_EQ(65'536u, rtf.pieces);
 }
 
 // --- The converter and the log -------------------------------------------------------------------

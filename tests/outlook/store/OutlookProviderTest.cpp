@@ -11,6 +11,7 @@
 #include "support/DebugOutputCapture.h"
 #include "tests/outlook/ExportNames.h"
 #include "tests/outlook/FakeMapi.h"
+#include "tests/outlook/categories/CategoryItems.h"
 #include "tests/outlook/store/OutlookStoreLines.h"
 #include "tests/recordingstore/RecordingStore.h"
 
@@ -329,6 +330,16 @@ TEST_F(OutlookProviderTest, SkipsStoresWithoutAnIdOrAMark)
     EXPECT_THAT(store.Calls(), Not(Contains(HasSubstr("OpenMsgStore"))));
 }
 
+// A count beside no bytes is no ID to open anything by.
+TEST_F(OutlookProviderTest, ARowWithoutTheBytesOfItsIdIsPassedOver)
+{
+    AddUsualStore();
+    store.FailNext("IMAPITable(stores table).QueryRows", StoreFault::NullPointers);
+    EXPECT_EQ(E_FAIL, Logon());
+    EXPECT_EQ(1u, store.SpoiledOutputs());
+    EXPECT_THAT(store.Calls(), Not(Contains(HasSubstr("OpenMsgStore"))));
+}
+
 TEST_F(OutlookProviderTest, AStoreThatCannotBeOpenedFails)
 {
     AddUsualStore();
@@ -595,6 +606,22 @@ TEST_F(OutlookProviderTest, CreatesAnotherCategoryMessageWhereTheOneCannotBeOpen
     EXPECT_THAT(store.ChildrenOf("calendar"), ElementsAre("categories", "new 1"));
     EXPECT_THAT(capture.TakeLogMessages(),
                 Contains(OpenLog("IPM.Configuration.CategoryList", "0000000080004005")));
+}
+
+// The store opens the calendar for it.
+TEST_F(OutlookProviderTest, NoCategoryIsWrittenToAnEntryThatIsNoMessage)
+{
+    AddUsualStore();
+    store.FailNext(Open("categories"), StoreFault::OtherObject);
+    ASSERT_EQ(S_OK, Logon(2010));
+    EXPECT_EQ(1u, store.SpoiledOutputs());
+    const StoreLines before = store.PropsOf("calendar");
+    const auto categories = provider->GetEnumerator(ContactCategory);
+    categories->GetItemIDs();
+    std::wstring folderID;
+    EXPECT_NE(L"", categories->AddItem(CategoryOf(L"Fun").Get(), folderID));
+    EXPECT_EQ(before, store.PropsOf("calendar"));
+    EXPECT_THAT(store.PropsOf("new 1"), Contains(testing::StartsWith("7C080102")));
 }
 
 TEST_F(OutlookProviderTest, FailsWhereTheCategoryMessageCannotBeCreated)
@@ -939,11 +966,13 @@ TEST_F(OutlookProviderTest, AVeryDeepStoreEndsTheWalk)
     for (int level = 0; level < 2000; ++level)
     {
         const std::string name = "level " + std::to_string(level);
-        store.AddFolder(name, parent, level == 200 || level == 1999 ? L"IPF.Contact" : L"");
+        const bool isListed = level == 200 || level == 256 || level == 257 || level == 1999;
+        store.AddFolder(name, parent, isListed ? L"IPF.Contact" : L"");
         parent = name;
     }
     EXPECT_EQ(S_OK, Logon());
-    EXPECT_EQ((Names{L"Contacts*", L"Level 200"}), ContactFolders());
+    // 256 folders are gone into, levels 0 to 255.
+    EXPECT_EQ((Names{L"Contacts*", L"Level 200", L"Level 256"}), ContactFolders());
 }
 
 // --- Identity ------------------------------------------------------------------------------------
