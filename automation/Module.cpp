@@ -1,5 +1,6 @@
 #include "automation/Module.h"
 
+#include "automation/EndWatch.h"
 #include "automation/Registrar.h"
 
 namespace
@@ -17,6 +18,8 @@ const ModuleSystem& DefaultModuleSystem() noexcept
 {
     static constexpr ModuleSystem system = {
         [] { return CoInitialize(nullptr); },
+        [] { CoUninitialize(); },
+        [](UINT exitCode) { TerminateProcess(GetCurrentProcess(), exitCode); },
         [](const wchar_t* name) { return GetModuleHandleW(name) != nullptr; },
         [] { return CreateEventW(nullptr, FALSE, FALSE, nullptr); },
         [](LPTHREAD_START_ROUTINE routine, void* argument) {
@@ -53,11 +56,19 @@ CPimStoreBridgeModule::~CPimStoreBridgeModule()
         row.startOrStop(false);
     m_classObjects.Revoke();
     ReleaseCaches();
-    if (m_bComInitialized)
-        CoUninitialize();
+    if (!m_bComInitialized)
+        return;
+    const EndWatch watch(
+        m_leaveTimeoutMilliseconds, m_system.endProcess, static_cast<UINT>(m_exitCode));
+    m_system.leaveApartment();
 }
 
 int CPimStoreBridgeModule::Run(const wchar_t* commandLine) noexcept
+{
+    return m_exitCode = Act(commandLine);
+}
+
+int CPimStoreBridgeModule::Act(const wchar_t* commandLine) noexcept
 {
     if (m_initFailed)
         return -1;

@@ -20,6 +20,10 @@
 struct ModuleSystem
 {
     HRESULT (*initializeApartment)();
+    // Waits for every client whose objects this process still holds.
+    void (*leaveApartment)();
+    // Ends the process at once, whatever it waits for.
+    void (*endProcess)(UINT exitCode);
     bool (*isModuleLoaded)(const wchar_t* name);
     // An auto-reset event, not signalled; null on failure.
     HANDLE (*createEvent)();
@@ -38,7 +42,8 @@ class CPimStoreBridgeModule : public CServerModule
     // cannot be entered InitFailed() is true. Map and system must outlive the module.
     explicit CPimStoreBridgeModule(std::span<const ObjectMapEntry> map = GetObjectMap(),
                                    const ModuleSystem& system = DefaultModuleSystem()) noexcept;
-    // Calls the map's stop hooks, frees class factories and caches, leaves the apartment.
+    // Calls the map's stop hooks, frees class factories and caches, leaves the apartment. Where
+    // clients keep it from leaving for too long the process ends at once, with Run's exit code.
     ~CPimStoreBridgeModule() override;
 
     // Does what the command line asks for. Returns the process's exit code: the HRESULT of the
@@ -52,6 +57,7 @@ class CPimStoreBridgeModule : public CServerModule
   protected:
     DWORD m_dwTimeOut = 5000; // milliseconds that the server must stay idle before it quits
     DWORD m_dwPause = 1000;   // milliseconds between revoking the class objects and the exit
+    DWORD m_leaveTimeoutMilliseconds = 3000; // how long leaving the apartment may take
     // Quit through the monitor thread rather than at once.
     bool m_bDelayShutdown = true;
     // Set by the last unlock, cleared by the monitor thread.
@@ -61,6 +67,7 @@ class CPimStoreBridgeModule : public CServerModule
     DWORD m_dwMainThreadID;
 
   private:
+    int Act(const wchar_t* commandLine) noexcept;
     HRESULT ApplyRegistration(ServerSwitch action) noexcept;
     HRESULT Serve() noexcept;
     bool StartMonitor() noexcept;
@@ -70,6 +77,7 @@ class CPimStoreBridgeModule : public CServerModule
 
     std::span<const ObjectMapEntry> m_map;
     const ModuleSystem& m_system;
+    int m_exitCode = 0;
     ClassObjects m_classObjects;
     // Wakes the monitor thread, which closes it when it ends by itself.
     std::atomic<HANDLE> m_hEventShutdown = nullptr;

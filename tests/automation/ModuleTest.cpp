@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <thread>
@@ -96,6 +97,7 @@ class ShortModule : public CPimStoreBridgeModule
     using CPimStoreBridgeModule::m_dwMainThreadID;
     using CPimStoreBridgeModule::m_dwPause;
     using CPimStoreBridgeModule::m_dwTimeOut;
+    using CPimStoreBridgeModule::m_leaveTimeoutMilliseconds;
 };
 
 // Runs actions at given milliseconds after the start, on the message loop of this thread.
@@ -190,9 +192,11 @@ TEST_F(ModuleTest, StartsWithTheStatedTimesAndCounts)
         using CPimStoreBridgeModule::m_dwMainThreadID;
         using CPimStoreBridgeModule::m_dwPause;
         using CPimStoreBridgeModule::m_dwTimeOut;
+        using CPimStoreBridgeModule::m_leaveTimeoutMilliseconds;
     } module;
     EXPECT_EQ(5000u, module.m_dwTimeOut);
     EXPECT_EQ(1000u, module.m_dwPause);
+    EXPECT_EQ(3000u, module.m_leaveTimeoutMilliseconds);
     EXPECT_TRUE(module.m_bDelayShutdown);
     EXPECT_FALSE(module.m_bActivity);
     EXPECT_TRUE(module.m_bComInitialized);
@@ -537,4 +541,66 @@ TEST_F(ModuleTest, ClassObjectsThatCannotBeRegisteredAreTheExitCode)
     }).join();
     EXPECT_EQ(CO_E_NOTINITIALIZED, exitCode);
     EXPECT_FALSE(delay);
+}
+
+namespace
+{
+// What the end of a module did to its apartment and its process.
+struct EndRecord
+{
+    UniqueHandle processEnded{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    std::atomic<int> ends = 0;
+    std::atomic<UINT> exitCode = 0;
+    bool hasLeft = false;
+};
+EndRecord* g_end = nullptr;
+
+ModuleSystem SystemWithEndRecord(EndRecord& record)
+{
+    g_end = &record;
+    ModuleSystem system = TestSystem();
+    system.endProcess = [](UINT exitCode) {
+        g_end->exitCode = exitCode;
+        ++g_end->ends;
+        SetEvent(g_end->processEnded.Get());
+    };
+    return system;
+}
+} // namespace
+
+TEST_F(ModuleTest, AClientThatNeverTakesItsObjectsBackEndsTheProcessAtOnce)
+{
+    EndRecord record;
+    ModuleSystem system = SystemWithEndRecord(record);
+    system.leaveApartment = [] {
+        g_end->hasLeft = WaitForSingleObject(g_end->processEnded.Get(), 10'000) == WAIT_OBJECT_0;
+        CoUninitialize();
+    };
+    RecordedRegistration::s_result = S_FALSE;
+    {
+        ShortModule module(system);
+        module.m_leaveTimeoutMilliseconds = 50;
+        EXPECT_EQ(S_FALSE, module.Run(L"server.exe -RegServer"));
+        EXPECT_EQ(0, record.ends);
+    }
+    EXPECT_TRUE(record.hasLeft);
+    EXPECT_EQ(1, record.ends);
+    EXPECT_EQ(static_cast<UINT>(S_FALSE), record.exitCode);
+}
+
+TEST_F(ModuleTest, AnApartmentThatIsLeftInTimeLeavesTheProcessToItsOwnEnd)
+{
+    EndRecord record;
+    ModuleSystem system = SystemWithEndRecord(record);
+    system.leaveApartment = [] {
+        g_end->hasLeft = true;
+        CoUninitialize();
+    };
+    {
+        ShortModule module(system);
+        // Wide: the watch may not make the end wait for it either.
+        module.m_leaveTimeoutMilliseconds = 60'000;
+    }
+    EXPECT_TRUE(record.hasLeft);
+    EXPECT_EQ(0, record.ends);
 }
