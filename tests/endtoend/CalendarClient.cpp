@@ -96,11 +96,7 @@ void Signal::Set() const
 
 bool Signal::Wait(DWORD timeoutMilliseconds) const
 {
-    // A client in an apartment answers calls while it waits.
-    DWORD index = 0;
-    HANDLE event = m_event.Get();
-    const HRESULT waited =
-        CoWaitForMultipleHandles(COWAIT_DEFAULT, timeoutMilliseconds, 1, &event, &index);
-    EXPECT_EQ(S_OK, waited);
-    return waited == S_OK;
+    const bool isSet = WaitAndAnswer(m_event.Get(), timeoutMilliseconds);
+    EXPECT_TRUE(isSet);
+    return isSet;
 }

@@ -1,15 +1,11 @@
 // A client of another process that calls every operation of every interface with whatever the
 // marshaller lets through, and goes on to do so. The server stays up, answers everybody else and
 // loses nothing that was stored.
-#include "endtoend/CalendarClient.h"
-#include "endtoend/CalendarFolder.h"
+#include "endtoend/ThreeTasksTest.h"
 #include "hostileclient/HostileCalls.h"
 #include "hostileclient/HugeArguments.h"
 #include "support/Dispatch.h"
 
-#include <gmock/gmock.h>
-
-#include <memory>
 #include <set>
 
 using Microsoft::WRL::ComPtr;
@@ -29,15 +25,12 @@ const NamedClass kItemClasses[] = {{"NContactItem", CLSID_NContactItem},
 
 constexpr WORD kFlags[] = {DISPATCH_METHOD, DISPATCH_PROPERTYGET, DISPATCH_PROPERTYPUT};
 
-class HostileClientTest : public testing::Test
+class HostileClientTest : public ThreeTasksTest
 {
   protected:
-    static void SetUpTestSuite() { s_folder = std::make_unique<CalendarFolder>(); }
-    static void TearDownTestSuite() { s_folder.reset(); }
     void SetUp() override
     {
-        s_folder->Clear();
-        s_folder->Write(L"Work.ics", NumberedCalendar("Task", 3));
+        ThreeTasksTest::SetUp();
         service = StartBackEnd();
         ASSERT_TRUE(service);
         servers = RunningServers();
@@ -55,21 +48,9 @@ class HostileClientTest : public testing::Test
         Bstr name;
         ASSERT_EQ(S_OK, service->GetDefaultProvider(name.Put())) << after;
     }
-    // What was stored is there, and the calendar takes more.
     void ExpectServes()
     {
-        ASSERT_EQ(S_OK, service->StartService(Bstr(kWindowsMail).Get()));
-        const auto calendar = CalendarOf(service.Get());
-        ASSERT_TRUE(calendar);
-        const auto subjects = Subjects(calendar.Get());
-        for (const wchar_t* const task : {L"Task 1", L"Task 2", L"Task 3"})
-            EXPECT_THAT(subjects, testing::Contains(std::wstring(task)));
-        const auto item = Find(calendar.Get(), L"N2");
-        ASSERT_TRUE(item);
-        EXPECT_EQ(S_OK, item->put_Place(Bstr(L"Room 5").Get()));
-        VARIANT_BOOL updated = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, calendar->UpdateAppointment(item.Get(), &updated));
-        EXPECT_THAT(s_folder->Read(L"Work.ics"), testing::HasSubstr("LOCATION:Room 5\r\n"));
+        ThreeTasksTest::ExpectServes(service.Get(), {L"Task 1", L"Task 2", L"Task 3"});
     }
 
     void CallAll(const std::string& name, IUnknown* named)
@@ -109,7 +90,6 @@ class HostileClientTest : public testing::Test
         return made;
     }
 
-    static inline std::unique_ptr<CalendarFolder> s_folder;
     const std::vector<LibraryInterface> interfaces = InterfacesOf(*LibraryIn(ServerPath()).Get());
     HostileArguments values{Callee::InAnotherProcess};
     std::set<std::string> called; // "INContactItem.get_Emails"

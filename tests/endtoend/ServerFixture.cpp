@@ -30,17 +30,6 @@ std::wstring ImagePath(DWORD processId)
     return {path, length};
 }
 
-// Only a thread with a message queue takes the message.
-void PostQuitToThreads(DWORD processId)
-{
-    const UniqueFile snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
-    THREADENTRY32 entry{};
-    entry.dwSize = sizeof(entry);
-    for (BOOL more = Thread32First(snapshot.Get(), &entry); more;
-         more = Thread32Next(snapshot.Get(), &entry))
-        if (entry.th32OwnerProcessID == processId)
-            PostThreadMessageW(entry.th32ThreadID, WM_QUIT, 0, 0);
-}
 } // namespace
 
 std::wstring TestProgramPath()
@@ -141,10 +130,30 @@ void EndServers(const std::wstring& path)
     }
 }
 
+// Only a thread with a message queue takes the message.
+void AskToEnd(DWORD processId)
+{
+    const UniqueFile snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+    THREADENTRY32 entry{};
+    entry.dwSize = sizeof(entry);
+    for (BOOL more = Thread32First(snapshot.Get(), &entry); more;
+         more = Thread32Next(snapshot.Get(), &entry))
+        if (entry.th32OwnerProcessID == processId)
+            PostThreadMessageW(entry.th32ThreadID, WM_QUIT, 0, 0);
+}
+
+bool WaitAndAnswer(HANDLE handle, DWORD timeoutMilliseconds)
+{
+    DWORD index = 0;
+    return CoWaitForMultipleHandles(COWAIT_DEFAULT, timeoutMilliseconds, 1, &handle, &index) ==
+           S_OK;
+}
+
 void EndProcess(HANDLE process, DWORD processId)
 {
-    PostQuitToThreads(processId);
-    if (WaitForSingleObject(process, 10000) == WAIT_OBJECT_0)
+    AskToEnd(processId);
+    // A server that ends gives back what this client lent it.
+    if (WaitAndAnswer(process, 10000))
         return;
     ADD_FAILURE() << "The server does not end when it is asked to.";
     TerminateProcess(process, 1);

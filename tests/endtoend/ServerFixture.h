@@ -45,8 +45,15 @@ std::vector<DWORD> RunningServers(const std::wstring& path = ServerPath());
 // process does not follow: a killed server's class objects stay behind in the tables of some
 // runtimes, and keep new servers from being started.
 void EndServers(const std::wstring& path = ServerPath());
-// The same for one process.
+// The same for one process. Calls to this client's objects are answered meanwhile.
 void EndProcess(HANDLE process, DWORD processId);
+
+// Asks a process to end, as a log-off would, and goes on at once.
+void AskToEnd(DWORD processId);
+
+// Waits for an event or the end of a process, and answers calls to this client's objects meanwhile.
+// False where it did not come in time.
+bool WaitAndAnswer(HANDLE handle, DWORD timeoutMilliseconds);
 
 // Waits until the process is gone; false where it still runs after that time.
 bool WaitForEnd(DWORD processId, DWORD timeoutMilliseconds);

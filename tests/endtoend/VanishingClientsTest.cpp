@@ -1,14 +1,12 @@
 // Clients whose own item objects never answer: they end inside a call that the server makes to
 // them, or hang in it. The server goes on serving the others.
-#include "endtoend/CalendarClient.h"
-#include "endtoend/CalendarFolder.h"
 #include "endtoend/ProcessUsage.h"
+#include "endtoend/ThreeTasksTest.h"
+#include "hostileclient/HostileItem.h"
 #include "icalendar/RecordingAppointment.h"
-
-#include <gmock/gmock.h>
+#include "platform/SafeArray.h"
 
 #include <algorithm>
-#include <memory>
 
 using Microsoft::WRL::ComPtr;
 
@@ -54,34 +52,27 @@ std::wstring WriterCommandLine(const wchar_t* method, const wchar_t* inside, con
                            std::wstring(method) + L" \"" + inside + L"\" " + fate);
 }
 
-class VanishingClientsTest : public testing::Test
+// Lends an object to a contact and never answers again. Argument: the signal that it does so now.
+int LendAndHang(const std::vector<std::wstring>& arguments)
+{
+    const auto contact = MakeInServer<INContactItem>(CLSID_NContactItem);
+    HostileItem lent{HostileItem::Query::GivesEntity, HostileItem::Text::Fails};
+    const UniqueSafeArray array(SafeArrayCreateVector(VT_UNKNOWN, 0, 1));
+    LONG first = 0;
+    if (!contact || FAILED(SafeArrayPutElement(array.Get(), &first, &lent)) ||
+        contact->put_Emails(array.Get()) != S_OK)
+        return 1;
+    Signal(arguments.at(0)).Set();
+    Sleep(INFINITE);
+    return 0;
+}
+const RegisterRole lendAndHang(L"lend-and-hang", &LendAndHang);
+
+class VanishingClientsTest : public ThreeTasksTest
 {
   protected:
-    static void SetUpTestSuite() { s_folder = std::make_unique<CalendarFolder>(); }
-    static void TearDownTestSuite() { s_folder.reset(); }
-    void SetUp() override
-    {
-        s_folder->Clear();
-        s_folder->Write(L"Work.ics", NumberedCalendar("Task", 3));
-    }
     // Some runtimes never take a dead client's references back: do not leave that server behind.
     void TearDown() override { EndServers(); }
-
-    // The server has lost nothing of its own, and writes.
-    static void ExpectServes(INPersonalInformationService* service)
-    {
-        const auto calendar = CalendarOf(service);
-        ASSERT_TRUE(calendar);
-        const auto item = Find(calendar.Get(), L"N2");
-        ASSERT_TRUE(item);
-        EXPECT_EQ(S_OK, item->put_Place(Bstr(L"Room 5").Get()));
-        VARIANT_BOOL updated = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, calendar->UpdateAppointment(item.Get(), &updated));
-        EXPECT_EQ(VARIANT_TRUE, updated);
-        EXPECT_THAT(s_folder->Read(L"Work.ics"), testing::HasSubstr("LOCATION:Room 5\r\n"));
-    }
-
-    static inline std::unique_ptr<CalendarFolder> s_folder;
 };
 } // namespace
 
@@ -198,4 +189,23 @@ TEST_F(VanishingClientsTest, ServesOthersWhileAClientHangsInsideACall)
     EXPECT_EQ(S_OK, started);
     ExpectServes(service.Get());
     EXPECT_EQ(servers, RunningServers());
+}
+
+// What a client lent is given back at the server's end, and that client never takes it.
+TEST_F(VanishingClientsTest, TheServerEndsBesideAClientThatNeverAnswers)
+{
+    const Signal hangs(L"hangs");
+    const StartedProgram client = StartProgram(RoleCommandLine(L"lend-and-hang", L"hangs"));
+    ASSERT_TRUE(hangs.Wait());
+    const auto servers = RunningServers();
+    ASSERT_EQ(1u, servers.size());
+    AskToEnd(servers[0]);
+    EXPECT_TRUE(WaitForEnd(servers[0], 10000));
+    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(client.process.Get(), 0)) << "It hangs still.";
+    const auto service = StartBackEnd();
+    ASSERT_TRUE(service);
+    ExpectServes(service.Get(), {L"Task 1", L"Task 2", L"Task 3"});
+    EXPECT_NE(servers, RunningServers());
+    TerminateProcess(client.process.Get(), 1);
+    WaitForSingleObject(client.process.Get(), 10000);
 }

@@ -79,10 +79,8 @@ HostileArguments::HostileArguments(Callee callee)
     if (callee == Callee::InThisProcess)
         m_ownItems.push_back(
             std::make_unique<HostileItem>(HostileItem::Query::GivesNull, HostileItem::Text::Fails));
-    // Another process would keep proxies of them beyond the calls.
-    if (callee == Callee::InThisProcess)
-        for (const auto& item : m_ownItems)
-            AddItem("own item " + std::to_string(m_items.size()), item.get());
+    for (const auto& item : m_ownItems)
+        AddItem("own item " + std::to_string(m_items.size()), item.get());
     MakeArrays();
     if (callee == Callee::InThisProcess)
         MakeBrokenArrays();
