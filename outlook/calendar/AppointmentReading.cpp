@@ -36,7 +36,7 @@ struct Target
 std::optional<std::span<const std::byte>> BytesOf(const PropertyView& values, ULONG column)
 {
     const SBinary* const value = values.Binary(column);
-    if (!value || (!value->lpb && value->cb != 0))
+    if (!value)
         return std::nullopt;
     return std::as_bytes(std::span(value->lpb, value->cb));
 }

@@ -87,6 +87,17 @@ TEST_F(CategoryStreamTest, ALargeDocumentIsReadToItsEnd)
     EXPECT_EQ(1u, stream.References());
 }
 
+// 16 MiB are read whole, a byte more is too much.
+TEST_F(CategoryStreamTest, ADocumentIsReadUpToTheLimit)
+{
+    stream.bytes.assign(16u << 20, 'x');
+    EXPECT_EQ(CategoryStream::Read, Read());
+    EXPECT_TRUE(stream.bytes == text);
+    stream.bytes += 'x';
+    stream.given = 0;
+    EXPECT_EQ(CategoryStream::Unreadable, Read());
+}
+
 TEST_F(CategoryStreamTest, AStreamThatCannotBeReadIsThereAllTheSame)
 {
     stream.bytes = "text";
