@@ -1,5 +1,5 @@
-// What the table handles do with item objects: fetch the current one, change interfaces, convert
-// the ID in place.
+// What the tables and their handles do with item objects: fetch the current one, change interfaces,
+// convert the ID in place, tell whether somebody still answers for one.
 #pragma once
 
 #include "platform/Bstr.h"
@@ -33,3 +33,8 @@ template <typename Convert> void RewriteEntityID(INEntityItem& item, Convert con
         return;
     item.put_EntityID(Bstr(convert(TextOf(id.Get()))).Get());
 }
+
+// Whether somebody still answers for the item. Where a client of another process ends in the middle
+// of a write each property of its own item fails from then on, as one without a value does. Reads
+// the ID of such items once more; those of this process are not asked.
+bool IsReachable(INEntityItem& item) noexcept;

@@ -101,7 +101,8 @@ BOOL COutlook2007CategoryList::UpdateItem(INEntityItem* item)
     if (!m_document)
         return FALSE;
     CategoryDocument changed = *m_document;
-    return changed.Rename(IDOf(*item), NameOf(*category.Get()), utcNow) &&
+    // Of a client that has ended no name was read.
+    return changed.Rename(IDOf(*item), NameOf(*category.Get()), utcNow) && IsReachable(*item) &&
            Store(std::move(changed));
 }
 

@@ -169,6 +169,8 @@ void SaveWithoutPicture(IMAPIProp& message, CNProxcy& proxy)
         values.AddBool(WithType(tag, PT_BOOLEAN), false);
         message.SetProps(values.Count(), values.Get(), nullptr);
     }
+    // Kept as it is: a client that ends in the middle of the update leaves the contact cleared.
+    // Pinned by ContactClearingTest.
     message.SaveChanges(KEEP_OPEN_READWRITE);
 }
 } // namespace

@@ -3,6 +3,7 @@
 #include "outlook/store/MapiMemory.h"
 #include "platform/Bstr.h"
 #include "platform/ScopeExit.h"
+#include "service/ItemAccess.h"
 #include "service/Log.h"
 
 using Microsoft::WRL::ComPtr;
@@ -233,7 +234,8 @@ BOOL CContentTable::UpdateItem(INEntityItem* item)
 
     PrepareEntity();
     PropertyArray values = ReadItem(*item, false);
-    if (values.IsEmpty())
+    // Of a client that has ended nothing was read; saving that would take away what is stored.
+    if (values.IsEmpty() || !IsReachable(*item))
         return FALSE;
     // Kept as it is: a failure to set the values stops neither the save nor its success. Pinned by
     // ContentTableUpdateTest.AFailureToSetTheValuesDoesNotStopTheSave.
@@ -279,7 +281,7 @@ std::wstring CContentTable::AddItem(INEntityItem* item, std::wstring& folderID)
     const ScopeExit closed([this] { m_pCurrentEntity.Reset(); });
 
     PropertyArray values = ReadItem(*item, true);
-    if (values.IsEmpty())
+    if (values.IsEmpty() || !IsReachable(*item))
         return {};
     const HRESULT set = SetValues(*entity.Get(), values);
     for (ULONG i = 0; FAILED(set) && i < values.Count(); ++i)
