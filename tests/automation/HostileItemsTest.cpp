@@ -1,10 +1,8 @@
 // Items that a client implements itself and that use the server in the middle of their own write:
 // each call that a table makes to them stops the service, reloads the table, deletes the item, adds
 // another one, walks, or lets go of the table. And items whose contents no store can hold.
-#include "hostileclient/OwnLists.h"
+#include "hostileclient/OwnItems.h"
 #include "tests/automation/HostileFixture.h"
-#include "tests/icalendar/RecordingAppointment.h"
-#include "tests/outlook/contacts/OwnContact.h"
 
 #include <algorithm>
 
@@ -13,41 +11,6 @@ using Microsoft::WRL::ComPtr;
 namespace
 {
 using Action = std::function<void()>;
-
-// An own item over one of the server's; it runs the action inside each call.
-ComPtr<INEntityItem> OwnItem(_tagNEnumeratorType type, INEntityItem* inner, const Action& action)
-{
-    ComPtr<INEntityItem> own;
-    if (type == AddressBook)
-    {
-        const auto contact = OwnContact::Make(QueryItem<INContactItem>(inner));
-        contact->onCall = action;
-        own = contact.Get();
-    }
-    else if (type == Calendar)
-    {
-        const auto appointment = RecordingAppointment::Make();
-        Bstr id;
-        inner->get_EntityID(id.Put());
-        appointment->texts["EntityID"] = TextOf(id.Get());
-        appointment->texts["Subject"] = L"Changed";
-        appointment->onCall = [action](const std::string&) { action(); };
-        own = appointment.Get();
-    }
-    else if (type == ContactGroup)
-    {
-        auto* const group = new OwnGroup(inner);
-        group->onCall = action;
-        own = group;
-    }
-    else
-    {
-        auto* const category = new OwnCategory(inner);
-        category->onCall = action;
-        own = category;
-    }
-    return own;
-}
 
 struct TableOfItems
 {
@@ -99,21 +62,25 @@ class HostileItemsTest : public HostileFixture, public testing::WithParamInterfa
         int calls = 0;
         bool isActing = false;
         const ComPtr<INEntityItem> own =
-            OwnItem(GetParam().type, (isUpdate ? FirstItem() : NewItem()).Get(), [&] {
-                if (isActing || ++calls != number)
-                    return;
-                isActing = true;
-                action();
-                isActing = false;
-            });
+            OwnItem(GetParam().type, (isUpdate ? FirstItem() : NewItem()).Get(), {[&] {
+                        if (isActing || ++calls != number)
+                            return;
+                        isActing = true;
+                        action();
+                        isActing = false;
+                    }});
+        Write(isUpdate, own.Get());
+        return calls;
+    }
+    void Write(bool isUpdate, INEntityItem* item)
+    {
         // The client's own reference may go inside the call.
         INEnumerator* const written = table.Get();
         Bstr id;
         VARIANT_BOOL updated = VARIANT_FALSE;
-        const HRESULT result = isUpdate ? written->UpdateItem(own.Get(), &updated)
-                                        : written->AddItem(own.Get(), id.Put());
+        const HRESULT result =
+            isUpdate ? written->UpdateItem(item, &updated) : written->AddItem(item, id.Put());
         EXPECT_TRUE(result == S_OK || result == E_FAIL) << std::hex << result;
-        return calls;
     }
 
     // Lets an add and an update act at each of their calls in turn, or at each of so many.
@@ -214,6 +181,18 @@ TEST_P(HostileItemsTest, AWalkInsideAnyCallEnds)
 TEST_P(HostileItemsTest, ATableReleasedInsideAnyCallLivesUntilItsEnd)
 {
     ActAtEachCall([&] { table.Reset(); }, [&] { OpenTable(); });
+}
+
+TEST_P(HostileItemsTest, GettersThatAnswerWrongAreWrittenOrRefused)
+{
+    for (const WrongManner manner : kWrongManners)
+        for (const bool isUpdate : {false, true})
+        {
+            const WrongAnswers answers(manner);
+            const ComPtr<INEntityItem> inner = isUpdate ? FirstItem() : NewItem();
+            Write(isUpdate, OwnItem(GetParam().type, inner.Get(), {nullptr, &answers}).Get());
+        }
+    ExpectServes();
 }
 
 // Items of the server's own with what a table cannot store: it writes what it can, or fails.

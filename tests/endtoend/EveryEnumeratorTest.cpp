@@ -1,13 +1,8 @@
 // Every type of enumerator of every back end as a client of another process uses it: all objects
 // come from the server's factory, and items are walked, added, updated and deleted.
-#include "endtoend/CalendarClient.h"
-#include "endtoend/CalendarFolder.h"
-#include "endtoend/EveryKind.h"
-#include "endtoend/MessageStore.h"
+#include "endtoend/StoredItemsTest.h"
 
 #include <gmock/gmock.h>
-
-#include <memory>
 
 using Microsoft::WRL::ComPtr;
 using testing::ElementsAre;
@@ -16,24 +11,12 @@ namespace
 {
 using Texts = std::vector<std::wstring>;
 
-class EveryEnumeratorTest : public testing::TestWithParam<Kind>
+class EveryEnumeratorTest : public StoredItemsTest, public testing::WithParamInterface<Kind>
 {
   protected:
-    static void SetUpTestSuite()
-    {
-        s_store = std::make_unique<MessageStore>(RecordArrays::LeftToTheRuntime);
-        s_folder = std::make_unique<CalendarFolder>();
-    }
-    static void TearDownTestSuite()
-    {
-        s_folder.reset();
-        s_store.reset();
-    }
     void SetUp() override
     {
-        s_store->Load(kOneItemOfEachKind);
-        s_folder->Clear();
-        s_folder->Write(L"Work.ics", NumberedCalendar("Task", 1));
+        StoredItemsTest::SetUp();
         factory = MakeInServer<INObjectFactory>(CLSID_NObjectFactory64);
         ASSERT_TRUE(factory);
         service = Make<INPersonalInformationService>(CLSID_NPersonalInformationService);
@@ -88,8 +71,6 @@ class EveryEnumeratorTest : public testing::TestWithParam<Kind>
         return names;
     }
 
-    static inline std::unique_ptr<MessageStore> s_store;
-    static inline std::unique_ptr<CalendarFolder> s_folder;
     ComPtr<INObjectFactory> factory;
     ComPtr<INPersonalInformationService> service;
 };

@@ -2,6 +2,7 @@
 // hold is that of an object of the server's.
 #pragma once
 
+#include "hostileclient/WrongAnswers.h"
 #include "platform/WindowsHeaders.h"
 #include "service/ItemAccess.h"
 #include "support/EarlyBound.h"
@@ -15,6 +16,7 @@ template <typename Typed> class OwnListItem : public EarlyBound<Typed, INEntityI
 {
   public:
     std::function<void()> onCall;
+    const WrongAnswers* answers = nullptr; // what the getters give, but for those of INEntityItem
 
     STDMETHODIMP QueryInterface(REFIID iid, void** result) override
     {
@@ -61,6 +63,12 @@ template <typename Typed> class OwnListItem : public EarlyBound<Typed, INEntityI
         return target;
     }
     Typed& Inner() { return Told(*m_typed.Get()); }
+    // What a getter gives: the wrong answers, or what read gives of the inner object.
+    template <typename Value, typename Read> HRESULT Give(Value* value, Read read)
+    {
+        Typed& inner = Inner();
+        return answers ? answers->Give(value) : read(inner);
+    }
 
   private:
     INEntityItem& Entity() { return Told(*m_entity.Get()); }
@@ -75,21 +83,27 @@ class OwnGroup final : public OwnListItem<INContactGroup>
   public:
     explicit OwnGroup(INEntityItem* inner) : OwnListItem(inner) {}
 
-    STDMETHODIMP get_GroupID(BSTR* value) override { return Inner().get_GroupID(value); }
+    STDMETHODIMP get_GroupID(BSTR* value) override
+    {
+        return Give(value, [&](auto& inner) { return inner.get_GroupID(value); });
+    }
     STDMETHODIMP put_GroupID(BSTR value) override { return Inner().put_GroupID(value); }
     STDMETHODIMP get_CategoryIDs(SAFEARRAY** value) override
     {
-        return Inner().get_CategoryIDs(value);
+        return Give(value, [&](auto& inner) { return inner.get_CategoryIDs(value); });
     }
     STDMETHODIMP put_CategoryIDs(SAFEARRAY* value) override
     {
         return Inner().put_CategoryIDs(value);
     }
-    STDMETHODIMP get_Name(BSTR* value) override { return Inner().get_Name(value); }
+    STDMETHODIMP get_Name(BSTR* value) override
+    {
+        return Give(value, [&](auto& inner) { return inner.get_Name(value); });
+    }
     STDMETHODIMP put_Name(BSTR value) override { return Inner().put_Name(value); }
     STDMETHODIMP get_Items(LONG subGroups, SAFEARRAY** value) override
     {
-        return Inner().get_Items(subGroups, value);
+        return Give(value, [&](auto& inner) { return inner.get_Items(subGroups, value); });
     }
     STDMETHODIMP put_Items(LONG subGroups, SAFEARRAY* value) override
     {
@@ -102,10 +116,19 @@ class OwnCategory final : public OwnListItem<INContactCategory>
   public:
     explicit OwnCategory(INEntityItem* inner) : OwnListItem(inner) {}
 
-    STDMETHODIMP get_Name(BSTR* value) override { return Inner().get_Name(value); }
+    STDMETHODIMP get_Name(BSTR* value) override
+    {
+        return Give(value, [&](auto& inner) { return inner.get_Name(value); });
+    }
     STDMETHODIMP put_Name(BSTR value) override { return Inner().put_Name(value); }
-    STDMETHODIMP get_Color(LONG* value) override { return Inner().get_Color(value); }
+    STDMETHODIMP get_Color(LONG* value) override
+    {
+        return Give(value, [&](auto& inner) { return inner.get_Color(value); });
+    }
     STDMETHODIMP put_Color(LONG value) override { return Inner().put_Color(value); }
-    STDMETHODIMP get_Items(SAFEARRAY** value) override { return Inner().get_Items(value); }
+    STDMETHODIMP get_Items(SAFEARRAY** value) override
+    {
+        return Give(value, [&](auto& inner) { return inner.get_Items(value); });
+    }
     STDMETHODIMP put_Items(SAFEARRAY* value) override { return Inner().put_Items(value); }
 };

@@ -80,6 +80,8 @@ HRESULT RecordingAppointment::GetText(const std::string& name, BSTR* value)
     *value = nullptr;
     if (!Enter("get " + name))
         return E_FAIL;
+    if (answers && name != "EntityID")
+        return answers->Give(value);
     if (!nulls.contains(name))
         *value = SysAllocString(texts[name].c_str());
     return textResult;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "platform/WindowsHeaders.h"
+#include "tests/hostileclient/WrongAnswers.h"
 #include "tests/support/EarlyBound.h"
 
 #include "PimStoreBridge.h"
@@ -33,6 +34,7 @@ class RecordingAppointment final : public EarlyBound<INAppointment, INEntityItem
     std::function<void(const std::string& call)> onCall; // runs inside each call
     std::vector<std::string> calls;                      // "get Subject", "put Subject [Lunch]"
     bool keepsEntityId = false;                          // put EntityID changes texts["EntityID"]
+    const WrongAnswers* answers = nullptr;               // what the getters give, but for EntityID
     bool isQuiet = false; // tells nothing; counts getEntityIdCalls only
     std::size_t getEntityIdCalls = 0;
 
@@ -103,7 +105,9 @@ class RecordingAppointment final : public EarlyBound<INAppointment, INEntityItem
     {
         // A getter that fails may well have written something before it did.
         *value = given;
-        return Enter("get " + name) ? S_OK : E_FAIL;
+        if (!Enter("get " + name))
+            return E_FAIL;
+        return answers ? answers->Give(value) : S_OK;
     }
 
     ULONG m_references = 1;

@@ -5,6 +5,7 @@
 
 #include "platform/WindowsHeaders.h"
 #include "service/ItemAccess.h"
+#include "tests/hostileclient/WrongAnswers.h"
 #include "tests/support/EarlyBound.h"
 
 #include "PimStoreBridge.h"
@@ -19,7 +20,7 @@
 #define PIM_OWN_PROPERTY(name, type)                                                               \
     STDMETHODIMP get_##name(type* value) override                                                  \
     {                                                                                              \
-        return Told("get " #name) ? m_inner->get_##name(value) : E_FAIL;                           \
+        return Give(value, "get " #name, [&] { return m_inner->get_##name(value); });              \
     }                                                                                              \
     STDMETHODIMP put_##name(type value) override                                                   \
     {                                                                                              \
@@ -29,11 +30,12 @@
 #define PIM_OWN_KINDS(name, kind, type)                                                            \
     STDMETHODIMP get_##name(kind one, type* value) override                                        \
     {                                                                                              \
-        return Told("get " #name, one) ? m_inner->get_##name(one, value) : E_FAIL;                 \
+        const std::string call = WithKind("get " #name, one);                                      \
+        return Give(value, call, [&] { return m_inner->get_##name(one, value); });                 \
     }                                                                                              \
     STDMETHODIMP put_##name(kind one, type value) override                                         \
     {                                                                                              \
-        return Told("put " #name, one) ? m_inner->put_##name(one, value) : E_FAIL;                 \
+        return Told(WithKind("put " #name, one)) ? m_inner->put_##name(one, value) : E_FAIL;       \
     }
 #define PIM_OWN_ENTITY_PROPERTY(name, type)                                                        \
     STDMETHODIMP get_##name(type* value) override                                                  \
@@ -56,10 +58,11 @@ class OwnContact final : public EarlyBound<INContactItem, INEntityItem>
         return contact;
     }
 
-    std::vector<std::string> calls; // "get FirstName", "put PhoneNumber 3"
-    std::set<std::string> failing;  // those that give E_FAIL
-    std::function<void()> onCall;   // runs inside each call
-    SAFEARRAY* emails = nullptr;    // what get_Emails gives in place of the contact's, once
+    std::vector<std::string> calls;        // "get FirstName", "put PhoneNumber 3"
+    std::set<std::string> failing;         // those that give E_FAIL
+    std::function<void()> onCall;          // runs inside each call
+    SAFEARRAY* emails = nullptr;           // what get_Emails gives in place of the contact's, once
+    const WrongAnswers* answers = nullptr; // what the getters give, but for those of INEntityItem
 
     STDMETHODIMP QueryInterface(REFIID iid, void** result) override
     {
@@ -107,12 +110,12 @@ class OwnContact final : public EarlyBound<INContactItem, INEntityItem>
     // clang-format on
     STDMETHODIMP get_Emails(SAFEARRAY** value) override
     {
-        if (!Told("get Emails"))
-            return E_FAIL;
-        if (!emails)
-            return m_inner->get_Emails(value);
-        *value = std::exchange(emails, nullptr);
-        return S_OK;
+        return Give(value, "get Emails", [&]() -> HRESULT {
+            if (!emails)
+                return m_inner->get_Emails(value);
+            *value = std::exchange(emails, nullptr);
+            return S_OK;
+        });
     }
     STDMETHODIMP put_Emails(SAFEARRAY* value) override
     {
@@ -120,7 +123,9 @@ class OwnContact final : public EarlyBound<INContactItem, INEntityItem>
     }
     STDMETHODIMP GetStringByIndex(LONG index, BSTR* text) override
     {
-        return Told("get string", index) ? m_inner->GetStringByIndex(index, text) : E_FAIL;
+        return Give(text, WithKind("get string", index), [&] {
+            return m_inner->GetStringByIndex(index, text);
+        });
     }
     STDMETHODIMP SetStringByIndex(LONG, BSTR) override { return E_NOTIMPL; }
     STDMETHODIMP GetPropertyValue(LONG, VARIANT*) override { return E_NOTIMPL; }
@@ -141,7 +146,18 @@ class OwnContact final : public EarlyBound<INContactItem, INEntityItem>
             onCall();
         return !failing.contains(call);
     }
-    bool Told(const std::string& call, int kind) { return Told(call + ' ' + std::to_string(kind)); }
+    // What a getter gives: the wrong answers, or what the inner one reads.
+    template <typename Value, typename Read>
+    HRESULT Give(Value* value, const std::string& call, Read read)
+    {
+        if (!Told(call))
+            return E_FAIL;
+        return answers ? answers->Give(value) : read();
+    }
+    static std::string WithKind(const std::string& call, int kind)
+    {
+        return call + ' ' + std::to_string(kind);
+    }
 
     ULONG m_references = 1;
     Microsoft::WRL::ComPtr<INContactItem> m_inner;
