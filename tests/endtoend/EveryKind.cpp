@@ -148,4 +148,4 @@ const char kOneItemOfEachKind[] =
          "associated": [
             {"properties": [
                 {"tag": "PR_MESSAGE_CLASS_W", "value": "IPM.Configuration.CategoryList"},
-                {"tag": "0x7C080102", "value": {"hex": "3C723E3C63206E616D653D22576F726B2220677569643D227B417D222F3E3C2F723E"}}]}]}]}})";
+                {"tag": "0x7C080102", "value": {"hex": "3C723E0A202020203C63206E616D653D22576F726B2220677569643D227B417D22202F3E0A3C2F723E0A"}}]}]}]}})";

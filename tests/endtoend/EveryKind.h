@@ -60,5 +60,6 @@ std::ostream& operator<<(std::ostream& out, const Kind& kind);
 std::span<const Kind> EveryKind();
 
 // A message store and an address book, in the form of docs/formats/store_json.md, with one item of
-// each kind; the appointment of the kind in files is "Task 1" of NumberedCalendar.
+// each kind, the category as the server writes it; the appointment of the kind in files is "Task 1"
+// of NumberedCalendar.
 extern const char kOneItemOfEachKind[];
