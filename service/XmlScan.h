@@ -12,7 +12,7 @@
 
 inline constexpr std::size_t kMaxXmlBytes = 16 * 1024 * 1024;
 inline constexpr std::size_t kMaxXmlDepth = 64;         // elements open at the same time
-inline constexpr std::size_t kMaxXmlNodes = 128 * 1024; // elements, texts, attributes and others
+inline constexpr std::size_t kMaxXmlNodes = 512 * 1024; // elements, texts, attributes and others
 inline constexpr std::size_t kMaxXmlAttributes = 1024;  // of one element; the parser searches them
 
 enum class XmlScanResult

@@ -7,13 +7,15 @@
 
 #include <tinyxml.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace
 {
 constexpr char kNever[] = "1601-01-01T00:00:00.000";
-constexpr char kIndent[] = "    ";
-constexpr char kLineBreak[] = "\n";
+constexpr std::string_view kIndent = "    ";
+constexpr std::string_view kLineBreak = "\n";
+constexpr std::string_view kEmptyElementEnd = " />\n";
 
 constexpr char kElement[] = "category";
 constexpr char kName[] = "name";
@@ -63,66 +65,99 @@ Category ReadCategory(const TiXmlElement& element)
     return category;
 }
 
-// IDs are compared unit by unit: no language has a say in braces, digits and letters up to F.
-TiXmlElement* FindElement(TiXmlElement& root, std::wstring_view id)
+// Prints nodes as they stand below a root, between others.
+class NodePrinter
 {
-    for (TiXmlElement* element = root.FirstChildElement(); element;
-         element = element->NextSiblingElement())
+  public:
+    NodePrinter() : m_root("root")
     {
-        const char* const guid = element->Attribute(kGuid);
-        if (guid && WideFromUtf8(guid) == id)
-            return element;
+        m_printer.SetIndent(kIndent.data());
+        m_printer.SetLineBreak(kLineBreak.data());
+        m_root.LinkEndChild(new TiXmlElement("node")); // a text alone would stand beside its tags
+        m_printer.VisitEnter(m_root, nullptr);
     }
-    return nullptr;
-}
+
+    std::string Print(const TiXmlNode& node)
+    {
+        const std::size_t begin = m_printer.Size();
+        node.Accept(&m_printer);
+        return m_printer.Str().substr(begin);
+    }
+
+  private:
+    TiXmlElement m_root;
+    TiXmlPrinter m_printer;
+};
 } // namespace
 
-CategoryDocument::CategoryDocument() : m_document(std::make_unique<TiXmlDocument>())
+struct CategoryDocument::Node
 {
-    m_document->LinkEndChild(new TiXmlDeclaration("1.0", "", ""));
+    std::string lines;                // as they are printed between other nodes
+    std::optional<Category> category; // of an element
+    bool isText = false;              // and no CDATA
+};
+
+CategoryDocument::CategoryDocument()
+{
+    TiXmlDocument document;
+    document.LinkEndChild(new TiXmlDeclaration("1.0", "", ""));
     auto root = std::make_unique<TiXmlElement>("categories");
     for (const Attribute& attribute : kRootAttributes)
         root->SetAttribute(attribute.name, attribute.value);
-    m_document->LinkEndChild(root.release());
+    document.LinkEndChild(root.release());
+    *this = CategoryDocument(document);
 }
 
-CategoryDocument::CategoryDocument(std::unique_ptr<TiXmlDocument> document) noexcept
-    : m_document(std::move(document))
+CategoryDocument::CategoryDocument(TiXmlDocument& document)
 {
+    TiXmlElement& root = *document.RootElement();
+    m_rootName = root.ValueStr();
+    NodePrinter nodes;
+    for (const TiXmlNode* node = root.FirstChild(); node; node = node->NextSibling())
+    {
+        const TiXmlElement* const element = node->ToElement();
+        const TiXmlText* const text = node->ToText();
+        m_nodes.push_back(std::make_shared<const Node>(
+            Node{nodes.Print(*node),
+                 element ? std::optional(ReadCategory(*element)) : std::nullopt,
+                 text && !text->CDATA()}));
+    }
+
+    root.Clear();
+    TiXmlPrinter printer;
+    printer.SetLineBreak(kLineBreak.data());
+    for (const TiXmlNode* node = document.FirstChild(); node; node = node->NextSibling())
+    {
+        node->Accept(&printer);
+        if (node == &root)
+            m_before = printer.Str();
+    }
+    m_behind = printer.Str().substr(m_before.size());
+    m_before.resize(m_before.size() - kEmptyElementEnd.size());
 }
-
-CategoryDocument::CategoryDocument(const CategoryDocument& other)
-    : m_document(std::make_unique<TiXmlDocument>(*other.m_document))
-{
-}
-
-CategoryDocument::CategoryDocument(CategoryDocument&& other) noexcept = default;
-
-CategoryDocument& CategoryDocument::operator=(CategoryDocument other) noexcept
-{
-    m_document = std::move(other.m_document);
-    return *this;
-}
-
-CategoryDocument::~CategoryDocument() = default;
 
 std::optional<CategoryDocument> CategoryDocument::Parse(std::string_view utf8)
 {
     if (ScanXml(utf8) != XmlScanResult::Ok)
         return std::nullopt;
-    auto document = std::make_unique<TiXmlDocument>();
-    document->Parse(std::string(utf8).c_str(), nullptr, TIXML_ENCODING_UTF8);
-    if (document->Error() || !document->RootElement())
+    TiXmlDocument document;
+    document.Parse(std::string(utf8).c_str(), nullptr, TIXML_ENCODING_UTF8);
+    if (document.Error() || !document.RootElement())
         return std::nullopt;
-    return CategoryDocument(std::move(document));
+    return CategoryDocument(document);
+}
+
+std::shared_ptr<const CategoryDocument::Node> CategoryDocument::NodeOf(const TiXmlElement& element)
+{
+    return std::make_shared<const Node>(Node{NodePrinter().Print(element), ReadCategory(element)});
 }
 
 std::vector<Category> CategoryDocument::Categories() const
 {
     std::vector<Category> categories;
-    for (const TiXmlElement* element = m_document->RootElement()->FirstChildElement(); element;
-         element = element->NextSiblingElement())
-        categories.push_back(ReadCategory(*element));
+    for (const auto& node : m_nodes)
+        if (node->category)
+            categories.push_back(*node->category);
     return categories;
 }
 
@@ -151,37 +186,89 @@ void CategoryDocument::Add(std::wstring_view name,
         {"lastSessionUsed", kNever},
         {kGuid, idText.c_str()},
     };
-    auto element = std::make_unique<TiXmlElement>(kElement);
+    TiXmlElement element(kElement);
     for (const Attribute& attribute : attributes)
-        element->SetAttribute(attribute.name, attribute.value);
-    m_document->RootElement()->LinkEndChild(element.release());
+        element.SetAttribute(attribute.name, attribute.value);
+    m_nodes.push_back(NodeOf(element));
 }
 
 bool CategoryDocument::Rename(std::wstring_view id, std::wstring_view name, DATE utcLastUsed)
 {
-    TiXmlElement* const element = FindElement(*m_document->RootElement(), id);
-    if (!element)
+    const auto found = Find(id);
+    if (found == m_nodes.end())
         return false;
-    if (!name.empty())
-    {
-        element->SetAttribute(kName, Utf8FromWide(name).c_str());
-        element->SetAttribute(kLastUsed, FormatCategoryTime(utcLastUsed).c_str());
-    }
+    if (name.empty())
+        return true;
+    TiXmlDocument document;
+    document.Parse((*found)->lines.c_str(), nullptr, TIXML_ENCODING_UTF8);
+    TiXmlElement* const element = document.RootElement();
+    if (document.Error() || !element)
+        return false;
+    element->SetAttribute(kName, Utf8FromWide(name).c_str());
+    element->SetAttribute(kLastUsed, FormatCategoryTime(utcLastUsed).c_str());
+    *found = NodeOf(*element);
     return true;
 }
 
 bool CategoryDocument::Remove(std::wstring_view id)
 {
-    TiXmlElement& root = *m_document->RootElement();
-    TiXmlElement* const element = FindElement(root, id);
-    return element && root.RemoveChild(element);
+    const auto found = Find(id);
+    if (found == m_nodes.end())
+        return false;
+    m_nodes.erase(found);
+    return true;
+}
+
+// IDs are compared unit by unit: no language has a say in braces, digits and letters up to F.
+CategoryDocument::Nodes::iterator CategoryDocument::Find(std::wstring_view id)
+{
+    return std::ranges::find_if(
+        m_nodes, [id](const auto& node) { return node->category && node->category->id == id; });
 }
 
 std::string CategoryDocument::Print() const
 {
-    TiXmlPrinter printer;
-    printer.SetIndent(kIndent);
-    printer.SetLineBreak(kLineBreak);
-    m_document->Accept(&printer);
-    return printer.Str();
+    std::size_t size = m_before.size() + m_rootName.size() + m_behind.size() + 8; // and brackets
+    for (const auto& node : m_nodes)
+        size += node->lines.size();
+    std::string text;
+    text.reserve(size);
+    text += m_before;
+    if (m_nodes.empty())
+    {
+        text += kEmptyElementEnd;
+        return text += m_behind;
+    }
+    text += '>';
+    if (m_nodes.size() == 1 && m_nodes[0]->isText)
+    {
+        // A text alone stands beside its tags.
+        std::string_view line = m_nodes[0]->lines;
+        line.remove_prefix(kIndent.size());
+        line.remove_suffix(kLineBreak.size());
+        text += line;
+    }
+    else
+    {
+        text += kLineBreak;
+        for (const auto& node : m_nodes)
+            text += node->lines;
+    }
+    text += "</";
+    text += m_rootName;
+    text += '>';
+    text += kLineBreak;
+    return text += m_behind;
+}
+
+std::optional<std::string> CategoryDocument::PrintToStore()
+{
+    std::string text = Print();
+    if (m_comesBack)
+        return ScanXml(text) == XmlScanResult::Ok ? std::optional(std::move(text)) : std::nullopt;
+    const auto again = Parse(text);
+    if (!again || again->Categories() != Categories())
+        return std::nullopt;
+    m_comesBack = true;
+    return text;
 }

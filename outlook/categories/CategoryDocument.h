@@ -2,8 +2,9 @@
 // root. Of an element four attributes are read and two are ever changed; whatever else the document
 // holds, attributes, elements and comments, is printed again as it was read. Portable.
 //
-// Documents are values: a change is made on a copy and the copy kept once it has been stored.
-// Format notes: docs/formats/category_list.md
+// Documents are values: a change is made on a copy and the copy kept once it has been stored. What
+// stands below the root is shared by copies, each node as its text: a change of one costs no second
+// printing of the others. Format notes: docs/formats/category_list.md
 #pragma once
 
 #include "platform/Types.h"
@@ -16,6 +17,7 @@
 #include <vector>
 
 class TiXmlDocument;
+class TiXmlElement;
 
 // What is read of an element; absent where it has no such attribute.
 struct Category
@@ -33,10 +35,6 @@ class CategoryDocument
   public:
     // A new list without categories.
     CategoryDocument();
-    CategoryDocument(const CategoryDocument& other);
-    CategoryDocument(CategoryDocument&& other) noexcept;
-    CategoryDocument& operator=(CategoryDocument other) noexcept;
-    ~CategoryDocument();
 
     // The document in these bytes of UTF-8, a byte-order mark in front allowed. Nothing for a text
     // that is damaged, has no root element or is beyond the limits of service/XmlScan.h.
@@ -51,7 +49,8 @@ class CategoryDocument
 
     // Gives the first element with the ID a name and a time of last use.
     // Kept as it is: a category keeps its colour for good. Pinned by CategoryDocumentTest.
-    // Returns: whether there is one. An empty name changes nothing else.
+    // Returns: whether there is one, and whether its own text can be read. An empty name changes
+    // nothing else.
     bool Rename(std::wstring_view id, std::wstring_view name, DATE utcLastUsed);
 
     // Takes the first element with the ID away. Returns: whether there was one.
@@ -60,8 +59,24 @@ class CategoryDocument
     // UTF-8, one node a line, four blanks for each level; no byte-order mark.
     std::string Print() const;
 
-  private:
-    explicit CategoryDocument(std::unique_ptr<TiXmlDocument> document) noexcept;
+    // Print(), where reading it again gives the same categories; else nothing: the document may be
+    // too large by now, and odd markup of others, printed as it came, may not parse. That markup is
+    // tried once: the copies of a document that came back do so too, whatever is changed in them.
+    std::optional<std::string> PrintToStore();
 
-    std::unique_ptr<TiXmlDocument> m_document; // has a root element
+  private:
+    struct Node; // one below the root: an element, a text, a comment or another
+    using Nodes = std::vector<std::shared_ptr<const Node>>;
+
+    // Takes the document apart; it has a root element, which is empty afterwards.
+    explicit CategoryDocument(TiXmlDocument& document);
+
+    static std::shared_ptr<const Node> NodeOf(const TiXmlElement& element);
+    Nodes::iterator Find(std::wstring_view id);
+
+    std::string m_before; // down to the last attribute of the root
+    std::string m_rootName;
+    Nodes m_nodes;
+    std::string m_behind;     // the root
+    bool m_comesBack = false; // the markup of others has been tried
 };

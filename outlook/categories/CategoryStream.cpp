@@ -68,12 +68,11 @@ CategoryStream ReadCategoryStream(IMAPIProp& message, CNProxcy& proxy, std::stri
     return CategoryStream::Read;
 }
 
-bool WriteCategoryStream(IMAPIProp& message, CNProxcy& proxy, const std::string& text)
+bool WriteCategoryStream(IMAPIProp& message, CNProxcy& proxy, std::string text)
 {
-    std::string bytes = text; // values hold plain pointers; the interface does not write through
     SPropValue value = {};
     value.ulPropTag = kStreamTag;
-    value.Value.bin = {static_cast<ULONG>(bytes.size()), reinterpret_cast<BYTE*>(bytes.data())};
+    value.Value.bin = {static_cast<ULONG>(text.size()), reinterpret_cast<BYTE*>(text.data())};
     SPropProblemArray* problems = nullptr;
     const HRESULT set = message.SetProps(1, &value, &problems);
     const auto owned = AdoptMapiBuffer(SUCCEEDED(set) ? problems : nullptr, proxy);

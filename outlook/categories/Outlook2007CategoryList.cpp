@@ -78,13 +78,8 @@ void COutlook2007CategoryList::AppendCategory(const Category& category)
 
 bool COutlook2007CategoryList::Store(CategoryDocument changed)
 {
-    // What would not come back is not written: the document may be too large by now, and odd markup
-    // of others, printed as it came, may not parse.
-    const std::string text = changed.Print();
-    const auto again = CategoryDocument::Parse(text);
-    if (!again || again->Categories() != changed.Categories())
-        return false;
-    if (!WriteCategoryStream(*m_message.Get(), m_pHelper->Proxy(), text))
+    auto text = changed.PrintToStore();
+    if (!text || !WriteCategoryStream(*m_message.Get(), m_pHelper->Proxy(), std::move(*text)))
         return false;
     m_document = std::move(changed);
     return true;

@@ -243,3 +243,84 @@ TEST(CategoryDocumentTest, ACopyIsADocumentOfItsOwn)
     document = std::move(copy);
     EXPECT_EQ(changed, document.Print());
 }
+
+// Each kind of node stays at its place, whatever stands around it by then.
+TEST(CategoryDocumentTest, EveryNodeIsPrintedOnItsLine)
+{
+    auto document = CategoryDocument::Parse(
+        "<?xml version=\"1.0\"?><!-- a --><r>one &amp; two<![CDATA[<x>]]><c guid=\"{A}\">"
+        "in<d>deep</d></c><!odd></r><!-- b --><s/>");
+    ASSERT_TRUE(document);
+    constexpr char kBefore[] = "<?xml version=\"1.0\" ?>\n<!-- a -->\n<r>\n    one &amp; two\n"
+                               "    <![CDATA[<x>]]>\n";
+    constexpr char kBehind[] = "    <!odd>\n</r>\n<!-- b -->\n<s />\n";
+    EXPECT_EQ(std::string(kBefore) +
+                  "    <c guid=\"{A}\">\n        in\n        <d>deep</d>\n    </c>\n" + kBehind,
+              document->Print());
+    EXPECT_TRUE(document->Rename(L"{A}", L"New", kDay));
+    EXPECT_EQ(std::string(kBefore) +
+                  "    <c guid=\"{A}\" name=\"New\" lastTimeUsed=\"2011-03-19T00:00:00.000\">\n"
+                  "        in\n        <d>deep</d>\n    </c>\n" +
+                  kBehind,
+              document->Print());
+    EXPECT_TRUE(document->Remove(L"{A}"));
+    EXPECT_EQ(std::string(kBefore) + kBehind, document->Print());
+}
+
+TEST(CategoryDocumentTest, ATextStandsBesideTheTagsOnlyWhileItIsAlone)
+{
+    auto document = CategoryDocument::Parse(R"(<r a="b">one &lt; two<c guid="{A}"/></r>)");
+    ASSERT_TRUE(document);
+    EXPECT_EQ("<r a=\"b\">\n    one &lt; two\n    <c guid=\"{A}\" />\n</r>\n", document->Print());
+    EXPECT_TRUE(document->Remove(L"{A}"));
+    EXPECT_EQ("<r a=\"b\">one &lt; two</r>\n", document->Print());
+    // CDATA never does.
+    document = CategoryDocument::Parse("<r><![CDATA[one]]></r>");
+    ASSERT_TRUE(document);
+    EXPECT_EQ("<r>\n    <![CDATA[one]]>\n</r>\n", document->Print());
+}
+
+TEST(CategoryDocumentTest, StoresWhatItPrints)
+{
+    CategoryDocument document;
+    EXPECT_EQ(kEmptyList, document.PrintToStore());
+    auto foreign = CategoryDocument::Parse(kForeignList);
+    ASSERT_TRUE(foreign);
+    EXPECT_EQ(foreign->Print(), foreign->PrintToStore());
+    CategoryDocument copy = *foreign;
+    copy.Add(L"<&>", 3, L"{C}", kDay);
+    EXPECT_TRUE(copy.Rename(L"{A}", L"\u65e5 \"'", kDay));
+    EXPECT_EQ(copy.Print(), copy.PrintToStore());
+    EXPECT_TRUE(copy.Remove(L"{B}"));
+    EXPECT_EQ(copy.Print(), copy.PrintToStore());
+}
+
+// The declaration is printed with an end of its own inside.
+TEST(CategoryDocumentTest, StoresNothingThatWouldNotComeBack)
+{
+    auto odd = CategoryDocument::Parse(R"(<?xml version="1&quot;&gt;x"?><r><c guid="{A}"/></r>)");
+    ASSERT_TRUE(odd);
+    EXPECT_EQ(1u, odd->Categories().size());
+    EXPECT_EQ(std::nullopt, odd->PrintToStore());
+    EXPECT_TRUE(odd->Rename(L"{A}", L"New", kDay));
+    EXPECT_EQ(std::nullopt, odd->PrintToStore());
+}
+
+// An element and its 14 attributes are 15 of the 524,288 nodes that are read.
+TEST(CategoryDocumentTest, StoresNoMoreNodesThanItTakesBack)
+{
+    std::string text = "<r>";
+    for (int i = 0; i < 512 * 1024 - 1 - 15; ++i)
+        text += "<c/>";
+    auto document = CategoryDocument::Parse(text + "</r>");
+    ASSERT_TRUE(document);
+    ASSERT_TRUE(document->PrintToStore());
+    CategoryDocument full = *document;
+    full.Add(L"A", 1, L"{A}", kDay);
+    EXPECT_TRUE(full.PrintToStore());
+    CategoryDocument another = full;
+    another.Add(L"B", 1, L"{B}", kDay);
+    EXPECT_EQ(std::nullopt, another.PrintToStore());
+    EXPECT_TRUE(another.Remove(L"{A}"));
+    EXPECT_TRUE(another.PrintToStore());
+}

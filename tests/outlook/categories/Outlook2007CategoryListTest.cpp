@@ -293,7 +293,7 @@ TEST_F(Outlook2007CategoryListTest, ADamagedStreamIsAnEmptyListAndStaysAsItIs)
 TEST_F(Outlook2007CategoryListTest, AStreamThatIsTooLargeToBeParsedIsAnEmptyListAndStaysAsItIs)
 {
     std::string nodes = "<categories>";
-    for (int i = 0; i <= 128 * 1024; ++i)
+    for (int i = 0; i <= 512 * 1024; ++i)
         nodes += "<c/>";
     nodes += "</categories>";
     const std::string bytes = kTwo + std::string(16 * 1024 * 1024 - sizeof kTwo + 2, ' ');
