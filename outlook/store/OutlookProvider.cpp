@@ -66,15 +66,22 @@ template <typename Interface> LPUNKNOWN* OutUnknown(ComPtr<Interface>& pointer)
     return reinterpret_cast<LPUNKNOWN*>(pointer.ReleaseAndGetAddressOf());
 }
 
-// The one value of the tag; null where the object has none.
-MapiBuffer<SPropValue> ReadOne(IMAPIProp* object, ULONG tag, ULONG flags, CNProxcy& proxy)
+// Bytes at null, which no store may be asked for.
+bool IsNullId(const SBinary& entry)
+{
+    return entry.cb != 0 && !entry.lpb;
+}
+
+// The entry ID under the tag; null where the object has none.
+MapiBuffer<SPropValue> ReadEntryId(IMAPIProp* object, ULONG tag, ULONG flags, CNProxcy& proxy)
 {
     TagArray tags({&tag, 1});
     ULONG count = 0;
     SPropValue* values = nullptr;
     object->GetProps(tags.Get(), flags, &count, &values);
     auto owned = AdoptMapiBuffer(values, proxy);
-    if (owned && (count != 1 || PROP_TYPE(owned->ulPropTag) != PROP_TYPE(tag)))
+    if (owned &&
+        (count != 1 || PROP_TYPE(owned->ulPropTag) != PROP_TYPE(tag) || IsNullId(owned->Value.bin)))
         owned.reset();
     return owned;
 }
@@ -104,8 +111,7 @@ class COutlookProvider::Row
     const SBinary* Entry(std::size_t column) const
     {
         const SPropValue* const value = Find(column);
-        return value && (value->Value.bin.lpb || !value->Value.bin.cb) ? &value->Value.bin
-                                                                       : nullptr;
+        return value && !IsNullId(value->Value.bin) ? &value->Value.bin : nullptr;
     }
     const wchar_t* Text(std::size_t column) const
     {
@@ -317,23 +323,23 @@ void COutlookProvider::OpenDefaultFolder(ULONG tag, ComPtr<IMAPIFolder>& folder)
 
     MapiBuffer<SPropValue> value;
     ComPtr<IMAPIProp> inbox;
-    if (SUCCEEDED(received))
+    if (SUCCEEDED(received) && !IsNullId({entrySize, reinterpret_cast<BYTE*>(entry)}))
     {
         ULONG type = 0;
         m_pMsgStore->OpenEntry(
             entrySize, entry, nullptr, MAPI_BEST_ACCESS, &type, OutUnknown(inbox));
         if (inbox)
-            value = ReadOne(inbox.Get(), tag, MAPI_UNICODE, proxy);
+            value = ReadEntryId(inbox.Get(), tag, MAPI_UNICODE, proxy);
     }
     ComPtr<IMAPIProp> root;
     if (!value)
     {
         m_pMsgStore->OpenEntry(0, nullptr, nullptr, MAPI_BEST_ACCESS, nullptr, OutUnknown(root));
         if (root)
-            value = ReadOne(root.Get(), tag, MAPI_UNICODE, proxy);
+            value = ReadEntryId(root.Get(), tag, MAPI_UNICODE, proxy);
     }
     if (!value)
-        value = ReadOne(m_pMsgStore.Get(), tag, MAPI_UNICODE, proxy);
+        value = ReadEntryId(m_pMsgStore.Get(), tag, MAPI_UNICODE, proxy);
     if (!value)
         return;
     HRESULT result = S_OK;
@@ -374,7 +380,7 @@ ComPtr<IMAPITable> COutlookProvider::OpenSubtreeTable()
 {
     LogPrintf(L"=========COutlookProvider::GetExceptedFolder() \r\n");
     ComPtr<IMAPITable> table;
-    const auto subtree = ReadOne(m_pMsgStore.Get(), kSubtreeTag, 0, m_pHelper->Proxy());
+    const auto subtree = ReadEntryId(m_pMsgStore.Get(), kSubtreeTag, 0, m_pHelper->Proxy());
     if (!subtree)
         return table;
     HRESULT result = S_OK;

@@ -268,7 +268,8 @@ class RecordingStore
     // How often an address was to be freed that is no buffer's; it is refused without harm.
     unsigned RefusedFrees() const;
     // Calls that no caller may make: before the library was initialised or after its end, on an
-    // object that has been released, a second free of a buffer, from another thread.
+    // object that has been released, a second free of a buffer, from another thread, with an ID of
+    // bytes at null.
     std::vector<std::string> Violations() const;
     // Names of the live objects and buffers.
     std::vector<std::string> Leaks() const;

@@ -110,7 +110,7 @@ HRESULT BookContainerObject::CreateEntry(ULONG templateSize,
     return RunCall(
         Begin("CreateEntry(" + EntryText(templateSize, templateId) + ", " + FlagsText(flags) + ")"),
         [&](StoreFault) -> HRESULT {
-            if (!entry)
+            if (!entry || IsNullEntry(templateSize, templateId))
                 return MAPI_E_INVALID_PARAMETER;
             const ULONG objectType = TypeOfTemplate(*m_node, templateSize, templateId);
             if (!objectType)

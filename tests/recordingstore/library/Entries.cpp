@@ -63,6 +63,14 @@ NodePtr OtherThan(const NodePtr& node)
 }
 } // namespace
 
+bool IsNullEntry(ULONG size, const void* entryId)
+{
+    const bool isNull = size != 0 && !entryId;
+    if (isNull)
+        TheLibrary().recorder.AddViolation("an ID of " + std::to_string(size) + " bytes at null");
+    return isNull;
+}
+
 std::string OpenEntryText(
     ULONG size, const void* entryId, LPCIID interfaceId, ULONG flags, const ULONG* type)
 {
@@ -79,7 +87,7 @@ HRESULT OpenNode(const NodePtr& root,
                  ULONG* type,
                  IUnknown** object)
 {
-    if (!object || (size && !entryId))
+    if (!object || IsNullEntry(size, entryId))
         return MAPI_E_INVALID_PARAMETER;
     *object = nullptr;
     NodePtr node = size == 0 ? root : TheLibrary().content.FindEntry(entryId, size).first;

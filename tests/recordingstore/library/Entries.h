@@ -51,6 +51,9 @@ class SessionWithoutOperations : public RecordedObject<IMAPISession, &IID_IMAPIS
 };
 #pragma GCC diagnostic pop
 
+// Whether an ID has bytes but no pointer to them. No caller may give one: that is a violation.
+bool IsNullEntry(ULONG size, const void* entryId);
+
 // The text of a call of OpenEntry.
 std::string OpenEntryText(
     ULONG size, const void* entryId, LPCIID interfaceId, ULONG flags, const ULONG* type);

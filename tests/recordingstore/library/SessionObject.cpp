@@ -35,7 +35,7 @@ HRESULT SessionObject::OpenMsgStore(
         Begin("OpenMsgStore(" + std::to_string(uiParam) + ", " + EntryText(size, entryId) + ", " +
               InterfaceText(interfaceId) + ", " + FlagsText(flags) + ")"),
         [&](StoreFault) -> HRESULT {
-            if (!store || (size && !entryId))
+            if (!store || IsNullEntry(size, entryId))
                 return MAPI_E_INVALID_PARAMETER;
             if (interfaceId && !StoreObject::Answers(*interfaceId))
                 return MAPI_E_INTERFACE_NOT_SUPPORTED;
