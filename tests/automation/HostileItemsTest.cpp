@@ -160,12 +160,12 @@ TEST_P(HostileItemsTest, ADeletionInsideAnyCallTakesNothingAway)
 
 TEST_P(HostileItemsTest, AWriteInsideAnyCallIsRefused)
 {
+    const auto stored = FirstItem();
     ActAtEachCall([&] {
         Bstr id;
         VARIANT_BOOL updated = VARIANT_FALSE;
-        const auto item = NewItem();
-        EXPECT_EQ(E_FAIL, table->AddItem(item.Get(), id.Put()));
-        EXPECT_EQ(E_FAIL, table->UpdateItem(item.Get(), &updated));
+        EXPECT_EQ(E_FAIL, table->AddItem(NewItem().Get(), id.Put()));
+        EXPECT_EQ(E_FAIL, table->UpdateItem(stored.Get(), &updated));
     });
 }
 

@@ -12,6 +12,18 @@ ComPtr<INPersonalInformationService> StartBackEnd(const std::wstring& name)
     return SUCCEEDED(started) ? service : nullptr;
 }
 
+HRESULT StartAfterStop(INPersonalInformationService& service, const std::wstring& name)
+{
+    const Bstr text(name);
+    HRESULT started = service.StartService(text.Get());
+    for (int i = 0; i < 100 && started != S_OK; ++i)
+    {
+        Sleep(50);
+        started = service.StartService(text.Get());
+    }
+    return started;
+}
+
 ComPtr<INCalendar> CalendarOf(INPersonalInformationService* service)
 {
     ComPtr<INCalendar> calendar;

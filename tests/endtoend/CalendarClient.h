@@ -16,6 +16,10 @@ inline constexpr wchar_t kOutlookExpress[] = L"Outlook Express";
 Microsoft::WRL::ComPtr<INPersonalInformationService> StartBackEnd(
     const std::wstring& name = kWindowsMail);
 
+// Starts a back end once a stop that waits for other calls has taken effect. Gives the last result
+// where that takes more than five seconds.
+HRESULT StartAfterStop(INPersonalInformationService& service, const std::wstring& name);
+
 // The service's calendar; null where it gives none.
 Microsoft::WRL::ComPtr<INCalendar> CalendarOf(INPersonalInformationService* service);
 

@@ -114,18 +114,8 @@ TEST_P(HangingItemsTest, TheServerServesOthersAndStopsOnceTheClientsAreEnded)
     EXPECT_EQ(E_FAIL, service->StartService(Bstr(GetParam().backEnd).Get()));
 
     // In the order of their calls, so that the later one ends inside the earlier one's wait.
-    for (const StartedProgram* client : {&first, &second})
-    {
-        TerminateProcess(client->process.Get(), 1);
-        WaitForSingleObject(client->process.Get(), 10000);
-    }
-    HRESULT started = E_FAIL;
-    for (int i = 0; i < 100 && started != S_OK; ++i)
-    {
-        Sleep(50);
-        started = service->StartService(Bstr(GetParam().backEnd).Get());
-    }
-    ASSERT_EQ(S_OK, started);
+    KillPrograms({&first, &second});
+    ASSERT_EQ(S_OK, StartAfterStop(*service.Get(), GetParam().backEnd));
     ExpectServes();
     EXPECT_EQ(servers, RunningServers());
 }

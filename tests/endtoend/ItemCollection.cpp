@@ -1,16 +1,18 @@
 #include "endtoend/ItemCollection.h"
 
+#include "client/Collections.h"
+
 #include <functional>
 
 using Microsoft::WRL::ComPtr;
 
 namespace
 {
-// Functions names the interface, the type of its items, and its functions.
+// Functions names the interface, the type of its items, and its functions, as the client does.
 template <typename Functions> class CollectionOf final : public ItemCollection
 {
   public:
-    using Interface = typename Functions::Interface;
+    using Interface = typename Functions::Collection;
     using Item = typename Functions::Item;
 
     explicit CollectionOf(const ComPtr<Interface>& collection) : m_collection(collection) {}
@@ -18,38 +20,38 @@ template <typename Functions> class CollectionOf final : public ItemCollection
     HRESULT Add(INEntityItem& item, Bstr& id) override
     {
         const auto typed = Typed(item);
-        return typed ? std::invoke(Functions::add, *m_collection.Get(), typed.Get(), id.Put())
+        return typed ? std::invoke(Functions::kAdd, *m_collection.Get(), typed.Get(), id.Put())
                      : E_NOINTERFACE;
     }
     HRESULT Update(INEntityItem& item) override
     {
         const auto typed = Typed(item);
         VARIANT_BOOL done = VARIANT_FALSE;
-        return typed ? std::invoke(Functions::update, *m_collection.Get(), typed.Get(), &done)
+        return typed ? std::invoke(Functions::kUpdate, *m_collection.Get(), typed.Get(), &done)
                      : E_NOINTERFACE;
     }
     HRESULT Delete(const Bstr& id) override
     {
         VARIANT_BOOL done = VARIANT_FALSE;
-        return std::invoke(Functions::remove, *m_collection.Get(), id.Get(), &done);
+        return std::invoke(Functions::kDelete, *m_collection.Get(), id.Get(), &done);
     }
     HRESULT Reset() override
     {
         VARIANT_BOOL done = VARIANT_FALSE;
-        return std::invoke(Functions::reset, *m_collection.Get(), &done);
+        return std::invoke(Functions::kReset, *m_collection.Get(), &done);
     }
     HRESULT Next(ComPtr<INEntityItem>& item) override
     {
         ComPtr<Item> found;
         const HRESULT result =
-            std::invoke(Functions::next, *m_collection.Get(), found.GetAddressOf());
+            std::invoke(Functions::kNext, *m_collection.Get(), found.GetAddressOf());
         return SUCCEEDED(result) ? found.As(&item) : result;
     }
     HRESULT Find(const Bstr& id, ComPtr<INEntityItem>& item) override
     {
         ComPtr<Item> found;
         const HRESULT result =
-            std::invoke(Functions::find, *m_collection.Get(), id.Get(), found.GetAddressOf());
+            std::invoke(Functions::kById, *m_collection.Get(), id.Get(), found.GetAddressOf());
         return SUCCEEDED(result) ? found.As(&item) : result;
     }
 
@@ -66,61 +68,26 @@ template <typename Functions> class CollectionOf final : public ItemCollection
     const ComPtr<Interface> m_collection;
 };
 
-struct EnumeratorItems
+// The other way to add a contact.
+struct ContactWithFolder : pim::ContactKind
 {
-    using Interface = INEnumerator;
-    using Item = INEntityItem;
-    static constexpr auto add = &INEnumerator::AddItem;
-    static constexpr auto update = &INEnumerator::UpdateItem;
-    static constexpr auto remove = &INEnumerator::DeleteItem;
-    static constexpr auto reset = &INEnumerator::ResetItem;
-    static constexpr auto next = &INEnumerator::GetNextItem;
-    static constexpr auto find = &INEnumerator::GetItemByID;
-};
-
-struct BookContacts
-{
-    using Interface = INAddressBook;
-    using Item = INContactItem;
-    static constexpr auto add = &INAddressBook::AddItem;
-    static constexpr auto update = &INAddressBook::UpdateItem;
-    static constexpr auto remove = &INAddressBook::DeleteItem;
-    static constexpr auto reset = &INAddressBook::ResetItem;
-    static constexpr auto next = &INAddressBook::GetNextItem;
-    static constexpr auto find = &INAddressBook::GetItemByID;
-};
-
-// The other way to add one.
-struct BookContactsWithFolders : BookContacts
-{
-    static constexpr auto add = [](INAddressBook& book, INContactItem* item, BSTR* id) {
+    static constexpr auto kAdd = [](INAddressBook& book, INContactItem* item, BSTR* id) {
         Bstr folder;
         return book.AddItemEx(item, folder.Put(), id);
     };
 };
 
-struct BookGroups
+// The address book's own way to its groups, which the client does not take.
+struct BookGroupKind
 {
-    using Interface = INAddressBook;
+    using Collection = INAddressBook;
     using Item = INContactGroup;
-    static constexpr auto add = &INAddressBook::AddGroup;
-    static constexpr auto update = &INAddressBook::UpdateGroup;
-    static constexpr auto remove = &INAddressBook::DeleteGroup;
-    static constexpr auto reset = &INAddressBook::ResetGroup;
-    static constexpr auto next = &INAddressBook::GetNextGroup;
-    static constexpr auto find = &INAddressBook::GetGroupByID;
-};
-
-struct CalendarItems
-{
-    using Interface = INCalendar;
-    using Item = INAppointment;
-    static constexpr auto add = &INCalendar::AddAppointment;
-    static constexpr auto update = &INCalendar::UpdateAppointment;
-    static constexpr auto remove = &INCalendar::DeleteAppointment;
-    static constexpr auto reset = &INCalendar::Reset;
-    static constexpr auto next = &INCalendar::GetNextAppointment;
-    static constexpr auto find = &INCalendar::GetAppointmentByID;
+    static constexpr auto kReset = &INAddressBook::ResetGroup;
+    static constexpr auto kNext = &INAddressBook::GetNextGroup;
+    static constexpr auto kById = &INAddressBook::GetGroupByID;
+    static constexpr auto kAdd = &INAddressBook::AddGroup;
+    static constexpr auto kUpdate = &INAddressBook::UpdateGroup;
+    static constexpr auto kDelete = &INAddressBook::DeleteGroup;
 };
 
 ComPtr<INEnumerator> CollectionFrom(INPersonalInformationService& service,
@@ -154,7 +121,7 @@ template <typename Functions>
 std::unique_ptr<ItemCollection> Open(INPersonalInformationService& service,
                                      _tagNEnumeratorType type)
 {
-    using Interface = typename Functions::Interface;
+    using Interface = typename Functions::Collection;
     const auto collection = CollectionFrom(service, type, static_cast<Interface*>(nullptr));
     return collection ? std::make_unique<CollectionOf<Functions>>(collection) : nullptr;
 }
@@ -165,10 +132,10 @@ struct TypedCollection
     CollectionType collection;
 };
 const TypedCollection kCollections[] = {
-    {AddressBook, {"BookContacts", &Open<BookContacts>}},
-    {AddressBook, {"BookContactsWithFolders", &Open<BookContactsWithFolders>}},
-    {ContactGroup, {"BookGroups", &Open<BookGroups>, false}},
-    {Calendar, {"Calendar", &Open<CalendarItems>}},
+    {AddressBook, {"BookContacts", &Open<pim::ContactKind>}},
+    {AddressBook, {"BookContactsWithFolders", &Open<ContactWithFolder>}},
+    {ContactGroup, {"BookGroups", &Open<BookGroupKind>, false}},
+    {Calendar, {"Calendar", &Open<pim::AppointmentKind>}},
 };
 } // namespace
 
@@ -184,5 +151,5 @@ std::vector<CollectionType> CollectionsOf(const Kind& kind)
 std::unique_ptr<ItemCollection> OpenEnumerator(INPersonalInformationService& service,
                                                _tagNEnumeratorType type)
 {
-    return Open<EnumeratorItems>(service, type);
+    return Open<pim::EnumeratedKind>(service, type);
 }

@@ -130,6 +130,15 @@ void EndServers(const std::wstring& path)
     }
 }
 
+void KillPrograms(std::initializer_list<const StartedProgram*> programs)
+{
+    for (const StartedProgram* program : programs)
+    {
+        TerminateProcess(program->process.Get(), 1);
+        WaitForSingleObject(program->process.Get(), 10000);
+    }
+}
+
 // Only a thread with a message queue takes the message.
 void AskToEnd(DWORD processId)
 {

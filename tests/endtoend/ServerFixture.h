@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -47,6 +48,9 @@ std::vector<DWORD> RunningServers(const std::wstring& path = ServerPath());
 void EndServers(const std::wstring& path = ServerPath());
 // The same for one process. Calls to this client's objects are answered meanwhile.
 void EndProcess(HANDLE process, DWORD processId);
+
+// Ends programs that hang, by force and one after the other.
+void KillPrograms(std::initializer_list<const StartedProgram*> programs);
 
 // Asks a process to end, as a log-off would, and goes on at once.
 void AskToEnd(DWORD processId);

@@ -175,18 +175,8 @@ TEST_F(VanishingClientsTest, ServesOthersWhileAClientHangsInsideACall)
     EXPECT_EQ(E_FAIL, service->StartService(Bstr(kWindowsMail).Get()));
 
     // In the order of their calls, so that the later one ends inside the earlier one's wait.
-    for (const StartedProgram* client : {&first, &second})
-    {
-        TerminateProcess(client->process.Get(), 1);
-        WaitForSingleObject(client->process.Get(), 10000);
-    }
-    HRESULT started = E_FAIL;
-    for (int i = 0; i < 100 && started != S_OK; ++i)
-    {
-        Sleep(50);
-        started = service->StartService(Bstr(kWindowsMail).Get());
-    }
-    EXPECT_EQ(S_OK, started);
+    KillPrograms({&first, &second});
+    ASSERT_EQ(S_OK, StartAfterStop(*service.Get(), kWindowsMail));
     ExpectServes(service.Get());
     EXPECT_EQ(servers, RunningServers());
 }
@@ -206,6 +196,5 @@ TEST_F(VanishingClientsTest, TheServerEndsBesideAClientThatNeverAnswers)
     ASSERT_TRUE(service);
     ExpectServes(service.Get(), {L"Task 1", L"Task 2", L"Task 3"});
     EXPECT_NE(servers, RunningServers());
-    TerminateProcess(client.process.Get(), 1);
-    WaitForSingleObject(client.process.Get(), 10000);
+    KillPrograms({&client});
 }
