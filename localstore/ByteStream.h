@@ -4,8 +4,8 @@
 #pragma once
 
 #include "localstore/ComObject.h"
-#include "localstore/ScopedLock.h"
 #include "localstore/StoreSchema.h"
+#include "platform/ScopedLock.h"
 #include "platform/WindowsHeaders.h"
 
 #include <memory>

@@ -3,7 +3,7 @@
 // Thread: any.
 #pragma once
 
-#include "localstore/ScopedLock.h"
+#include "platform/ScopedLock.h"
 #include "platform/WindowsHeaders.h"
 
 #include <cstddef>

@@ -1,5 +1,7 @@
 #include "localstore/Installer.h"
 
+#include "localstore/SystemText.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cwchar>
@@ -79,22 +81,6 @@ std::wstring Display(const std::wstring& key, const std::wstring& name)
     return L"HKEY_LOCAL_MACHINE\\" + key + L" (" + (name.empty() ? L"default value" : name) + L")";
 }
 
-std::wstring SystemText(LSTATUS status)
-{
-    wchar_t buffer[512] = {};
-    const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                                        nullptr,
-                                        static_cast<DWORD>(status),
-                                        0,
-                                        buffer,
-                                        static_cast<DWORD>(std::size(buffer)),
-                                        nullptr);
-    std::wstring text(buffer, length);
-    while (!text.empty() && (text.back() == L'\n' || text.back() == L'\r' || text.back() == L' '))
-        text.pop_back();
-    return text.empty() ? L"system error " + std::to_wstring(status) : text;
-}
-
 bool IsMissing(LSTATUS status)
 {
     return status == ERROR_FILE_NOT_FOUND || status == ERROR_PATH_NOT_FOUND;
@@ -108,7 +94,7 @@ bool IsDenied(LSTATUS status)
 InstallReport FailureReport(LSTATUS status, const std::wstring& what)
 {
     InstallReport report;
-    report.lines.push_back(what + L": " + SystemText(status));
+    report.lines.push_back(what + L": " + SystemText(static_cast<DWORD>(status)));
     if (IsDenied(status))
     {
         report.outcome = InstallOutcome::AccessDenied;
@@ -186,6 +172,12 @@ class ChangeLog
 
     // Takes everything back, the last change first, and tells the failure that led here. Stops at
     // the first change that resists, so that the record, which was written first, stays.
+    InstallReport RollBack(LSTATUS failure, const std::wstring& failedAt)
+    {
+        m_failure = failure;
+        m_failedAt = failedAt;
+        return RollBack();
+    }
     InstallReport RollBack()
     {
         InstallReport report = FailureReport(m_failure, m_failedAt);
@@ -392,7 +384,11 @@ InstallReport Install(InstallTarget& target, const ComponentPlan& plan)
         InstallReport removed = Remove(target, plan.component);
         if (removed.outcome != InstallOutcome::Done)
             return removed;
-        return Install(target, plan);
+        InstallReport installed = Install(target, plan);
+        if (installed.outcome != InstallOutcome::Done)
+            installed.lines.push_back(L"The older " + plan.component +
+                                      L" was removed before that. Run pimstore install again.");
+        return installed;
     }
 
     InstallReport report;
@@ -515,7 +511,9 @@ InstallReport Remove(InstallTarget& target, const std::wstring& component)
         const LSTATUS status = target.ReadValue(recorded->key, recorded->name, value);
         if (IsMissing(status))
             report.lines.push_back(display + L" was gone already.");
-        else if (status != ERROR_SUCCESS || value != ValueOf(*recorded))
+        else if (status != ERROR_SUCCESS)
+            return log.RollBack(status, display);
+        else if (value != ValueOf(*recorded))
             report.lines.push_back(display + L" was changed by another program since and stays: " +
                                    Describe(value) + L".");
         else if (!log.Delete(recorded->key, recorded->name, value))
@@ -527,7 +525,9 @@ InstallReport Remove(InstallTarget& target, const std::wstring& component)
         const LSTATUS status = target.ReadWholeFile(file.path, bytes);
         if (IsMissing(status))
             report.lines.push_back(file.path + L" was gone already.");
-        else if (status != ERROR_SUCCESS || Fingerprint(bytes) != file.fingerprint)
+        else if (status != ERROR_SUCCESS)
+            return log.RollBack(status, file.path);
+        else if (Fingerprint(bytes) != file.fingerprint)
             report.lines.push_back(file.path + L" was changed by another program since and stays.");
         else if (!log.RemoveFile(file.path, bytes))
         {

@@ -48,6 +48,16 @@ class AttachmentSource : public TableSource
     const std::shared_ptr<MessageState> m_message;
 };
 
+std::optional<std::int64_t> AttachmentRow(Database& database,
+                                          std::int64_t message,
+                                          std::int64_t number)
+{
+    Statement row =
+        database.Prepare("SELECT id FROM attachment WHERE message = ?1 AND number = ?2");
+    row.Bind(1, message).Bind(2, number);
+    return row.Step() ? std::optional(row.Integer(0)) : std::nullopt;
+}
+
 } // namespace
 
 PropertyMap MessageState::Read(const PropertySelection& selection)
@@ -105,19 +115,20 @@ void MessageState::SaveAttachments(std::int64_t message)
                 .Run();
             continue;
         }
-        database
-            .Prepare("INSERT INTO attachment (message, number) VALUES (?1, ?2) "
-                     "ON CONFLICT (message, number) DO NOTHING")
-            .Bind(1, message)
-            .Bind(2, number)
-            .Run();
-        Statement row =
-            database.Prepare("SELECT id FROM attachment WHERE message = ?1 AND number = ?2");
-        row.Bind(1, message).Bind(2, number);
-        row.Step();
-        const std::int64_t attachment = row.Integer(0);
-        row.Reset();
-        WriteChanges(database, {OwnerKind::Attachment, attachment}, change.changes);
+        auto attachment = AttachmentRow(database, message, number);
+        if (change.isNew)
+        {
+            if (attachment)
+                throw DatabaseError(DatabaseFailure::Changed,
+                                    "another attachment of the message took the number meanwhile");
+            database.Prepare("INSERT INTO attachment (message, number) VALUES (?1, ?2)")
+                .Bind(1, message)
+                .Bind(2, number)
+                .Run();
+            attachment = AttachmentRow(database, message, number);
+        }
+        if (attachment)
+            WriteChanges(database, {OwnerKind::Attachment, *attachment}, change.changes);
     }
 }
 
@@ -143,12 +154,7 @@ HRESULT MessageState::Save(ULONG flags)
 
 std::optional<std::int64_t> MessageState::AttachmentId(ULONG number)
 {
-    if (m_row.id == 0)
-        return std::nullopt;
-    Statement row =
-        Session().Store().Prepare("SELECT id FROM attachment WHERE message = ?1 AND number = ?2");
-    row.Bind(1, m_row.id).Bind(2, number);
-    return row.Step() ? std::optional(row.Integer(0)) : std::nullopt;
+    return m_row.id == 0 ? std::nullopt : AttachmentRow(Session().Store(), m_row.id, number);
 }
 
 std::vector<std::int64_t> MessageState::AttachmentNumbers()
@@ -211,17 +217,21 @@ PropertyMap MessageState::ReadAttachment(ULONG number, const PropertySelection& 
     return properties;
 }
 
-void MessageState::ChangeAttachment(ULONG number, PropertyChanges&& changes)
+void MessageState::ChangeAttachment(ULONG number, bool isNew, PropertyChanges&& changes)
 {
-    MoveChanges(m_attachments[number].changes, std::move(changes));
+    const auto [change, isFirst] = m_attachments.try_emplace(number);
+    if (isFirst)
+        change->second.isNew = isNew;
+    MoveChanges(change->second.changes, std::move(changes));
 }
 
 bool MessageState::DeleteAttachment(ULONG number)
 {
     if (!HasAttachment(number))
         return false;
-    // One that was never stored leaves its mark too: its number is used up.
-    m_attachments.insert_or_assign(number, AttachmentChange{true, {}});
+    m_attachments.insert_or_assign(number, AttachmentChange{true, false, {}});
+    // Used up, also behind the save that takes the attachment away.
+    m_lastNumber = std::max<std::int64_t>(m_lastNumber, number);
     return true;
 }
 
@@ -247,7 +257,7 @@ HRESULT AttachmentState::Save(ULONG)
         return MAPI_E_NO_ACCESS;
     if (!m_isNew && !m_message->HasAttachment(m_number))
         return MAPI_E_OBJECT_DELETED;
-    m_message->ChangeAttachment(m_number, std::move(m_changes));
+    m_message->ChangeAttachment(m_number, m_isNew, std::move(m_changes));
     m_isNew = false;
     return S_OK;
 }

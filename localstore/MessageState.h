@@ -34,9 +34,11 @@ class MessageState : public WaitingObject
     // A number that no attachment had while the message was open.
     ULONG NewAttachmentNumber();
     PropertyMap ReadAttachment(ULONG number, const PropertySelection& selection);
-    // Moves an attachment's changes to what waits; they stay where they are if it throws. A number
-    // that is not there is a new attachment; it must not be that of a deleted one.
-    void ChangeAttachment(ULONG number, PropertyChanges&& changes);
+    // Moves an attachment's changes to what waits; they stay where they are if it throws. A new one
+    // has a number of NewAttachmentNumber; if another opening of the message saves one with
+    // that number first, the save throws DatabaseError (Changed). One that others deleted meanwhile
+    // stays deleted.
+    void ChangeAttachment(ULONG number, bool isNew, PropertyChanges&& changes);
     // False where there is none.
     bool DeleteAttachment(ULONG number);
 
@@ -44,6 +46,7 @@ class MessageState : public WaitingObject
     struct AttachmentChange
     {
         bool deleted = false;
+        bool isNew = false;
         PropertyChanges changes;
     };
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-// Loads the whole map anew where another connection wrote since the last time.
+// Adds what other connections made since the last time.
 void NameCache::Refresh()
 {
     const std::int64_t version = m_database.QueryInteger("PRAGMA data_version");

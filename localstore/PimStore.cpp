@@ -235,12 +235,14 @@ int Run(int argc, wchar_t** argv)
 
     std::string loadPath;
     bool replace = false;
-    CLI::App* load = app.add_subcommand("load", "Load a JSON file into the message store");
+    CLI::App* load =
+        app.add_subcommand("load", "Load a JSON file into the message store and the address book");
     load->add_option("FILE", loadPath, "The file")->required();
-    load->add_flag("--replace", replace, "Empty the store first; the address book stays");
+    load->add_flag("--replace", replace, "Empty both first, whatever the file holds");
     load->footer(kExitCodes);
     std::string dumpPath;
-    CLI::App* dump = app.add_subcommand("dump", "Write the message store as JSON");
+    CLI::App* dump =
+        app.add_subcommand("dump", "Write the message store and the address book as JSON");
     dump->add_option("FILE", dumpPath, "Where to; standard output where it is left out");
 
     std::vector<std::string> arguments;

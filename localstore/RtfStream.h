@@ -10,6 +10,5 @@
 // An empty stream holds an empty text.
 // Ownership: the new stream holds a reference to the wrapped one.
 // Returns: S_OK; MAPI_E_INVALID_PARAMETER; MAPI_E_UNKNOWN_FLAGS; MAPI_E_CORRUPT_DATA;
-// MAPI_E_TOO_BIG;
-//          MAPI_E_NOT_ENOUGH_MEMORY; the wrapped stream's failures.
+// MAPI_E_TOO_BIG; MAPI_E_NOT_ENOUGH_MEMORY; the wrapped stream's failures.
 HRESULT WrapRtfStream(IStream* compressed, ULONG flags, IStream** text) noexcept;

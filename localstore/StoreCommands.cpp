@@ -2,6 +2,7 @@
 
 #include "localstore/StoreDump.h"
 #include "localstore/StoreLoad.h"
+#include "localstore/SystemText.h"
 #include "localstore/StorePath.h"
 #include "localstore/StoreSchema.h"
 #include "localstore/ToolConsole.h"

@@ -5,7 +5,7 @@
 
 #include "localstore/ComObject.h"
 #include "localstore/Database.h"
-#include "localstore/ScopedLock.h"
+#include "platform/ScopedLock.h"
 #include "localstore/StoredProperties.h"
 #include "platform/WindowsHeaders.h"
 

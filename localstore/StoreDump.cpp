@@ -92,7 +92,7 @@ class Dumper
             const auto folder = FolderOfRole(m_database, role);
             if (!folder)
                 continue;
-            const PropertyValue entryId{PT_BINARY, EntryIdOfFolder(m_database, *folder)};
+            const PropertyValue entryId{PT_BINARY, EntryIdOfFolder(m_database, *folder).value()};
             bool whole = true;
             const std::vector<PropertyOwner> holders = RoleHolders(m_database, role);
             for (const PropertyOwner& holder : holders)

@@ -1,5 +1,5 @@
 // Writes the contents of the message store as JSON: identity, folders, messages, attachments and
-// every property of them. The address book is not part of it.
+// every property of them, and the address book.
 // Format notes: docs/formats/store_json.md
 //
 // The text depends on the contents alone, not on the numbers that the database gave: a dump loaded

@@ -171,8 +171,11 @@ STDMETHODIMP StoreFolder::CreateMessage(LPCIID iid, ULONG flags, LPMESSAGE* mess
         MessageRow row;
         row.folder = State().Id();
         row.associated = (flags & MAPI_ASSOCIATED) != 0;
-        auto state = std::make_shared<MessageState>(
-            State().SharedSession(), row, EntryIdOfFolder(Session().Store(), row.folder), true);
+        const auto folderEntryId = EntryIdOfFolder(Session().Store(), row.folder);
+        if (!folderEntryId)
+            return MAPI_E_OBJECT_DELETED;
+        auto state =
+            std::make_shared<MessageState>(State().SharedSession(), row, *folderEntryId, true);
         *message = MakeObject<StoreMessage>(std::move(state)).Detach();
         return S_OK;
     });

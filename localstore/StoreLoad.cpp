@@ -106,7 +106,8 @@ std::int64_t ReadTicks(const JsonPlace& place)
 Bytes ReadEntryId(const JsonPlace& place, std::uint8_t objectType)
 {
     Bytes entryId = ReadHex(place);
-    if (!IsOwnEntryId(entryId) || std::to_integer<std::uint8_t>(entryId[6]) != objectType)
+    if (!IsOwnEntryId(entryId) ||
+        std::to_integer<std::uint8_t>(entryId[kEntryIdTypeAt]) != objectType)
         place.Fail("this is no entry ID of such an object; leave it out for a new one");
     return entryId;
 }
@@ -147,7 +148,6 @@ MessageData ReadMessage(const JsonPlace& place)
 // Entries of the book may have IDs of any form, as other programs' books have them.
 BookEntryData ReadBookEntry(const JsonPlace& place)
 {
-    constexpr size_t kLongestEntryId = 4096;
     place.ExpectKeys({"type", "entryId", "created", "modified", "properties"});
     BookEntryData entry;
     if (place.Find("type"))
@@ -161,7 +161,7 @@ BookEntryData ReadBookEntry(const JsonPlace& place)
     if (place.Find("entryId"))
     {
         entry.entryId = ReadHex(place.At("entryId"));
-        if (entry.entryId->empty() || entry.entryId->size() > kLongestEntryId)
+        if (entry.entryId->empty() || entry.entryId->size() > kLongestBookEntryId)
             place.At("entryId").Fail(
                 "an entry ID has 1 to 4,096 bytes; leave it out for a new one");
     }
@@ -666,7 +666,14 @@ class Writer : public FileReader
             folder.parent ? std::optional(m_folders.at(*folder.parent)) : std::nullopt;
         std::optional<std::int64_t> id = FindFolder(folder, parent);
         if (id && !m_used.insert(*id).second)
+        {
+            if (folder.entryId && FolderOfEntryId(m_database, *folder.entryId))
+                throw JsonProblem(
+                    folder.line,
+                    folder.path,
+                    "a folder before it was taken for the store's folder of this entry ID");
             id.reset();
+        }
         if (!id)
         {
             id = NewFolder(folder, parent);

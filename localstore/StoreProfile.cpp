@@ -171,7 +171,7 @@ void SetFolderRole(Database& database, const FolderRole& role, std::int64_t fold
             .Run();
         return;
     }
-    const PropertyValue entryId{PT_BINARY, EntryIdOfFolder(database, folder)};
+    const PropertyValue entryId{PT_BINARY, EntryIdOfFolder(database, folder).value()};
     for (const PropertyOwner& holder : RoleHolders(database, role))
         WriteProperty(database, holder, role.propertyId, entryId);
 }
@@ -193,12 +193,12 @@ std::optional<std::int64_t> FolderOfEntryId(Database& database, std::span<const 
     return row.Integer(0);
 }
 
-Bytes EntryIdOfFolder(Database& database, std::int64_t folder)
+std::optional<Bytes> EntryIdOfFolder(Database& database, std::int64_t folder)
 {
     Statement row = database.Prepare("SELECT entry_id FROM folder WHERE id = ?1");
     row.Bind(1, folder);
     if (!row.Step())
-        throw DatabaseError(DatabaseFailure::Corrupt, "a folder of the store is gone");
+        return std::nullopt;
     const std::span<const std::byte> bytes = row.Blob(0);
     return Bytes(bytes.begin(), bytes.end());
 }

@@ -49,7 +49,7 @@ void SetFolderRole(Database& database, const FolderRole& role, std::int64_t fold
 // None where there is no such folder.
 std::optional<std::int64_t> RootFolder(Database& database);
 std::optional<std::int64_t> FolderOfEntryId(Database& database, std::span<const std::byte> entryId);
-Bytes EntryIdOfFolder(Database& database, std::int64_t folder);
+std::optional<Bytes> EntryIdOfFolder(Database& database, std::int64_t folder);
 
 // A new folder with its display name and container class; an empty class is none. Without a parent
 // it is the root.

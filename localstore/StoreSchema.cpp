@@ -1,5 +1,6 @@
 #include "localstore/StoreSchema.h"
 
+#include "localstore/Snapshot.h"
 #include "localstore/StoredProperties.h"
 #include "platform/WindowsHeaders.h"
 
@@ -146,7 +147,8 @@ bool IsEmpty(Database& database)
     return database.QueryInteger("SELECT count(*) FROM sqlite_schema") == 0;
 }
 
-// The store's version, 0 for an empty database. Throws for what is not ours or not for us.
+// The store's version, 0 for an empty database. Throws for what is not ours or not for us. Inside a
+// transaction: another process may be making the store.
 std::int64_t ReadVersion(Database& database, std::int64_t newest)
 {
     const std::int64_t version = database.QueryInteger("PRAGMA user_version");
@@ -164,6 +166,12 @@ std::int64_t ReadVersion(Database& database, std::int64_t newest)
     return version;
 }
 
+std::int64_t VersionNow(Database& database, std::int64_t newest)
+{
+    const Snapshot snapshot(database);
+    return ReadVersion(database, newest);
+}
+
 } // namespace
 
 std::span<const SchemaStep> StoreSchemaSteps()
@@ -174,7 +182,7 @@ std::span<const SchemaStep> StoreSchemaSteps()
 void ApplySchema(Database& database, std::span<const SchemaStep> steps)
 {
     const auto newest = static_cast<std::int64_t>(steps.size());
-    if (ReadVersion(database, newest) == newest)
+    if (VersionNow(database, newest) == newest)
         return;
     if (database.IsReadOnly())
         throw DatabaseError(DatabaseFailure::ReadOnly,
@@ -198,7 +206,7 @@ Database OpenStore(const std::wstring& path)
 {
     Database database = Database::Open(path, true);
     // The version comes before the log mode: what is not for us stays as it is.
-    ReadVersion(database, static_cast<std::int64_t>(std::size(kSteps)));
+    VersionNow(database, static_cast<std::int64_t>(std::size(kSteps)));
     if (path != L":memory:")
         database.UseWriteAheadLog();
     ApplySchema(database, kSteps);

@@ -126,7 +126,7 @@ HRESULT StoreSession::CheckEntryId(ULONG size,
 std::optional<Bytes> StoreSession::RootEntryId()
 {
     const auto folder = RootFolder(Store());
-    return folder ? std::optional(EntryIdOfFolder(Store(), *folder)) : std::nullopt;
+    return folder ? EntryIdOfFolder(Store(), *folder) : std::nullopt;
 }
 
 HRESULT StoreSession::Open(std::span<const std::byte> entryId,

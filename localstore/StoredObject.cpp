@@ -152,6 +152,7 @@ HRESULT GetObjectPropList(StoredObject& object, ULONG flags, SPropTagArray** tag
     if (flags & ~MAPI_UNICODE)
         return MAPI_E_UNKNOWN_FLAGS;
     return object.Session().Run([&] {
+        const Snapshot snapshot(object.Session().Store());
         *tags = CopyTags(TagsOf(object.Read(PropertySelection::All()), (flags & MAPI_UNICODE) != 0),
                          ChainedMemory::OfLibrary());
         return S_OK;

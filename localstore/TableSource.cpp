@@ -67,15 +67,17 @@ class ContentsSource : public TableSource
         if (keys.empty())
             return;
         const std::string sql = Sql(selection);
-        const Bytes folderEntryId = EntryIdOfFolder(m_session->Store(), m_folder);
+        const auto folderEntryId = EntryIdOfFolder(m_session->Store(), m_folder);
+        if (!folderEntryId)
+            return; // the rows went with their folder
         if (wholeRun)
         {
-            ReadRange(sql, keys, selection, folderEntryId, visit);
+            ReadRange(sql, keys, selection, *folderEntryId, visit);
             return;
         }
         for (const std::int64_t& key : keys)
         {
-            if (!ReadRange(sql, std::span(&key, 1), selection, folderEntryId, visit))
+            if (!ReadRange(sql, std::span(&key, 1), selection, *folderEntryId, visit))
                 return;
         }
     }

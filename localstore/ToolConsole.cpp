@@ -2,8 +2,6 @@
 
 #include "service/TextConversions.h"
 
-#include <iterator>
-
 void PrintLine(DWORD stream, const std::wstring& line)
 {
     const HANDLE output = GetStdHandle(stream);
@@ -27,20 +25,4 @@ void Print(const std::wstring& line)
 void PrintError(const std::wstring& line)
 {
     PrintLine(STD_ERROR_HANDLE, line);
-}
-
-std::wstring SystemText(DWORD error)
-{
-    wchar_t buffer[512] = {};
-    const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                                        nullptr,
-                                        error,
-                                        0,
-                                        buffer,
-                                        static_cast<DWORD>(std::size(buffer)),
-                                        nullptr);
-    std::wstring text(buffer, length);
-    while (!text.empty() && (text.back() == L'\n' || text.back() == L'\r' || text.back() == L' '))
-        text.pop_back();
-    return text.empty() ? L"system error " + std::to_wstring(error) : text;
 }

@@ -21,6 +21,3 @@ enum ExitCode
 void PrintLine(DWORD stream, const std::wstring& line);
 void Print(const std::wstring& line);
 void PrintError(const std::wstring& line);
-
-// The system's words for an error code.
-std::wstring SystemText(DWORD error);

@@ -1,22 +1,12 @@
 #include "rtfconverter/ConverterHandles.h"
 
+#include "platform/ScopedLock.h"
+
 namespace
 {
 // Handles are neither small numbers nor addresses: a caller's stray value is unlikely to be one.
 constexpr std::uintptr_t kFirst = 0x5254460000000001;
 constexpr std::uintptr_t kStep = 2;
-
-class ScopedLock
-{
-  public:
-    explicit ScopedLock(SRWLOCK& lock) noexcept : m_lock(lock) { AcquireSRWLockExclusive(&m_lock); }
-    ~ScopedLock() { ReleaseSRWLockExclusive(&m_lock); }
-    ScopedLock(const ScopedLock&) = delete;
-    ScopedLock& operator=(const ScopedLock&) = delete;
-
-  private:
-    SRWLOCK& m_lock;
-};
 } // namespace
 
 RtfConverterHandle ConverterHandles::Add()

@@ -556,6 +556,48 @@ TEST_F(InstallerTest, ANewerFileOfTheProductTakesThePlaceOfTheOld)
     EXPECT_EQ(clean, Snapshot());
 }
 
+TEST_F(InstallerTest, AnUpgradeThatFailsSaysThatTheOldOneIsGone)
+{
+    SystemInstallTarget target = Target();
+    const std::wstring clean = Snapshot();
+    FailingTarget counting(Root());
+    ASSERT_EQ(InstallOutcome::Done, Install(target, plan).outcome);
+    ASSERT_EQ(InstallOutcome::Done, Remove(counting, L"book").outcome);
+    ASSERT_EQ(InstallOutcome::Done, Install(target, plan).outcome);
+    WriteWholeFile(Source(), "a newer library");
+    // The first change behind the removal.
+    FailingTarget failing(Root());
+    failing.firstFailing = failing.lastFailing = counting.changes + 1;
+    const InstallReport report = Install(failing, plan);
+    EXPECT_EQ(InstallOutcome::AccessDenied, report.outcome);
+    EXPECT_THAT(AllLines(report), HasSubstr(L"The older book was removed before that."));
+    EXPECT_EQ(clean, Snapshot());
+    EXPECT_EQ(InstallOutcome::Done, Install(target, plan).outcome);
+}
+
+TEST_F(InstallerTest, AFileThatCannotBeReadIsNotTakenForAChangedOne)
+{
+    SystemInstallTarget target = Target();
+    ASSERT_EQ(InstallOutcome::Done, Install(target, plan).outcome);
+    const std::wstring installed = Snapshot();
+    {
+        const UniqueFile held(CreateFileW(Installed().c_str(),
+                                          GENERIC_WRITE,
+                                          FILE_SHARE_READ,
+                                          nullptr,
+                                          OPEN_EXISTING,
+                                          0,
+                                          nullptr));
+        ASSERT_TRUE(held);
+        const InstallReport report = Remove(target, L"book");
+        EXPECT_EQ(InstallOutcome::Failed, report.outcome);
+        EXPECT_THAT(AllLines(report), HasSubstr(L"Nothing was changed."));
+    }
+    EXPECT_EQ(installed, Snapshot());
+    EXPECT_EQ(InstallOutcome::Done, Remove(target, L"book").outcome);
+    EXPECT_FALSE(std::filesystem::exists(Installed()));
+}
+
 TEST_F(InstallerTest, AFileInUseIsToldAndEverythingStays)
 {
     SystemInstallTarget target = Target();

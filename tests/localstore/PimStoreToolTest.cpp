@@ -195,6 +195,8 @@ TEST_F(PimStoreToolTest, TellsItsUseAndRefusesWrongArguments)
     EXPECT_EQ(0, installHelp.code);
     EXPECT_THAT(installHelp.output, HasSubstr("--book"));
     EXPECT_THAT(installHelp.output, HasSubstr("5  the rights do not suffice"));
+    // What --replace empties is said before somebody loses it.
+    EXPECT_THAT(RunTool(L"load --help").output, HasSubstr("address book"));
     for (const wchar_t* arguments : {L"", L"install", L"remove", L"install --other", L"nonsense"})
     {
         const ToolResult result = RunTool(arguments);

@@ -340,7 +340,7 @@ TEST_F(BrokenStoreTest, DamagedPagesAreToldAndNeverBringTheProcessDown)
                 const auto contacts = FolderOfRole(database, *FindFolderRole("contacts"));
                 if (!contacts)
                     return MAPI_E_CORRUPT_STORE;
-                const Bytes id = EntryIdOfFolder(database, *contacts);
+                const Bytes id = EntryIdOfFolder(database, *contacts).value();
                 return session->OpenEntry(
                     static_cast<ULONG>(id.size()),
                     reinterpret_cast<LPENTRYID>(const_cast<std::byte*>(id.data())),

@@ -3,6 +3,7 @@
 #include "localstore/StoreLoad.h"
 
 #include "localstore/NamedProperties.h"
+#include "localstore/PropertyJson.h"
 #include "localstore/StoreDump.h"
 #include "localstore/StoreProfile.h"
 #include "tests/localstore/LocalStoreSupport.h"
@@ -431,7 +432,7 @@ TEST_F(StoreLoadTest, MergesIntoTheFoldersOfTheProfile)
     Database database = OpenStore(L":memory:");
     EnsureDefaultProfile(database, {L"user", L"User"});
     const std::int64_t contacts = *FolderOfRole(database, *FindFolderRole("contacts"));
-    const Bytes entryId = EntryIdOfFolder(database, contacts);
+    const Bytes entryId = EntryIdOfFolder(database, contacts).value();
     const std::string text = R"({"format": "PimStoreBridge store", "version": 1,
       "identity": {"properties": [{"tag": "PR_COMPANY_NAME_W", "value": "C"}]},
       "root": {"folders": [{"roles": ["subtree"], "folders": [
@@ -470,6 +471,31 @@ TEST_F(StoreLoadTest, TwoFoldersOfOneNameStayTwo)
     Load(database, text);
     EXPECT_EQ(3, database.QueryInteger("SELECT count(*) FROM folder"));
     EXPECT_EQ(1, database.QueryInteger("SELECT count(DISTINCT folder) FROM message"));
+}
+
+TEST_F(StoreLoadTest, AFolderThatIsNamedByNameAndThenByIDIsToldWithItsPlace)
+{
+    Database database = OpenStore(L":memory:");
+    Load(database, R"({"format": "PimStoreBridge store", "version": 1, "root":
+      {"folders": [{"name": "Work"}]}})");
+    const std::string before = Dump(database);
+    const Bytes id =
+        *EntryIdOfFolder(database, database.QueryInteger("SELECT max(id) FROM folder"));
+    try
+    {
+        Load(database,
+             R"({"format": "PimStoreBridge store", "version": 1, "root":
+          {"folders": [{"name": "Work"}, {"name": "Work", "entryId": ")" +
+                 HexText(id) + R"("}]}})");
+        FAIL() << "loaded";
+    }
+    catch (const JsonProblem& problem)
+    {
+        EXPECT_EQ(2, problem.Line());
+        EXPECT_EQ("root/folders/1", problem.Path());
+        EXPECT_THAT(problem.what(), HasSubstr("a folder before it was taken"));
+    }
+    EXPECT_EQ(before, Dump(database));
 }
 
 TEST_F(StoreLoadTest, ARoleThatOnlySomeHoldersNameStaysAProperty)

@@ -24,6 +24,18 @@ class StoreMessageTest : public StoreTest
         EXPECT_EQ(S_OK, Contacts()->CreateMessage(nullptr, 0, message.GetAddressOf()));
         return message;
     }
+    // An attachment that its message has not saved yet.
+    ComPtr<IAttach> NewAttachment(IMessage* message, ULONG number, const wchar_t* name = L"file")
+    {
+        ULONG given = 99;
+        ComPtr<IAttach> attachment;
+        EXPECT_EQ(S_OK, message->CreateAttach(nullptr, 0, &given, attachment.GetAddressOf()));
+        EXPECT_EQ(number, given);
+        SPropValue value = TextValue(PR_ATTACH_FILENAME_W, name);
+        EXPECT_EQ(S_OK, attachment->SetProps(1, &value, nullptr));
+        EXPECT_EQ(S_OK, attachment->SaveChanges(KEEP_OPEN_READWRITE));
+        return attachment;
+    }
     static HRESULT OpenStream(
         IMAPIProp* object, ULONG tag, ULONG flags, IStream** stream, ULONG options = 0)
     {
@@ -99,6 +111,8 @@ TEST_F(StoreMessageTest, AMessageOfADeletedFolderIsNotSaved)
             static_cast<ULONG>(id.size()), reinterpret_cast<LPENTRYID>(id.data()), 0, nullptr, 0));
     EXPECT_EQ(MAPI_E_OBJECT_DELETED, message->SaveChanges(FORCE_SAVE));
     EXPECT_EQ(MAPI_E_OBJECT_DELETED, ValueError(folder.Get(), PR_DISPLAY_NAME_W));
+    EXPECT_EQ(MAPI_E_OBJECT_DELETED,
+              folder->CreateMessage(nullptr, 0, message.ReleaseAndGetAddressOf()));
     SPropValue value = TextValue(PR_DISPLAY_NAME_W, L"x");
     EXPECT_EQ(MAPI_E_OBJECT_DELETED, folder->SetProps(1, &value, nullptr));
 }
@@ -422,6 +436,53 @@ TEST_F(StoreMessageTest, AttachmentNumbersAreNotUsedAgain)
     ULONG count = 0;
     EXPECT_EQ(S_OK, table->GetRowCount(0, &count));
     EXPECT_EQ(2u, count);
+}
+
+// The number of a deleted one stays its own behind the save: an object that is still open for it
+// must not read or write another.
+TEST_F(StoreMessageTest, ANumberIsNotUsedAgainBehindTheSaveThatDeletes)
+{
+    const auto message = NewMessage();
+    const auto first = NewAttachment(message.Get(), 0);
+    const auto last = NewAttachment(message.Get(), 1);
+    ASSERT_EQ(S_OK, message->SaveChanges(KEEP_OPEN_READWRITE));
+    ASSERT_EQ(S_OK, message->DeleteAttach(1, 0, nullptr, 0));
+    ASSERT_EQ(S_OK, message->SaveChanges(KEEP_OPEN_READWRITE));
+    const auto another = NewAttachment(message.Get(), 2);
+    EXPECT_EQ(MAPI_E_OBJECT_DELETED, ValueError(last.Get(), PR_ATTACH_FILENAME_W));
+}
+
+TEST_F(StoreMessageTest, ANewAttachmentNeverMixesWithOneThatOthersMade)
+{
+    const EntryBytes id = AddMessage(Contacts().Get(), L"IPM.Contact", L"1");
+    const auto mine = OpenMessage(id);
+    const auto theirs = OpenMessage(id);
+    const auto made = NewAttachment(mine.Get(), 0, L"mine");
+    NewAttachment(theirs.Get(), 0, L"theirs");
+    ASSERT_EQ(S_OK, theirs->SaveChanges(FORCE_SAVE));
+    EXPECT_EQ(MAPI_E_OBJECT_CHANGED, mine->SaveChanges(FORCE_SAVE));
+    ComPtr<IAttach> stored;
+    ASSERT_EQ(S_OK, OpenMessage(id)->OpenAttach(0, nullptr, 0, stored.GetAddressOf()));
+    EXPECT_EQ(L"theirs", Text(stored.Get(), PR_ATTACH_FILENAME_W));
+}
+
+TEST_F(StoreMessageTest, AChangeDoesNotBringBackAnAttachmentThatOthersDeleted)
+{
+    const EntryBytes id = AddMessage(Contacts().Get(), L"IPM.Contact", L"1");
+    const auto mine = OpenMessage(id);
+    NewAttachment(mine.Get(), 0, L"old");
+    ASSERT_EQ(S_OK, mine->SaveChanges(KEEP_OPEN_READWRITE | FORCE_SAVE));
+    ComPtr<IAttach> attachment;
+    ASSERT_EQ(S_OK, mine->OpenAttach(0, nullptr, MAPI_MODIFY, attachment.GetAddressOf()));
+    SPropValue value = TextValue(PR_ATTACH_FILENAME_W, L"new");
+    ASSERT_EQ(S_OK, attachment->SetProps(1, &value, nullptr));
+    ASSERT_EQ(S_OK, attachment->SaveChanges(0));
+    const auto theirs = OpenMessage(id);
+    ASSERT_EQ(S_OK, theirs->DeleteAttach(0, 0, nullptr, 0));
+    ASSERT_EQ(S_OK, theirs->SaveChanges(FORCE_SAVE));
+    EXPECT_EQ(S_OK, mine->SaveChanges(FORCE_SAVE));
+    ComPtr<IAttach> stored;
+    EXPECT_EQ(MAPI_E_NOT_FOUND, OpenMessage(id)->OpenAttach(0, nullptr, 0, stored.GetAddressOf()));
 }
 
 TEST_F(StoreMessageTest, AnAttachmentDeletedUnderItsObjectIsGone)

@@ -73,6 +73,29 @@ TEST_F(StoreTableTest, ATableStaysAsItWasButForRowsThatAreGone)
     EXPECT_THAT(Column(Contents().Get(), PR_SUBJECT_W), ElementsAre(L"2", L"3"));
 }
 
+TEST_F(StoreTableTest, ATableOfADeletedFolderHasNoRowsLeft)
+{
+    ComPtr<IMAPIFolder> folder;
+    ASSERT_EQ(S_OK,
+              Contacts()->CreateFolder(FOLDER_GENERIC,
+                                       reinterpret_cast<LPTSTR>(const_cast<wchar_t*>(L"Sub")),
+                                       nullptr,
+                                       nullptr,
+                                       MAPI_UNICODE,
+                                       folder.GetAddressOf()));
+    AddMessage(folder.Get(), L"IPM.Contact", L"1");
+    ComPtr<IMAPITable> table;
+    ASSERT_EQ(S_OK, folder->GetContentsTable(0, table.GetAddressOf()));
+    EntryBytes id = Binary(folder.Get(), PR_ENTRYID);
+    ASSERT_EQ(S_OK,
+              Contacts()->DeleteFolder(static_cast<ULONG>(id.size()),
+                                       reinterpret_cast<LPENTRYID>(id.data()),
+                                       0,
+                                       nullptr,
+                                       DEL_MESSAGES));
+    EXPECT_THAT(Next(table.Get(), 5), IsEmpty());
+}
+
 TEST_F(StoreTableTest, RowsOfOtherFoldersBetweenDoNotShow)
 {
     const auto calendar = OpenFolder(Binary(RootFolder().Get(), kCalendarFolder));
