@@ -96,9 +96,8 @@ BOOL COutlook2007CategoryList::UpdateItem(INEntityItem* item)
     if (!m_document)
         return FALSE;
     CategoryDocument changed = *m_document;
-    // Of a client that has ended no name was read.
-    return changed.Rename(IDOf(*item), NameOf(*category.Get()), utcNow) && IsReachable(*item) &&
-           Store(std::move(changed));
+    const std::wstring id = IDOf(*item);
+    return changed.Rename(id, NameOf(*category.Get()), utcNow) && Store(std::move(changed));
 }
 
 std::wstring COutlook2007CategoryList::AddItem(INEntityItem* item, std::wstring&)
