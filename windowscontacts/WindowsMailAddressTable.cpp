@@ -62,8 +62,8 @@ CWindowsMailAddressTable::CWindowsMailAddressTable(IMAPIContainer* container,
 
 void CWindowsMailAddressTable::Detach() noexcept
 {
-    CAddressTable::Detach();
     m_pAddrBook = nullptr;
+    CAddressTable::Detach(); // its releases may end this table
 }
 
 // --- IDs ---------------------------------------------------------------------------------------

@@ -19,10 +19,11 @@ COutlook2007CategoryList::COutlook2007CategoryList(IMAPIProp* message, CMAPIHelp
 void COutlook2007CategoryList::Detach() noexcept
 {
     m_pHelper = nullptr;
-    m_message.Reset();
     m_document.reset();
+    // A release may end this list, so that nothing of it is touched after the first.
+    const ComPtr<IMAPIProp> message = std::move(m_message);
+    const Item current = std::move(m_pCurrentItem);
     Clear();
-    m_pCurrentItem.Reset();
 }
 
 DATE COutlook2007CategoryList::UtcNow() const

@@ -50,8 +50,9 @@ COutlookAddressTable::COutlookAddressTable(IMAPIContainer* container,
 
 void COutlookAddressTable::Detach() noexcept
 {
+    // The base's releases may end this table: its folders are out of it by then.
+    const std::vector<OutlookFolderInfo> folders = std::exchange(m_vctContactsFolders, {});
     CAddressTable::Detach();
-    m_vctContactsFolders.clear();
 }
 
 // --- Loading -----------------------------------------------------------------------------------

@@ -7,6 +7,7 @@
 
 #include "PimStoreBridge.h"
 
+#include <functional>
 #include <string>
 
 // The object's EntityID; empty where it gives none.
@@ -37,10 +38,11 @@ class FakeItem final : public EarlyBound<INEntityItem>
     }
 
     std::wstring entityID;
-    HRESULT getResult = S_OK; // of get_EntityID
-    bool isCareless = false;  // get_EntityID leaves the text also where it fails
-    bool isEntity = true;     // false: no INEntityItem either
-    std::wstring puts;        // every text that put_EntityID took, each with ';' behind it
+    HRESULT getResult = S_OK;    // of get_EntityID
+    bool isCareless = false;     // get_EntityID leaves the text also where it fails
+    bool isEntity = true;        // false: no INEntityItem either
+    std::wstring puts;           // every text that put_EntityID took, each with ';' behind it
+    std::function<void()> onEnd; // runs in the last Release
     ULONG References() const { return m_references; }
 
     STDMETHODIMP QueryInterface(REFIID iid, void** result) override
@@ -60,7 +62,11 @@ class FakeItem final : public EarlyBound<INEntityItem>
     {
         const ULONG left = --m_references;
         if (left == 0)
+        {
+            if (onEnd)
+                onEnd();
             delete this;
+        }
         return left;
     }
     STDMETHODIMP get_EntityID(BSTR* pVal) override

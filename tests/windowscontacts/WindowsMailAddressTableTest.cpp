@@ -3,9 +3,15 @@
 
 #include "outlook/contacts/OwnContact.h"
 #include "support/DebugOutputCapture.h"
+#include "tests/service/FakeItem.h"
 #include "windowscontacts/WindowsContactColumns.h"
 
+#include <array>
+#include <cstddef>
+#include <new>
+
 using Microsoft::WRL::ComPtr;
+using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -463,4 +469,34 @@ TEST_F(WindowsMailAddressTableTest, ADetachedTableAnswersWithFailures)
     EXPECT_THAT(Entries(), SizeIs(1)) << "the list stays";
     EXPECT_EQ(L"ann", table->ToClientID(IdOf("ann")));
     EXPECT_THAT(store.Calls(), IsEmpty());
+}
+
+namespace
+{
+class WindowsTableWithItem : public OpenWindowsTable
+{
+  public:
+    using OpenWindowsTable::m_pCurrentItem;
+    using OpenWindowsTable::OpenWindowsTable;
+};
+} // namespace
+
+// The current item may hold the last reference to what owns the table: nothing is written to where
+// the table was.
+TEST_F(WindowsMailAddressTableTest, ADetachedTableMayEndWithItsCurrentItem)
+{
+    OpenTable();
+    constexpr std::byte kFreed{0xDD};
+    alignas(WindowsTableWithItem) std::array<std::byte, sizeof(WindowsTableWithItem)> memory;
+    auto* const ending = new (memory.data())
+        WindowsTableWithItem(session->Container(), session->Helper(), false, session->Book());
+    auto item = FakeItem::Make(IID_NULL);
+    item->onEnd = [&] {
+        ending->~WindowsTableWithItem();
+        memory.fill(kFreed);
+    };
+    ending->m_pCurrentItem = item.Get();
+    item.Reset();
+    session->Helper()->Live().DetachAll();
+    EXPECT_THAT(memory, Each(kFreed));
 }

@@ -61,6 +61,8 @@ class StoppedList : public COutlook2007CategoryList
   public:
     using COutlook2007CategoryList::COutlook2007CategoryList;
 
+    using COutlook2007CategoryList::Append;
+
     DATE RealUtcNow() const { return COutlook2007CategoryList::UtcNow(); }
 
   protected:
@@ -598,6 +600,22 @@ TEST_F(Outlook2007CategoryListTest, TheClockIsUtcInWholeSeconds)
     ASSERT_TRUE(SystemTimeToVariantTime(&after, &last));
     EXPECT_LE(first, now);
     EXPECT_GE(last, now);
+}
+
+// A client's category may hold the last reference to what owns the list.
+TEST_F(Outlook2007CategoryListTest, ADetachedListMayEndWithOneOfItsItems)
+{
+    Load(kTwo);
+    list->GetNextItem();
+    auto item = FakeItem::Make(IID_NULL);
+    item->onEnd = [this] {
+        EXPECT_EQ(nullptr, CurrentItem(*list).Get()) << "the list had still something to release";
+        list.reset();
+    };
+    list->Append(item.Get());
+    item.Reset();
+    session->Helper()->Live().DetachAll();
+    EXPECT_FALSE(list);
 }
 
 TEST_F(Outlook2007CategoryListTest, ADetachedListAnswersWithFailures)

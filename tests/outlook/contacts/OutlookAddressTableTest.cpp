@@ -5,6 +5,7 @@
 #include "outlook/contacts/ContactTableFixture.h"
 #include "support/DebugOutputCapture.h"
 #include "support/TestZone.h"
+#include "tests/service/FakeItem.h"
 
 #include <gmock/gmock.h>
 
@@ -499,4 +500,36 @@ TEST_F(OutlookAddressTableTest, WithoutAHelperOrAContainerItIsDead)
         EXPECT_EQ(FALSE, dead->OnPropertyRow(4, nullptr, 200, &goesOn));
     }
     EXPECT_THAT(store.Calls(), IsEmpty());
+}
+
+namespace
+{
+// Opens what a client's item meets in its end.
+class OpenContactTable : public COutlookAddressTable
+{
+  public:
+    using COutlookAddressTable::COutlookAddressTable;
+    using COutlookAddressTable::GetContainerForID;
+    using COutlookAddressTable::m_pCurrentItem;
+};
+} // namespace
+
+// The current item may hold the last reference to what owns the table.
+TEST_F(OutlookAddressTableTest, ADetachedTableMayEndWithItsCurrentItem)
+{
+    AddContact("bob", "family");
+    Open();
+    auto ending = std::make_unique<OpenContactTable>(folder.Get(), session->Helper(), Folders());
+    ending->GetItemIDs();
+    const std::wstring bob = IdOf("bob");
+    EXPECT_TRUE(ending->GetContainerForID(bob));
+    auto item = FakeItem::Make(IID_NULL);
+    item->onEnd = [&] {
+        EXPECT_FALSE(ending->GetContainerForID(bob)) << "the folders were still in the table";
+        ending.reset();
+    };
+    ending->m_pCurrentItem = item.Get();
+    item.Reset();
+    session->Helper()->Live().DetachAll();
+    EXPECT_FALSE(ending);
 }
