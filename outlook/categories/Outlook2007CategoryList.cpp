@@ -3,6 +3,7 @@
 #include "outlook/categories/CategoryStream.h"
 #include "platform/Bstr.h"
 #include "platform/GuidSource.h"
+#include "platform/ScopeExit.h"
 #include "service/ItemAccess.h"
 #include "service/TimeConversions.h"
 
@@ -116,7 +117,10 @@ std::wstring COutlook2007CategoryList::AddItem(INEntityItem* item, std::wstring&
     if (id.empty())
         return {};
     const DATE utcNow = UtcNow();
+    const Bstr noID(std::wstring_view(L""));
     item->put_EntityID(Bstr(id).Get());
+    // With an ID the item would count as added when the client tries again.
+    ScopeExit notAdded([&] { item->put_EntityID(noID.Get()); });
     item->put_LastModificationTime(utcNow);
     LONG color = 0;
     category->get_Color(&color);
@@ -124,6 +128,7 @@ std::wstring COutlook2007CategoryList::AddItem(INEntityItem* item, std::wstring&
     changed.Add(name, color, id, utcNow);
     if (!Store(std::move(changed)))
         return {};
+    notAdded.Release();
     Append(item);
     return id;
 }

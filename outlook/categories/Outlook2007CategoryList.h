@@ -24,7 +24,8 @@ class COutlook2007CategoryList : public CCategoryList, public LiveObject
     // Writes the name. The item gets the present time also where nothing is written because the
     // document has no category with its ID.
     BOOL UpdateItem(INEntityItem* item) override;
-    // The item becomes part of the list and gets an ID and the present time.
+    // The item becomes part of the list and gets an ID and the present time. Where the document
+    // cannot be stored the item's ID is empty again, so that it can be added later.
     // Kept as it is: for an item that has an ID already nothing is added and the result is its
     // name. Pinned by Outlook2007CategoryListTest.
     std::wstring AddItem(INEntityItem* item, std::wstring& folderID) override;

@@ -423,6 +423,23 @@ TEST_F(Outlook2007CategoryListTest, AnAddThatCannotBeStoredChangesNothing)
     EXPECT_THAT(Stored(), HasSubstr("name=\"Three\""));
 }
 
+// With an ID of its own the item would count as added.
+TEST_F(Outlook2007CategoryListTest, ACategoryThatCouldNotBeStoredCanBeAddedAgain)
+{
+    Load(kTwo);
+    const auto item = CategoryOf(L"New");
+    for (const char* const call : {"IMessage(categories).SetProps", kSave.c_str()})
+    {
+        store.FailNext(call, StoreFault::CallFailed);
+        EXPECT_EQ(L"", Add(item.Get()));
+        EXPECT_EQ(L"", EntityIDOf(item.Get()));
+    }
+    EXPECT_EQ(L"{3}", Add(item.Get()));
+    EXPECT_EQ(L"{3}", EntityIDOf(item.Get()));
+    EXPECT_THAT(Stored(), HasSubstr("guid=\"{3}\""));
+    EXPECT_THAT(Walk(*list), ElementsAre(L"Work", L"Home", L"New"));
+}
+
 // The call succeeds and tells a problem: nothing was set, and there is nothing to save.
 TEST_F(Outlook2007CategoryListTest, AValueThatTheStoreDidNotTakeIsNotSaved)
 {
