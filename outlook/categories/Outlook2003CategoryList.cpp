@@ -32,18 +32,24 @@ void COutlook2003CategoryList::GetItemIDs()
     const TableUse use(m_uses);
     if (use.IsNested())
         return;
+    m_isWhole = false; // stays so where memory runs out
     Clear();
+    bool isWhole = true;
     for (const std::wstring& name : NamesIn(m_stored.Read()))
     {
         const ComPtr<INContactCategory> category = NewCategory();
         const ComPtr<INEntityItem> item = QueryItem<INEntityItem>(category.Get());
         if (!item)
+        {
+            isWhole = false;
             continue;
+        }
         category->put_Name(Bstr(name).Get());
         category->put_Color(0);
         item->put_EntityID(Bstr(NewGuidText()).Get());
         Append(item.Get());
     }
+    m_isWhole = isWhole;
 }
 
 BOOL COutlook2003CategoryList::UpdateItem(INEntityItem*)
@@ -100,6 +106,8 @@ std::wstring COutlook2003CategoryList::NameAt(std::size_t position) const
 
 void COutlook2003CategoryList::WriteBack()
 {
+    if (!m_isWhole)
+        return;
     std::wstring text;
     for (std::size_t position = 0; position < Items().size(); ++position)
         text += NameAt(position) + kSeparator;

@@ -23,8 +23,10 @@ class COutlook2003CategoryList : public CCategoryList
 
   private:
     std::wstring NameAt(std::size_t position) const;
-    // What the registry makes of it is not told to the caller.
+    // What the registry makes of it is not told to the caller. Nothing is written in place of a
+    // list that was loaded in part.
     void WriteBack();
 
     MasterList m_stored;
+    bool m_isWhole = true; // every name of the last load became an item
 };

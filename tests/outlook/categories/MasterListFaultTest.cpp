@@ -291,6 +291,28 @@ TEST_F(MasterListFaultTest, AValueForWhichThereIsNoMemoryIsKept)
     EXPECT_TRUE(names + L';' == NamesOf(list));
 }
 
+// What the list lacks would be gone. The next load that succeeds makes it whole again.
+TEST_F(MasterListFaultTest, AListThatWasLoadedInPartIsNotWrittenBack)
+{
+    bool hasMemory = false;
+    const ScopedGuidSource scarce{[&] {
+        if (++guids == 2 && !hasMemory)
+            throw std::bad_alloc();
+        return L"{" + std::to_wstring(guids) + L"}";
+    }};
+    EXPECT_THROW(list.GetItemIDs(), std::bad_alloc);
+    EXPECT_THAT(Walk(list), ElementsAre(L"One"));
+    EXPECT_NE(L"", Add(L"New"));
+    EXPECT_EQ(TRUE, list.UpdateItem(nullptr));
+    EXPECT_EQ(TRUE, list.DeleteItem(L"One"));
+    EXPECT_EQ(L"One;Two;", Stored());
+    hasMemory = true;
+    list.GetItemIDs();
+    EXPECT_THAT(Walk(list), ElementsAre(L"One", L"Two"));
+    EXPECT_NE(L"", Add(L"New"));
+    EXPECT_EQ(L"One;Two;New;", Stored());
+}
+
 TEST_F(MasterListFaultTest, AWriteThatFailsKeepsTheOldValueWholeAndTheListNew)
 {
     constexpr int kCallsOfAWrite = 2;
