@@ -1,4 +1,5 @@
-// What tables of contacts share: the class of their items, and the copying of pictures.
+// What tables of contacts share: the class of their items; and for a store that keeps pictures as
+// files, their copying.
 #pragma once
 
 #include "outlook/store/ContentTable.h"
@@ -13,8 +14,9 @@ class CAddressTable : public CContentTable
     Microsoft::WRL::ComPtr<INEntityItem> CreateItem() override;
 
     // Copies a file into the stream, from where that stands; ends where a read gives nothing more
-    // or a call fails.
-    // Returns: the number of bytes that the stream took; 0 for a null argument and for a file that
-    //          does not open.
+    // or a call fails. For stores that keep pictures as files.
+    // Limits:  those of CopyPicture; a longer file is cut there.
+    // Returns: the number of bytes that the stream took; 0 for a null argument, for a file that
+    //          does not open and for a path to a pipe or a device.
     static ULONG SavePicture(const wchar_t* path, IStream* stream);
 };

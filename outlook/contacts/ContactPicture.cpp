@@ -1,13 +1,12 @@
 #include "outlook/contacts/ContactPicture.h"
 
+#include "outlook/contacts/PictureCopy.h"
 #include "outlook/contacts/PictureFile.h"
 #include "outlook/contacts/PictureJournal.h"
 #include "outlook/store/PropertyArray.h"
-#include "outlook/store/StreamReads.h"
 #include "platform/UniqueHandle.h"
 #include "service/Log.h"
 
-#include <algorithm>
 #include <array>
 
 using Microsoft::WRL::ComPtr;
@@ -15,8 +14,8 @@ using Microsoft::WRL::ComPtr;
 namespace
 {
 constexpr ULONG kDataTag = 0x37010102; // PR_ATTACH_DATA_BIN
-constexpr std::size_t kReadPieceBytes = 16384;
 constexpr std::size_t kWritePieceBytes = 8192;
+constexpr DWORD kNoSharing = 0;
 
 // The data of an attachment; null where it cannot be opened.
 ComPtr<IStream> OpenData(IAttach& attachment, ULONG flags)
@@ -53,25 +52,8 @@ NewFile ReserveFile(const wchar_t* fileName, const wchar_t* extension)
     return file;
 }
 
-// Copies until a read gives nothing or fails, or a write falls short.
-void CopyToFile(IStream& data, IStream& file)
-{
-    std::array<BYTE, kReadPieceBytes> piece;
-    std::uint64_t total = 0;
-    for (unsigned reads = 0; total < kLongestPictureBytes && reads < kMostStreamReads; ++reads)
-    {
-        ULONG read = 0;
-        if (FAILED(data.Read(piece.data(), static_cast<ULONG>(piece.size()), &read)) || read == 0)
-            return;
-        read = std::min(read, static_cast<ULONG>(piece.size()));
-        ULONG written = 0;
-        if (FAILED(file.Write(piece.data(), read, &written)) || written < read)
-            return;
-        total += read;
-    }
-}
-
-// The same the other way. Returns the bytes that were read.
+// Copies until a read gives nothing or fails, or a write falls short. Returns the bytes that were
+// read.
 LONG CopyFromFile(HANDLE file, IStream& data)
 {
     std::array<BYTE, kWritePieceBytes> piece;
@@ -88,23 +70,6 @@ LONG CopyFromFile(HANDLE file, IStream& data)
             break;
     }
     return static_cast<LONG>(total);
-}
-
-// Null where there is no such file. The path is a client's: what is no file on a disk, such as a
-// pipe or a device, could keep the server waiting for bytes, and counts as none.
-UniqueFile OpenPictureFile(const std::wstring& path)
-{
-    constexpr DWORD kNoSharing = 0;
-    UniqueFile file(CreateFileW(path.c_str(),
-                                GENERIC_READ,
-                                kNoSharing,
-                                nullptr,
-                                OPEN_EXISTING,
-                                FILE_ATTRIBUTE_NORMAL,
-                                nullptr));
-    if (file && GetFileType(file.Get()) != FILE_TYPE_DISK)
-        file.Reset();
-    return file;
 }
 
 // What marks an attachment as a contact's picture.
@@ -154,7 +119,7 @@ std::wstring SavePictureFile(IMessage& message,
             target.path.c_str(), STGM_CREATE | STGM_WRITE, file.GetAddressOf())) ||
         !file)
         return {};
-    CopyToFile(*data.Get(), *file.Get());
+    CopyPicture(*data.Get(), *file.Get());
     file->Commit(STGC_DEFAULT);
     return target.path;
 }
@@ -164,7 +129,7 @@ void CreatePicture(const std::wstring& path, IAttach* attachment)
     if (path.empty() || !attachment)
         return;
     LogPrintf(L"CMAPIAddrBook::Create Picture");
-    UniqueFile file = OpenPictureFile(path);
+    UniqueFile file = OpenPictureFile(path, kNoSharing);
     if (!file)
         return;
     ComPtr<IStream> data = OpenData(*attachment, MAPI_CREATE | MAPI_MODIFY);

@@ -1,9 +1,9 @@
 // Moves the picture of a contact between an attachment of its message and a file.
 #pragma once
 
+#include "outlook/contacts/PictureCopy.h"
 #include "platform/WindowsHeaders.h"
 
-#include <cstdint>
 #include <string>
 
 // Copies an attachment into a new file of the user's temporary folder. Its name takes prefix and
@@ -16,8 +16,6 @@ std::wstring SavePictureFile(IMessage& message,
                              ULONG attachmentNumber,
                              const wchar_t* fileName,
                              const wchar_t* extension);
-
-inline constexpr std::uint64_t kLongestPictureBytes = 64u << 20;
 
 // Fills an open attachment from a file, marks it as a contact's picture and saves it. Nothing for
 // an empty path or a null attachment; where the file or the attachment's data cannot be opened,

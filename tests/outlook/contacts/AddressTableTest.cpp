@@ -1,11 +1,14 @@
 #include "outlook/contacts/AddressTable.h"
 
 #include "outlook/FakeStore.h"
+#include "outlook/contacts/PictureCopy.h"
+#include "platform/UniqueHandle.h"
 #include "support/ScratchDirectory.h"
 
 #include <gmock/gmock.h>
 
 #include <fstream>
+#include <thread>
 
 using Microsoft::WRL::ComPtr;
 using testing::ElementsAre;
@@ -123,4 +126,39 @@ TEST_F(AddressTablePictureTest, AWriteThatFailsEndsTheCopyWithWhatWasTaken)
     const std::wstring path = FileOf(0x4000 * 3);
     EXPECT_EQ(0x8000u, OpenAddressTable::SavePicture(path.c_str(), &m_stream));
     EXPECT_THAT(m_stream.portions, ElementsAre(0x4000, 0x4000));
+}
+
+TEST_F(AddressTablePictureTest, TheCopyStopsAtItsLimit)
+{
+    const std::wstring path = FileOf(0);
+    std::filesystem::resize_file(path, kLongestPictureBytes + 1);
+    EXPECT_EQ(64u * 1024 * 1024, OpenAddressTable::SavePicture(path.c_str(), &m_stream));
+    EXPECT_EQ(64u * 1024 * 1024, m_stream.bytes.size());
+}
+
+TEST_F(AddressTablePictureTest, ADeviceIsNoPicture)
+{
+    EXPECT_EQ(0u, OpenAddressTable::SavePicture(L"NUL", &m_stream));
+    EXPECT_EQ(0u, OpenAddressTable::SavePicture(L"\\\\.\\NUL", &m_stream));
+    EXPECT_THAT(m_stream.portions, IsEmpty());
+}
+
+// Its other end may never write.
+TEST_F(AddressTablePictureTest, APipeIsNoPicture)
+{
+    const std::wstring name =
+        L"\\\\.\\pipe\\PimStoreBridgeTest" + std::to_wstring(GetCurrentProcessId());
+    UniqueFile pipe(CreateNamedPipeW(
+        name.c_str(), PIPE_ACCESS_OUTBOUND, PIPE_TYPE_BYTE | PIPE_WAIT, 1, 4096, 4096, 0, nullptr));
+    ASSERT_TRUE(pipe);
+    // Writes a little and closes, so that a copy would end.
+    std::jthread writer([&pipe] {
+        ConnectNamedPipe(pipe.Get(), nullptr);
+        DWORD written = 0;
+        WriteFile(pipe.Get(), "abc", 3, &written, nullptr);
+        pipe.Reset();
+    });
+    EXPECT_EQ(0u, OpenAddressTable::SavePicture(name.c_str(), &m_stream));
+    writer.join();
+    EXPECT_THAT(m_stream.portions, IsEmpty());
 }
