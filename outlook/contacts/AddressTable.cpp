@@ -1,12 +1,18 @@
 #include "outlook/contacts/AddressTable.h"
 
 #include "outlook/contacts/PictureCopy.h"
+#include "service/ItemAccess.h"
 
 using Microsoft::WRL::ComPtr;
 
 ComPtr<INEntityItem> CAddressTable::CreateItem()
 {
     return NewItem(CLSID_NContactItem);
+}
+
+bool CAddressTable::IsWritable(INEntityItem& item)
+{
+    return QueryItem<INContactItem>(&item) != nullptr;
 }
 
 ULONG CAddressTable::SavePicture(const wchar_t* path, IStream* stream)

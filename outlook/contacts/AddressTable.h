@@ -12,6 +12,8 @@ class CAddressTable : public CContentTable
   protected:
     // A new contact.
     Microsoft::WRL::ComPtr<INEntityItem> CreateItem() override;
+    // Contacts alone: the clearing of another item's message would be all that happens to it.
+    bool IsWritable(INEntityItem& item) override;
 
     // Copies a file into the stream, from where that stands; ends where a read gives nothing more
     // or a call fails. For stores that keep pictures as files.

@@ -227,7 +227,7 @@ BOOL CContentTable::UpdateItem(INEntityItem* item)
         return FALSE;
     ComPtr<IMAPIProp> entity;
     OpenEntity(*container.Get(), id, MAPI_MODIFY, entity);
-    if (!entity)
+    if (!entity || !IsWritable(*item))
         return FALSE;
     m_pCurrentEntity = entity;
     const ScopeExit closed([this] { m_pCurrentEntity.Reset(); });

@@ -100,6 +100,9 @@ class CContentTable : public IEnumerator, public ICallback, public LiveObject
     // Deletes the listed objects from the container, or from the base one for null; by default
     // messages.
     virtual bool DeleteEntities(ENTRYLIST& entries, IMAPIContainer* container);
+    // Whether the item is of a kind that this table writes. Asked before an update changes
+    // anything.
+    virtual bool IsWritable(INEntityItem&) { return true; }
     // Makes m_pCurrentEntity ready for an update. The update goes on whatever this returns.
     virtual bool PrepareEntity() { return true; }
     // The ID under which clients know an entry; by default its own. utcLastModified comes as 0.0

@@ -2,10 +2,14 @@
 #include "windowscontacts/WindowsContactFixture.h"
 
 #include "support/DebugOutputCapture.h"
+#include "tests/service/FakeItem.h"
 
 using Microsoft::WRL::ComPtr;
+using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 
 namespace
@@ -208,6 +212,16 @@ TEST_F(WindowsContactUpdateTest, ABusinessBoxComesBackAsTheState)
     EXPECT_TRUE(Update(contact.Get(), "ann"));
     EXPECT_THAT(Stored("ann"),
                 ElementsAre("3001001F \"Ann\"", "3A06001F \"Ann\"", "3A28001F \"7\""));
+}
+
+TEST_F(WindowsContactUpdateTest, AnItemThatIsNoContactIsNotWritten)
+{
+    AddContact("ann", StoreProps().Text(0x3001001F, L"Ann"));
+    LoadTable();
+    const auto group = FakeItem::Make(IID_INContactGroup, IdOf("ann"));
+    EXPECT_FALSE(table->UpdateItem(group.Get()));
+    EXPECT_THAT(store.Calls(), Not(Contains(HasSubstr("DeleteProps"))));
+    EXPECT_THAT(store.Calls(), Not(Contains(HasSubstr("SaveChanges"))));
 }
 
 TEST_F(WindowsContactUpdateTest, AFailedClearingIsNotNoticed)

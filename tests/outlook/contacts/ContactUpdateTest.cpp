@@ -224,7 +224,8 @@ TEST_F(ContactUpdateTest, TheCountOfValuesIsLogged)
 
 TEST_F(ContactUpdateTest, AnItemThatIsNoContactWritesNothing)
 {
-    AddContact("ann", "contacts");
+    AddContact("ann", "contacts", StoreProps().Text(0x3001001F, L"Ann"));
+    store.AddAttachment("ann");
     LoadTable();
     ComPtr<INEntityItem> group;
     CoCreateInstance(CLSID_NContactGroup,
@@ -233,6 +234,13 @@ TEST_F(ContactUpdateTest, AnItemThatIsNoContactWritesNothing)
                      IID_INEntityItem,
                      reinterpret_cast<void**>(group.GetAddressOf()));
     ASSERT_TRUE(group);
+    const Lines before = Stored("ann");
+    group->put_EntityID(Bstr(IdOf("ann")).Get());
+    EXPECT_EQ(FALSE, table->UpdateItem(group.Get()));
+    EXPECT_EQ(before, Stored("ann"));
+    EXPECT_TRUE(store.Exists("ann#0"));
+    EXPECT_THAT(store.Calls(),
+                ElementsAre("IMAPIFolder(contacts).OpenEntry(ann, null, 00000001, type)"));
     EXPECT_EQ(L"", table->AddItem(group.Get(), addedTo));
     EXPECT_EQ(1u, store.ChildrenOf("contacts").size() - 1); // beside "family"
     EXPECT_THAT(store.Calls(), Not(Contains(StartsWith("IMessage(new 1).SetProps"))));
