@@ -93,6 +93,22 @@ ULONG CountBytes(IStream* stream)
     return total;
 }
 
+// Fills the buffer with as many bytes as come; a stream that gives all at once is read once.
+// Returns: how many came.
+ULONG ReadWhole(IStream* stream, std::string& buffer)
+{
+    const ULONG size = static_cast<ULONG>(buffer.size());
+    ULONG total = 0;
+    for (unsigned reads = 0; total < size && reads < kMostStreamReads; ++reads)
+    {
+        const ULONG read = Read(stream, buffer.data() + total, size - total);
+        if (read == 0)
+            break;
+        total += read;
+    }
+    return total;
+}
+
 // The bytes up to their first zero, as text of the system's ANSI code page.
 std::wstring WideText(const char* bytes)
 {
@@ -118,7 +134,7 @@ std::wstring ReadRtf(IMAPIProp* message, CNProxcy& proxy)
     std::string bytes(size, '\0');
     if (FAILED(stream->Seek({}, STREAM_SEEK_SET, nullptr)))
         return {};
-    bytes.resize(Read(stream, bytes.data(), size));
+    bytes.resize(ReadWhole(stream, bytes));
     return WideText(bytes.c_str());
 }
 } // namespace

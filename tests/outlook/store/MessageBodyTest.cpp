@@ -27,6 +27,7 @@ class FakeStream final : public StreamWithoutOperations
     std::size_t lostBehindSeek = 0;
     bool overstates = false;
     ULONG mostPerPiece = 1024;
+    ULONG mostBehindSeek = 0xFFFFFFFF; // of one read
 
     STDMETHODIMP Read(void* buffer, ULONG size, ULONG* read) override
     {
@@ -45,7 +46,7 @@ class FakeStream final : public StreamWithoutOperations
         }
         const std::size_t end = bytes.size() - (m_sought ? lostBehindSeek : 0);
         const std::size_t left = end > m_position ? end - m_position : 0;
-        const std::size_t most = m_sought ? size : std::min(size, mostPerPiece);
+        const std::size_t most = std::min(size, m_sought ? mostBehindSeek : mostPerPiece);
         const std::size_t count = std::min(most, left);
         std::memcpy(buffer, bytes.data() + m_position, count);
         m_position += count;
@@ -294,6 +295,25 @@ TEST_F(MessageBodyTest, AShorterSecondReadingGivesWhatItHolds)
 {
     rtf.lostBehindSeek = 4; // "{\rtf1 from "
     EXPECT_EQ(L"from ", ReadBody(false));
+}
+
+// A stream may give fewer bytes than it was asked for without being at its end.
+TEST_F(MessageBodyTest, ASecondReadingInPiecesIsReadToItsEnd)
+{
+    rtf.bytes = "{\\rtf1 " + std::string(1000, 'a') + "}"; // 1,008 bytes
+    rtf.mostBehindSeek = 400;
+    EXPECT_EQ(std::wstring(1000, L'a'), ReadBody(false));
+    StoreCalls reads = calls;
+    std::erase_if(reads, [](const std::string& call) { return !call.starts_with("Read "); });
+    EXPECT_THAT(reads, ElementsAre("Read 1008", "Read 608", "Read 208"));
+}
+
+// Nor for ever.
+TEST_F(MessageBodyTest, ASecondReadingThatTricklesIsCutToo)
+{
+    rtf.bytes = "{\\rtf1 " + std::string(70'000, 'a') + "}";
+    rtf.mostBehindSeek = 1;
+    EXPECT_EQ(std::wstring(65'536 - 7, L'a'), ReadBody(false));
 }
 
 TEST_F(MessageBodyTest, AStreamThatOverstatesItsReadsIsNotBelieved)
