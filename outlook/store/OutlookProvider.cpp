@@ -66,6 +66,13 @@ template <typename Interface> LPUNKNOWN* OutUnknown(ComPtr<Interface>& pointer)
     return reinterpret_cast<LPUNKNOWN*>(pointer.ReleaseAndGetAddressOf());
 }
 
+// A failed call owes null outputs. What a careless store gave nevertheless goes back to it unused.
+template <typename Interface> void DropIfFailed(HRESULT result, ComPtr<Interface>& object)
+{
+    if (FAILED(result))
+        object.Reset();
+}
+
 // Bytes at null, which no store may be asked for.
 bool IsNullId(const SBinary& entry)
 {
@@ -78,10 +85,10 @@ MapiBuffer<SPropValue> ReadEntryId(IMAPIProp* object, ULONG tag, ULONG flags, CN
     TagArray tags({&tag, 1});
     ULONG count = 0;
     SPropValue* values = nullptr;
-    object->GetProps(tags.Get(), flags, &count, &values);
+    const HRESULT result = object->GetProps(tags.Get(), flags, &count, &values);
     auto owned = AdoptMapiBuffer(values, proxy);
-    if (owned &&
-        (count != 1 || PROP_TYPE(owned->ulPropTag) != PROP_TYPE(tag) || IsNullId(owned->Value.bin)))
+    if (owned && (FAILED(result) || count != 1 || PROP_TYPE(owned->ulPropTag) != PROP_TYPE(tag) ||
+                  IsNullId(owned->Value.bin)))
         owned.reset();
     return owned;
 }
@@ -299,6 +306,7 @@ ComPtr<IMAPIFolder> COutlookProvider::OpenFolder(const SBinary& entry, HRESULT& 
                                     MAPI_BEST_ACCESS,
                                     &type,
                                     OutUnknown(folder));
+    DropIfFailed(result, folder);
     if (type != MAPI_FOLDER)
         folder.Reset();
     return folder;
@@ -326,15 +334,18 @@ void COutlookProvider::OpenDefaultFolder(ULONG tag, ComPtr<IMAPIFolder>& folder)
     if (SUCCEEDED(received) && !IsNullId({entrySize, reinterpret_cast<BYTE*>(entry)}))
     {
         ULONG type = 0;
-        m_pMsgStore->OpenEntry(
-            entrySize, entry, nullptr, MAPI_BEST_ACCESS, &type, OutUnknown(inbox));
+        DropIfFailed(m_pMsgStore->OpenEntry(
+                         entrySize, entry, nullptr, MAPI_BEST_ACCESS, &type, OutUnknown(inbox)),
+                     inbox);
         if (inbox)
             value = ReadEntryId(inbox.Get(), tag, MAPI_UNICODE, proxy);
     }
     ComPtr<IMAPIProp> root;
     if (!value)
     {
-        m_pMsgStore->OpenEntry(0, nullptr, nullptr, MAPI_BEST_ACCESS, nullptr, OutUnknown(root));
+        DropIfFailed(m_pMsgStore->OpenEntry(
+                         0, nullptr, nullptr, MAPI_BEST_ACCESS, nullptr, OutUnknown(root)),
+                     root);
         if (root)
             value = ReadEntryId(root.Get(), tag, MAPI_UNICODE, proxy);
     }
@@ -349,9 +360,9 @@ void COutlookProvider::OpenDefaultFolder(ULONG tag, ComPtr<IMAPIFolder>& folder)
 std::wstring COutlookProvider::EntryIdHex(IMAPIProp* object)
 {
     SPropValue* value = nullptr;
-    m_pHelper->Proxy().HrGetOneProp(object, PR_ENTRYID, &value);
+    const HRESULT result = m_pHelper->Proxy().HrGetOneProp(object, PR_ENTRYID, &value);
     const auto owned = AdoptMapiBuffer(value, m_pHelper->Proxy());
-    if (!owned || PROP_TYPE(owned->ulPropTag) != PT_BINARY)
+    if (FAILED(result) || !owned || PROP_TYPE(owned->ulPropTag) != PT_BINARY)
         return {};
     return CMAPIHelper::BinaryToHex(owned->Value.bin);
 }
@@ -443,6 +454,7 @@ BOOL COutlookProvider::OnAssociatedRow(const Row& row, BOOL* goesOn)
                                                   OutUnknown(m_pCategoryMessage));
     LogPrintf(
         L"=========m_pMsgStore->OpenEntry, %s, hr = 0X%p \r\n", kCategoryMessageClass, Hr(result));
+    DropIfFailed(result, m_pCategoryMessage);
     if (type != MAPI_MESSAGE)
         m_pCategoryMessage.Reset();
     *goesOn = FALSE;
@@ -543,6 +555,7 @@ void COutlookProvider::GetUserPropertyTable()
     result = m_pMAPISession->OpenEntry(
         entrySize, entry, nullptr, MAPI_BEST_ACCESS, &type, OutUnknown(m_pIdentity));
     LogPrintf(L"=========m_pMAPISession->OpenEntry(), hr = 0X%p \r\n", Hr(result));
+    DropIfFailed(result, m_pIdentity);
 }
 
 BOOL COutlookProvider::OnPropertyRow(ULONG cValues,

@@ -569,3 +569,54 @@ TEST_F(OutlookProviderFaultTest, WhatAFailedCallGaveIsGivenBack)
     }
     EXPECT_EQ(41u, runs); // 44 calls, of which two read rows and one the identity's texts
 }
+
+// A failing call that gave something is a failing call: what follows is the same.
+// Of the logon and of the question for the identity it is not: there the object itself counts.
+TEST_F(OutlookProviderFaultTest, WhatAFailedCallGaveIsNotUsed)
+{
+    const auto callsWith = [this](unsigned number, StoreFault fault) {
+        RecordingStore store;
+        AddStoreWithIdentity(store);
+        AddCategories(store);
+        store.Fail(number, fault);
+        LogOnAndEnd();
+        EXPECT_EQ("", store.Complaints());
+        return store.Calls();
+    };
+    std::vector<RecordedStoreCall> calls;
+    {
+        RecordingStore store;
+        AddStoreWithIdentity(store);
+        AddCategories(store);
+        LogOnAndEnd();
+        calls = store.Record();
+    }
+    unsigned runs = 0;
+    for (const RecordedStoreCall& call : calls)
+    {
+        if (!call.number || call.text.find("QueryRows") != std::string::npos ||
+            call.text.starts_with("IMailUser") || call.text.starts_with("MAPILogonEx") ||
+            call.text.find("QueryIdentity") != std::string::npos)
+            continue;
+        EXPECT_EQ(callsWith(call.number, StoreFault::CallFailed),
+                  callsWith(call.number, StoreFault::FailsWithWork))
+            << call.text;
+        ++runs;
+    }
+    EXPECT_GT(runs, 30u);
+}
+
+// Sixteen bytes at null are no entry ID.
+TEST_F(OutlookProviderFaultTest, ABinaryWithoutItsBytesIsNone)
+{
+    RecordingStore store;
+    AddStoreWithIdentity(store);
+    store.FailNext("IMAPIFolder(inbox).GetProps([36D10102]", StoreFault::NullPointers);
+    LogOnAndEnd();
+    EXPECT_EQ(S_OK, result);
+    const StoreLines lines = store.Calls();
+    const auto asked = std::ranges::find(lines, ReadInbox("36D10102"));
+    ASSERT_NE(lines.end(), asked);
+    ASSERT_NE(lines.end(), asked + 1);
+    EXPECT_EQ(OpenRoot(), asked[1]);
+}
