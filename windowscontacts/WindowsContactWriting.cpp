@@ -130,14 +130,9 @@ class Writer
 
     void AddAddress(const AddressRow& row)
     {
-        _tagNAddress address = {};
-        if (FAILED(m_contact.get_Address(row.type, &address)))
-            return;
-        Bstr texts[kAddressFieldCount];
-        for (std::size_t i = 0; i < kAddressFieldCount; ++i)
-            texts[i] = Bstr::Adopt(address.*kAddressFields[i]);
-        for (std::size_t i = 0; i < kAddressFieldCount; ++i)
-            AddText(row.tags[i], TextOf(texts[i].Get()));
+        const auto texts = AddressIn(m_contact, row.type);
+        for (std::size_t i = 0; texts && i < kAddressFieldCount; ++i)
+            AddText(row.tags[i], TextOf((*texts)[i].Get()));
     }
 
     void AddDates()

@@ -83,6 +83,18 @@ bool ToFileTime(DATE date, FILETIME& time)
     return DateToSystemTime(date, calendar) && SystemTimeToFileTime(&calendar, &time);
 }
 
+std::optional<std::array<Bstr, kAddressFieldCount>> AddressIn(INContactItem& contact,
+                                                              _tagNAddressType type)
+{
+    _tagNAddress address = {};
+    if (FAILED(contact.get_Address(type, &address)))
+        return std::nullopt;
+    std::array<Bstr, kAddressFieldCount> texts;
+    for (std::size_t i = 0; i < kAddressFieldCount; ++i)
+        texts[i] = Bstr::Adopt(address.*kAddressFields[i]);
+    return texts;
+}
+
 std::vector<std::wstring> TextsIn(SAFEARRAY* array)
 {
     VARTYPE type = VT_EMPTY;

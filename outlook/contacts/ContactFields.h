@@ -3,12 +3,14 @@
 #pragma once
 
 #include "outlook/store/PropertyView.h"
+#include "platform/Bstr.h"
 #include "platform/WindowsHeaders.h"
 
 #include "PimStoreBridge.h"
 
 #include <array>
 #include <iterator>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -60,6 +62,9 @@ using ContactTextGet = HRESULT (STDMETHODCALLTYPE INContactItem::*)(BSTR*);
 // Empty where the item refuses.
 std::wstring TextIn(INContactItem& contact, ContactTextGet get);
 std::wstring PhoneIn(INContactItem& contact, _tagNPhoneNumberType type);
+// The texts of an address, by kAddressFields; nothing where the item refuses.
+std::optional<std::array<Bstr, kAddressFieldCount>> AddressIn(INContactItem& contact,
+                                                              _tagNAddressType type);
 // The texts of a one-dimensional array of them; empty for anything else.
 std::vector<std::wstring> TextsIn(SAFEARRAY* array);
 

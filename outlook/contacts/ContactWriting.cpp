@@ -166,16 +166,13 @@ class Writer
     // findTags gives zeros where there are none. An empty text is written, a null one is not.
     template <typename FindTags> void AddAddress(_tagNAddressType type, FindTags findTags)
     {
-        _tagNAddress address = {};
-        if (FAILED(m_contact.get_Address(type, &address)))
+        const auto texts = AddressIn(m_contact, type);
+        if (!texts)
             return;
-        Bstr texts[kAddressFieldCount];
-        for (std::size_t i = 0; i < kAddressFieldCount; ++i)
-            texts[i] = Bstr::Adopt(address.*kAddressFields[i]);
         const AddressTags tags = findTags();
         for (std::size_t i = 0; i < kAddressFieldCount; ++i)
-            if (texts[i] && IsNamedTag(tags[i]))
-                m_values.AddText(tags[i], TextOf(texts[i].Get()));
+            if ((*texts)[i] && IsNamedTag(tags[i]))
+                m_values.AddText(tags[i], TextOf((*texts)[i].Get()));
     }
 
     void AddDates()
