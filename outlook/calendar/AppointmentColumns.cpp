@@ -18,8 +18,8 @@ struct ColumnRow
 constexpr ColumnRow kColumns[] = {
     {kColumnLastModified,    nullptr,          PR_LAST_MODIFICATION_TIME},
     {kColumnSubject,         nullptr,          PR_SUBJECT_W},
-    {kColumnReminderSet,     &kCommonSet,      0x8503},
-    {kColumnReminderMinutes, &kCommonSet,      0x8501},
+    {kColumnReminderSet,     &kCommonNames,      0x8503},
+    {kColumnReminderMinutes, &kCommonNames,      0x8501},
     {kColumnPlace,           &kAppointmentSet, 0x8208},
     {kColumnIsRecurring,     &kAppointmentSet, 0x8223},
     {kColumnRecurrence,      &kAppointmentSet, 0x8216},
@@ -46,7 +46,7 @@ constexpr bool StandInOrder()
 static_assert(StandInOrder());
 
 // The names are looked up set by set, each set's in the order of the columns.
-constexpr const GUID* kSets[] = {&kCommonSet, &kAppointmentSet};
+constexpr const GUID* kSets[] = {&kCommonNames, &kAppointmentSet};
 } // namespace
 
 AppointmentTags FindAppointmentTags(IMAPIProp& folder, CNProxcy& proxy)

@@ -1,6 +1,7 @@
 #include "outlook/calendar/AppointmentReading.h"
 
 #include "outlook/calendar/AppointmentColumns.h"
+#include "outlook/calendar/AppointmentNames.h"
 #include "outlook/calendar/AppointmentZone.h"
 #include "outlook/calendar/RecurrenceBlob.h"
 #include "outlook/store/MAPIHelper.h"
@@ -18,7 +19,6 @@ using Microsoft::WRL::ComPtr;
 
 namespace
 {
-constexpr ULONG kNoReminder = 0xFFFFFFFF;
 
 // As the property counts; out of office is 3.
 constexpr LONG kBusy = 2;

@@ -20,7 +20,6 @@ using Microsoft::WRL::ComPtr;
 
 namespace
 {
-constexpr ULONG kNoReminder = 0xFFFFFFFF;
 constexpr ULONG kIconIndex = 0x10800003; // PR_ICON_INDEX
 constexpr USHORT kTrue = 0xFFFF;         // what stores keep for true; a few properties have 1
 
@@ -55,7 +54,7 @@ struct NamedSet
 };
 
 constexpr NamedSet kSets[] = {{&kAppointmentSet, kAppointmentNumbers},
-                              {&kCommonSet, kCommonNumbers}};
+                              {&kCommonNames, kCommonNumbers}};
 
 // A text of the item; nothing where it cannot be read or is null.
 using TextGetter = HRESULT (STDMETHODCALLTYPE INAppointment::*)(BSTR*);
@@ -352,21 +351,21 @@ constexpr Row kRows[] = {
     {nullptr,          kIconIndex,               PT_LONG,    Where::Always, AddIcon},
     {&kAppointmentSet, 0x8233,                   PT_BINARY,  Where::Known,  AddZoneStructure},
     {&kAppointmentSet, 0x8215,                   PT_BOOLEAN, Where::Known,  AddIsAllDay},
-    {&kCommonSet,      0x8516,                   PT_SYSTIME, Where::Known,  AddStart},
+    {&kCommonNames,      0x8516,                   PT_SYSTIME, Where::Known,  AddStart},
     {&kAppointmentSet, 0x820D,                   PT_SYSTIME, Where::Known,  AddStart},
     {&kAppointmentSet, 0x8235,                   PT_SYSTIME, Where::Known,  AddStart},
-    {&kCommonSet,      0x8517,                   PT_SYSTIME, Where::Known,  AddEnd},
+    {&kCommonNames,      0x8517,                   PT_SYSTIME, Where::Known,  AddEnd},
     {&kAppointmentSet, 0x820E,                   PT_SYSTIME, Where::Known,  AddEnd},
     {&kAppointmentSet, 0x8236,                   PT_SYSTIME, Where::Known,  AddEnd},
     {&kAppointmentSet, 0x8213,                   PT_LONG,    Where::Known,  AddDuration},
     {&kAppointmentSet, 0x8234,                   PT_UNICODE, Where::Always, AddZoneDescription},
-    {&kCommonSet,      0x8510,                   PT_LONG,    Where::Known,  AddFixedLong<0x171>},
-    {&kCommonSet,      0x8503,                   PT_BOOLEAN, Where::Known,  AddReminderSet},
-    {&kCommonSet,      0x8501,                   PT_LONG,    Where::Known,  AddReminderMinutes},
-    {&kCommonSet,      0x8502,                   PT_SYSTIME, Where::Known,  AddReminderTime},
-    {&kCommonSet,      0x851C,                   PT_BOOLEAN, Where::Known,  AddFixedBool<kTrue>},
-    {&kCommonSet,      0x851E,                   PT_BOOLEAN, Where::Known,  AddFixedBool<kTrue>},
-    {&kCommonSet,      0x851F,                   PT_UNICODE, Where::Known,  AddReminderSound},
+    {&kCommonNames,      0x8510,                   PT_LONG,    Where::Known,  AddFixedLong<0x171>},
+    {&kCommonNames,      0x8503,                   PT_BOOLEAN, Where::Known,  AddReminderSet},
+    {&kCommonNames,      0x8501,                   PT_LONG,    Where::Known,  AddReminderMinutes},
+    {&kCommonNames,      0x8502,                   PT_SYSTIME, Where::Known,  AddReminderTime},
+    {&kCommonNames,      0x851C,                   PT_BOOLEAN, Where::Known,  AddFixedBool<kTrue>},
+    {&kCommonNames,      0x851E,                   PT_BOOLEAN, Where::Known,  AddFixedBool<kTrue>},
+    {&kCommonNames,      0x851F,                   PT_UNICODE, Where::Known,  AddReminderSound},
 };
 // clang-format on
 static_assert(std::size(kRows) == 31);
