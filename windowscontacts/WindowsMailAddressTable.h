@@ -31,7 +31,7 @@ class CWindowsMailAddressTable : public CAddressTable
   protected:
     enum CreateCallType : int
     {
-        kCreateEntry = 200, // a template's entry ID
+        kCreateEntry = 200, // a template's entry ID; a fixed number, which no walk here has
     };
 
     // Opens the entry: distribution lists are no contacts.

@@ -31,7 +31,7 @@ class COutlookAddressTable : public CAddressTable
     void Detach() noexcept override;
 
   protected:
-    // Rows of attachments, with kAttachmentColumns.
+    // Rows of attachments, with kAttachmentColumns. Fixed numbers; no walk here has 210.
     enum PictureCallType : int
     {
         kReadPicture = 200,

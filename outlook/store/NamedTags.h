@@ -41,12 +41,12 @@ std::vector<ULONG> FindNamedTags(IMAPIProp& object,
                                  std::span<const LONG> numbers);
 
 // The same for callers to whom a failing call means more than unknown names: nothing where it
-// fails, and 0 for a tag that it does not give.
+// fails, and 0 for a tag that it does not give; an unknown name's is for IsNamedTag to tell.
 std::optional<std::vector<ULONG>> TryFindNamedTags(IMAPIProp& object,
                                                    CNProxcy& proxy,
                                                    const GUID& set,
                                                    std::span<const LONG> numbers);
 
-// The same for one name: 0 where the call fails.
+// The same for one name: 0 where the call fails, so that only IsNamedTag tells a usable tag.
 ULONG FindNamedTag(IMAPIProp& object, CNProxcy& proxy, const GUID& set, LONG number);
 ULONG FindNamedTag(IMAPIProp& object, CNProxcy& proxy, const GUID& set, const wchar_t* name);

@@ -52,7 +52,8 @@ constexpr ULONG kNoComInitialisation = 8; // MAPI_NO_COINIT
 // Folders nest less deep in any store of people; each level takes stack.
 constexpr int kDeepestLevel = 256;
 
-// As many folders hold others; a store that names its folders anew each time has no last one.
+// How many folders one walk looks into. A store that names its folders anew each time has no last
+// one; what lies below further folders is left out.
 constexpr std::size_t kMostWalkedFolders = 0x2000;
 
 // The interfaces take texts that they do not write to.

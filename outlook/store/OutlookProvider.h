@@ -27,9 +27,9 @@ class COutlookProvider : public IProvider, public ICallback
 
     // Finds the library, logs on and opens the store with its folders. Called once. Creates the
     // calendar's category message where there is none, so that the store changes by it.
-    // Returns: S_OK; MAPILogonEx's code where that gave no session; else E_FAIL. After a failure
-    // the
-    //          provider is of no use.
+    // Returns: S_OK; MAPILogonEx's code where that gave no session;
+    //          else E_FAIL.
+    // The provider is of no use after a failure.
     // Throws std::bad_alloc; what was opened until then stays until the end, and every operation
     // copes with the rest.
     HRESULT Logon();
