@@ -39,6 +39,14 @@ std::string ReadSettings(const std::wstring& path)
     }
 }
 
+bool IsMissing(const std::wstring& path)
+{
+    if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES)
+        return false;
+    const DWORD error = GetLastError();
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
 MachineZone MachineZoneOf(const TIME_ZONE_INFORMATION& zone)
 {
     const auto& name = zone.StandardName;
@@ -185,6 +193,16 @@ CCalendarFile* CWindowsMailCalendar::FindDefaultCalendarFile() const
     return m_files.empty() ? nullptr : m_files.front().get();
 }
 
+CCalendarFile* CWindowsMailCalendar::MakeDefaultCalendarFile()
+{
+    auto file = std::make_unique<CCalendarFile>(m_folder + kNewFileName, 1);
+    // One that appeared since the load, or could not be read then, holds events of others.
+    if (!file->Load() && !IsMissing(file->Path()))
+        return nullptr;
+    m_files.push_back(std::move(file));
+    return m_files.back().get();
+}
+
 void CWindowsMailCalendar::ResetItem()
 {
     m_position = 0;
@@ -293,10 +311,9 @@ std::wstring CWindowsMailCalendar::AddItem(INEntityItem* item, std::wstring&)
         return {};
     CCalendarFile* file = FindDefaultCalendarFile();
     if (!file)
-    {
-        m_files.push_back(std::make_unique<CCalendarFile>(m_folder + kNewFileName, 1));
-        file = m_files.back().get();
-    }
+        file = MakeDefaultCalendarFile();
+    if (!file)
+        return {};
     item->put_EntityID(Bstr(id).Get());
     auto event = std::make_unique<CVEvent>();
     FillEvent(*file, item, *event);

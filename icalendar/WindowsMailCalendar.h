@@ -47,9 +47,9 @@ class CWindowsMailCalendar : public IEnumerator
     void GetItemByID(const std::wstring& id) override;
     void GetCurrentItem(INEntityItem** item) override;
     BOOL UpdateItem(INEntityItem* item) override;
-    // Into the default calendar's file, else the first one, else a new "default.ics". The item's
-    // EntityID becomes the new ID. Where the save fails the event stays in the file's tree, and the
-    // next save of that file writes it. folderID is not touched.
+    // Into the default calendar's file, else the first one, else "default.ics", which is made where
+    // it is missing. The item's EntityID becomes the new ID. Where the save fails the event stays
+    // in the file's tree, and the next save of that file writes it. folderID is not touched.
     std::wstring AddItem(INEntityItem* item, std::wstring& folderID) override;
     // Returns 1 also where the file could not be saved; the event is then still in it.
     BOOL DeleteItem(const std::wstring& id) override;
@@ -58,6 +58,9 @@ class CWindowsMailCalendar : public IEnumerator
   private:
     void ReadDefaultCalendarName();
     CCalendarFile* FindDefaultCalendarFile() const;
+    // "default.ics" for the first event of a folder that had no file at the load; with its events
+    // where it is there by now. Null where it is there and cannot be read.
+    CCalendarFile* MakeDefaultCalendarFile();
     void LoadFile(const std::wstring& name);
     void FillAppointment(const CCalendarFile& file, INEntityItem* item, const CVEvent& event);
     void FillEvent(CCalendarFile& file, INEntityItem* item, CVEvent& event);

@@ -3,6 +3,7 @@
 #include "icalendar/CalendarFolder.h"
 #include "icalendar/RecordingAppointment.h"
 #include "platform/FileIo.h"
+#include "platform/UniqueHandle.h"
 #include "support/DebugOutputCapture.h"
 
 #include <gmock/gmock.h>
@@ -199,6 +200,41 @@ TEST_F(WindowsMailCalendarWriteTest, AddsAnEmptyEventForAnItemThatIsNoAppointmen
                      "END:VEVENT",
                      "END:VCALENDAR"}),
               Read(L"default.ics"));
+}
+
+TEST_F(WindowsMailCalendarWriteTest, AddsToADefaultFileThatAppearedSinceTheLoad)
+{
+    const auto first = LoadedCalendar();
+    const auto second = LoadedCalendar();
+    const std::wstring firstId = Add(*first, AnyItem().Get());
+    const std::wstring secondId = Add(*second, AnyItem().Get());
+    EXPECT_THAT(Walk(*LoadedCalendar()), ElementsAre(firstId, secondId));
+}
+
+TEST_F(WindowsMailCalendarWriteTest, ReplacesNoDefaultFileThatCannotBeRead)
+{
+    const std::string before = FileWith("UID:a\r\nSUMMARY:old\r\n");
+    Write(L"default.ics", before);
+    const auto hold = [&] {
+        return UniqueFile(CreateFileW((Folder() + L"default.ics").c_str(),
+                                      GENERIC_READ,
+                                      0,
+                                      nullptr,
+                                      OPEN_EXISTING,
+                                      FILE_ATTRIBUTE_NORMAL,
+                                      nullptr));
+    };
+    std::unique_ptr<CWindowsMailCalendar> calendar;
+    {
+        const UniqueFile held = hold();
+        ASSERT_TRUE(held);
+        calendar = LoadedCalendar();
+        EXPECT_EQ(L"", Add(*calendar, AnyItem().Get()));
+    }
+    EXPECT_EQ(before, Read(L"default.ics"));
+    // Once it is free it takes the event beside its own.
+    const std::wstring id = Add(*calendar, AnyItem().Get());
+    EXPECT_THAT(Walk(*LoadedCalendar()), ElementsAre(L"a", id));
 }
 
 TEST_F(WindowsMailCalendarWriteTest, PutsNewItemsIntoTheNamedCalendar)
