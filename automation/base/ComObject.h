@@ -103,8 +103,9 @@ template <typename ThreadModel> class CComObjectRootEx
     LONG m_refCount = 0;
 };
 
-// A plain object of class Base; holds a lock on the server. Ends itself with its last reference.
-template <typename Base> class CComObject final : public Base
+// A plain object of class Base; holds a lock on the server until its content is gone, hence the
+// order of the bases. Ends itself with its last reference.
+template <typename Base> class CComObject final : private ServerLock, public Base
 {
   public:
     CComObject() = default;
@@ -129,9 +130,6 @@ template <typename Base> class CComObject final : public Base
 
     // For CComCreator; the plain object has no outer one.
     static CComObject* Make(IUnknown*) { return new CComObject; }
-
-  private:
-    ServerLock m_lock;
 };
 
 // The part of an aggregated object that carries the interfaces: its identity is the outer object's.
