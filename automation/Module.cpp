@@ -2,13 +2,14 @@
 
 #include "automation/EndWatch.h"
 #include "automation/Registrar.h"
+#include "platform/ProgramPath.h"
 
 namespace
 {
 std::unique_ptr<IRegistration> MakeRegistration(CServerModule& module)
 {
     return std::make_unique<CRegistration>(
-        RegistrationScope::Machine, GetModulePath(nullptr), [&](IRegistrar* registrar) {
+        RegistrationScope::Machine, ProgramPath(), [&](IRegistrar* registrar) {
             return module.AddCommonRGSReplacements(registrar);
         });
 }

@@ -4,6 +4,7 @@
 #include "automation/Registration.h"
 #include "client/Failure.h"
 #include "client/core/CommandLine.h"
+#include "platform/ProgramPath.h"
 #include "platform/UniqueHandle.h"
 
 #include <string>
@@ -15,22 +16,11 @@ namespace
 constexpr const wchar_t* kServerName = L"PimStoreBridge.exe";
 constexpr DWORD kLongestRunMs = 60'000;
 
-// The path of a file in the folder of this program.
+// The path of a file in the folder of this program; empty where that is unknown.
 std::wstring PathBeside(const wchar_t* name)
 {
-    std::wstring path(MAX_PATH, L'\0');
-    for (;;)
-    {
-        const DWORD length =
-            GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-        if (length < path.size())
-        {
-            path.resize(length);
-            break;
-        }
-        path.resize(path.size() * 2);
-    }
-    return path.substr(0, path.rfind(L'\\') + 1) + name;
+    const std::wstring program = ProgramPath();
+    return program.empty() ? program : program.substr(0, program.rfind(L'\\') + 1) + name;
 }
 
 // The exit code of the server's program, which is an HRESULT.
@@ -60,6 +50,7 @@ HRESULT RunServer(const std::wstring& path, const wchar_t* change)
         return HRESULT_FROM_WIN32(GetLastError());
     return static_cast<HRESULT>(exitCode);
 }
+
 HRESULT ChangeUserRegistration(const std::wstring& path, bool isRegister)
 {
     CRegistration registration(RegistrationScope::User, path, [](IRegistrar* registrar) {

@@ -1,5 +1,7 @@
 #include "automation/base/ServerModule.h"
 
+#include "platform/ProgramPath.h"
+
 #include "platform/ScopeExit.h"
 
 #include <algorithm>
@@ -96,7 +98,7 @@ HRESULT CServerModule::LoadTypeInfo(REFIID iid, ITypeInfo** info)
     HRESULT result = S_OK;
     if (!m_library)
     {
-        const std::wstring path = GetModulePath(nullptr);
+        const std::wstring path = ProgramPath();
         result = LoadTypeLibEx(path.c_str(), REGKIND_NONE, m_library.GetAddressOf());
         if (FAILED(result))
             return result;
@@ -115,23 +117,4 @@ void CServerModule::ReleaseCaches() noexcept
     m_typeInfos.clear();
     m_library.Reset();
     m_git.Reset();
-}
-
-std::wstring GetModulePath(HMODULE module)
-{
-    // A path may be longer than MAX_PATH; the system tells only that it was cut.
-    std::wstring path(MAX_PATH, L'\0');
-    for (;;)
-    {
-        const DWORD length =
-            GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
-        if (length < path.size())
-        {
-            path.resize(length);
-            return path;
-        }
-        if (path.size() > 32768)
-            return {};
-        path.resize(path.size() * 2);
-    }
 }

@@ -4,7 +4,6 @@
 
 #include "platform/WindowsHeaders.h"
 
-#include <string>
 #include <vector>
 
 struct IRegistrar;
@@ -89,7 +88,3 @@ class ServerLock
   private:
     CServerModule* m_module;
 };
-
-// The full path of an executable or library of this process; null means the executable. Empty
-// where the system cannot tell it. Throws std::bad_alloc.
-std::wstring GetModulePath(HMODULE module);

@@ -1,5 +1,5 @@
 // What the built executable carries beside its code. It lies beside the test program.
-#include "automation/base/ServerModule.h"
+#include "platform/ProgramPath.h"
 #include "platform/UniqueHandle.h"
 
 #include <gmock/gmock.h>
@@ -16,9 +16,7 @@ namespace
 {
 std::wstring ServerPath()
 {
-    return std::filesystem::path(GetModulePath(nullptr))
-        .replace_filename(L"PimStoreBridge.exe")
-        .wstring();
+    return std::filesystem::path(ProgramPath()).replace_filename(L"PimStoreBridge.exe").wstring();
 }
 
 class ExecutableTest : public testing::Test

@@ -1,12 +1,13 @@
 #include "support/TypeLibraryRegistration.h"
 
-#include "automation/base/ServerModule.h"
+#include "platform/ProgramPath.h"
+#include "platform/WindowsHeaders.h"
 
 #include "PimStoreBridge.h"
 
 TypeLibraryRegistration::TypeLibraryRegistration()
 {
-    std::wstring path = GetModulePath(nullptr);
+    std::wstring path = ProgramPath();
     Microsoft::WRL::ComPtr<ITypeLib> library;
     m_result = LoadTypeLibEx(path.c_str(), REGKIND_NONE, library.GetAddressOf());
     if (SUCCEEDED(m_result))
