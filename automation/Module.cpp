@@ -115,7 +115,8 @@ HRESULT CPimStoreBridgeModule::Serve() noexcept
         return result;
 
     result = m_classObjects.Revoke();
-    // A client that has just found this process's class objects gets its answer before the end.
+    // Part of the contract. No call is served meanwhile: an activation finds no class object here
+    // any more and starts a new server.
     if (m_bDelayShutdown)
         Sleep(m_dwPause);
     return result;
