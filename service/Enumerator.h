@@ -41,7 +41,7 @@ class IEnumerator
     // Removes the item from the store. Returns 1 on success, else 0.
     virtual BOOL DeleteItem(const std::wstring& id) = 0;
 
-    // Replaces *entries by a copy of the light list and returns 1; returns 0 and leaves it alone
+    // Replaces entries by a copy of the light list and returns 1; returns 0 and leaves it alone
     // on an enumerator that has no such list.
     virtual BOOL GetItemList(std::list<ItemEntry>& entries) = 0;
 

@@ -29,7 +29,7 @@ std::wstring_view UpToNul(std::wstring_view text)
     return text.substr(0, text.find(L'\0'));
 }
 
-// The characters of a value of any length; its type in *type. Empty on failure. A value need not
+// The characters of a value of any length; its type in type. Empty on failure. A value need not
 // end in a NUL nor hold whole characters.
 std::wstring ReadCharacters(HKEY root,
                             const std::wstring& key,

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-// Converts the text up to its NUL. False, and *wide unchanged, for a null pointer; true also where
+// Converts the text up to its NUL. False, and wide unchanged, for a null pointer; true also where
 // memory ran out, with the output unchanged.
 bool Utf8ToWide(const char* text, std::wstring& wide);
 bool WideToUtf8(const wchar_t* text, std::string& utf8);
