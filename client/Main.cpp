@@ -1,4 +1,5 @@
-// pim: shows and changes the calendar of this PC, through the automation server alone.
+// pim: shows and changes calendar, contacts, groups and categories of this PC, through the
+// automation server alone, and registers that.
 #include "client/Commands.h"
 #include "client/Failure.h"
 #include "client/Server.h"

@@ -12,8 +12,6 @@ namespace pim
 {
 namespace
 {
-// Best first: the last one has no calendar.
-
 bool IsSameName(const std::wstring& left, const std::wstring& right)
 {
     return StrCmpIW(left.c_str(), right.c_str()) == 0;

@@ -1,4 +1,4 @@
-// The running server as pim sees it: the service object, the provider that it starts, the calendar.
+// The running server as pim sees it: the service object and the provider that it starts.
 // Everything here throws Failure where it cannot do what its name says.
 #pragma once
 

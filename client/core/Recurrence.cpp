@@ -54,8 +54,7 @@ void WriteWeekdays(const std::array<bool, 7>& weekdays, VARIANT_BOOL (&flags)[7]
     });
 }
 
-// "Monday", "Monday and Friday", "Monday, Tuesday and Friday", in the order of a week that begins
-// on Monday.
+// "Monday", "Monday and Friday", "Monday, Tuesday and Friday".
 std::wstring JoinNames(const std::vector<std::wstring>& names)
 {
     std::wstring text;
@@ -68,6 +67,7 @@ std::wstring JoinNames(const std::vector<std::wstring>& names)
     return text;
 }
 
+// In the order of a week that begins on Monday.
 std::wstring WeekdayNames(const std::array<bool, 7>& weekdays)
 {
     std::vector<std::wstring> names;
