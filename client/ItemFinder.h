@@ -45,12 +45,7 @@ template <typename Kind> class ItemFinder
             what = L"\" is the name of several items:";
         }
         if (matches.size() > 1)
-        {
-            std::wstring text = L"\"" + OneLine(typed) + what;
-            for (const std::wstring& match : matches)
-                text += L"\n  " + OneLine(match);
-            throw Failure{kExitNotFound, text};
-        }
+            throw Failure{kExitNotFound, L"\"" + OneLine(typed) + what + MatchLines(matches)};
         auto item = matches.empty() ? nullptr : m_items.Find(matches.front());
         if (!item)
             throw Failure{kExitNotFound,

@@ -1,9 +1,11 @@
 #include "client/core/ItemIds.h"
 
 #include "client/core/LetterCase.h"
+#include "client/core/Unicode.h"
 
 #include <algorithm>
 #include <iterator>
+#include <unordered_set>
 
 namespace pim
 {
@@ -23,16 +25,28 @@ std::vector<std::wstring> MatchItemIds(std::span<const std::wstring> ids, std::w
     if (std::find(ids.begin(), ids.end(), typed) != ids.end())
         return {std::wstring(typed)};
     std::vector<std::wstring> matches;
+    std::unordered_set<std::wstring_view> seen;
     for (const std::wstring& id : ids)
     {
         const bool braced = !id.empty() && id.front() == L'{';
         const bool hit = BeginsWithIgnoringCase(id, typed) ||
                          (braced && BeginsWithIgnoringCase(std::wstring_view(id).substr(1), typed));
         // Two items with one ID are one answer: the store takes the first of them.
-        if (hit && std::find(matches.begin(), matches.end(), id) == matches.end())
+        if (hit && seen.insert(id).second)
             matches.push_back(id);
     }
     return matches;
+}
+
+std::wstring MatchLines(std::span<const std::wstring> matches)
+{
+    constexpr std::size_t kMostLines = 10;
+    std::wstring text;
+    for (const std::wstring& match : matches.first(std::min(matches.size(), kMostLines)))
+        text += L"\n  " + OneLine(match);
+    if (matches.size() > kMostLines)
+        text += L"\n  and " + std::to_wstring(matches.size() - kMostLines) + L" more";
+    return text;
 }
 
 std::vector<std::wstring> ShortItemIds(std::span<const std::wstring> ids, std::size_t atLeast)

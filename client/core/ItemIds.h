@@ -13,6 +13,10 @@ namespace pim
 // may be left out. A text of no characters means none.
 std::vector<std::wstring> MatchItemIds(std::span<const std::wstring> ids, std::wstring_view typed);
 
+// The matches for a message, each on a line of its own behind a line break. Of more than ten the
+// first ten, and how many more there are.
+std::wstring MatchLines(std::span<const std::wstring> matches);
+
 // For each ID, in the given order, the shortest beginning that means it alone, of at least that
 // many characters; the whole ID where no beginning does. Costs a sort, not a comparison of all with
 // all.

@@ -1,6 +1,11 @@
 #include "client/core/ItemIds.h"
 
+#include "client/core/Unicode.h"
+
 #include <gmock/gmock.h>
+
+#include <algorithm>
+#include <chrono>
 
 using namespace pim;
 
@@ -32,6 +37,32 @@ TEST(ItemIdsTest, GivesAllThatATextCanMean)
 TEST(ItemIdsTest, CountsTwoItemsOfOneIdAsOne)
 {
     EXPECT_THAT(MatchItemIds(kIds, L"meeting-"), ElementsAre(L"meeting-7"));
+}
+
+// IDs of one store begin alike. A comparison of every match with every other takes minutes here.
+TEST(ItemIdsTest, FindsManyMatchesInOneWalk)
+{
+    const std::wstring shared(64, L'0');
+    std::vector<std::wstring> ids;
+    for (int i = 0; i < 100'000; ++i)
+        ids.push_back(shared + std::to_wstring(100'000 + i));
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(MatchItemIds(ids, L"00"), ids);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+}
+
+TEST(ItemIdsTest, TellsTheFirstTenOfManyMatches)
+{
+    std::vector<std::wstring> ids = {L"a\nb"};
+    EXPECT_EQ(MatchLines(ids), L"\n  " + OneLine(ids.front()));
+    for (const wchar_t* id : {L"2", L"3", L"4", L"5", L"6", L"7", L"8", L"9", L"10"})
+        ids.push_back(id);
+    const std::wstring ten = MatchLines(ids);
+    EXPECT_EQ(std::count(ten.begin(), ten.end(), L'\n'), 10);
+    EXPECT_TRUE(ten.ends_with(L"\n  10"));
+    ids.push_back(L"11");
+    ids.push_back(L"12");
+    EXPECT_EQ(MatchLines(ids), ten + L"\n  and 2 more");
 }
 
 TEST(ItemIdsTest, FindsNothingForStrangersAndForNoText)
