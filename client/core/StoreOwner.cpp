@@ -9,6 +9,13 @@ namespace pim
 {
 namespace
 {
+// One string of the user's identity: how it is called for people and for programs.
+struct IdentityField
+{
+    const wchar_t* title;
+    const char* member;
+};
+
 // clang-format off
 constexpr std::array<IdentityField, kIdentityFields> kFields = {{
     {L"Account",             "account"},
@@ -24,11 +31,6 @@ constexpr std::array<IdentityField, kIdentityFields> kFields = {{
 }};
 // clang-format on
 } // namespace
-
-const std::array<IdentityField, kIdentityFields>& IdentityFields()
-{
-    return kFields;
-}
 
 std::wstring IdentityTable(const Identity& identity)
 {

@@ -14,17 +14,8 @@
 
 namespace pim
 {
-// One string of the user's identity: how it is called for people and for programs.
-struct IdentityField
-{
-    const wchar_t* title;
-    const char* member;
-};
-
-// In the order of the automation contract.
 inline constexpr std::size_t kIdentityFields = 10;
-const std::array<IdentityField, kIdentityFields>& IdentityFields();
-
+// The strings of the user's identity, in the order of the JSON above.
 using Identity = std::array<std::wstring, kIdentityFields>;
 
 struct ContactFolder
