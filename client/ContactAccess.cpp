@@ -93,7 +93,7 @@ std::optional<PostalAddress> GetAddress(INContactItem* item, std::size_t type)
     for (std::size_t i = 0; i < kAddressPartCount; ++i)
     {
         if (const BSTR text = record.value.*kParts[i])
-            address.*kAddressParts[i].value = std::wstring(text, SysStringLen(text));
+            address.*kAddressParts[i].value = WholeText(text);
     }
     return address;
 }

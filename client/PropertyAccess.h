@@ -12,6 +12,12 @@
 
 namespace pim
 {
+// The text of a record's field with the zeros in it, which TextOf cuts; empty for null.
+inline std::wstring WholeText(BSTR text)
+{
+    return text ? std::wstring(text, SysStringLen(text)) : std::wstring();
+}
+
 // A property that fails or is null gives nothing. Throws: Failure, where the server went away.
 std::optional<std::wstring> TakeText(HRESULT result, const Bstr& text);
 

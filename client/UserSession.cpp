@@ -1,6 +1,7 @@
 #include "client/UserSession.h"
 
 #include "client/Failure.h"
+#include "client/PropertyAccess.h"
 #include "client/core/CommandLine.h"
 #include "platform/Bstr.h"
 #include "platform/SafeArray.h"
@@ -10,10 +11,10 @@ namespace pim
 namespace
 {
 using Microsoft::WRL::ComPtr;
-using GetText = HRESULT (STDMETHODCALLTYPE INUserProperties::*)(BSTR*);
+using TextGetter = HRESULT (STDMETHODCALLTYPE INUserProperties::*)(BSTR*);
 
-// In the order of IdentityFields.
-constexpr std::array<GetText, kIdentityFields> kGetters = {
+// In the order of Identity.
+constexpr std::array<TextGetter, kIdentityFields> kGetters = {
     &INUserProperties::get_Account,
     &INUserProperties::get_AddressType,
     &INUserProperties::get_DisplayName,
@@ -31,11 +32,6 @@ ComPtr<INUserProperties> UserOf(INPersonalInformationService* service)
     ComPtr<INUserProperties> user;
     CheckServerIsThere(service->GetUserProperties(user.GetAddressOf()));
     return user;
-}
-
-std::wstring TextOf(BSTR text)
-{
-    return text ? std::wstring(text, SysStringLen(text)) : std::wstring();
 }
 } // namespace
 
@@ -115,8 +111,8 @@ std::vector<ContactFolder> UserSession::ContactFolders() const
     for (LONG i = 0; i <= last - first; ++i)
     {
         const _tagFolderInfo& record = records.Data()[i];
-        folders.push_back({TextOf(record.bstrEntryID),
-                           TextOf(record.bstrDisplayName),
+        folders.push_back({WholeText(record.bstrEntryID),
+                           WholeText(record.bstrDisplayName),
                            record.lItemCount,
                            record.vbIsDefault != VARIANT_FALSE});
     }
