@@ -4,15 +4,6 @@
 
 namespace pim
 {
-std::wstring ResultText(HRESULT result)
-{
-    constexpr wchar_t kDigits[] = L"0123456789ABCDEF";
-    std::wstring text = L"0x";
-    for (int shift = 28; shift >= 0; shift -= 4)
-        text += kDigits[(static_cast<ULONG>(result) >> shift) & 0xF];
-    return text;
-}
-
 void CheckServerIsThere(HRESULT result)
 {
     // The runtime's own codes, and the ones of remote calls, which the system numbers 1700 to 1939.

@@ -2,6 +2,7 @@
 // client's own calls and caught by the entry function; it never crosses a COM call.
 #pragma once
 
+#include "client/core/ResultText.h"
 #include "platform/WindowsHeaders.h"
 
 #include <string>
@@ -13,9 +14,6 @@ struct Failure
     int exitCode;
     std::wstring text;
 };
-
-// "0x80004005"
-std::wstring ResultText(HRESULT result);
 
 // Throws the failure that stands for a server that went away, where the result tells of one.
 void CheckServerIsThere(HRESULT result);

@@ -1,5 +1,6 @@
 #include "client/core/Diagnosis.h"
 
+#include "client/core/ResultText.h"
 #include "client/core/ProgramImage.h"
 
 #include <iterator>
@@ -37,16 +38,6 @@ constexpr Meaning kStartMeanings[] = {
     {kLogonFailed, L"The logon to the mail profile failed; a password may be wanted."},
     {kAccessDenied, L"This user may not open the store."},
 };
-
-std::wstring HexText(std::int32_t result)
-{
-    constexpr wchar_t kDigits[] = L"0123456789ABCDEF";
-    const auto bits = static_cast<std::uint32_t>(result);
-    std::wstring text = L"0x";
-    for (int shift = 28; shift >= 0; shift -= 4)
-        text += kDigits[(bits >> shift) & 0xF];
-    return text;
-}
 
 template <std::size_t count>
 std::wstring Told(const Meaning (&meanings)[count], std::int32_t result)
@@ -112,7 +103,7 @@ std::vector<Finding> DiagnoseServer(const ServerFacts& facts)
         add(true, NoAnswerText(L"It"));
     else if (*facts.activation < 0)
         add(true,
-            L"It could not be reached (" + HexText(*facts.activation) + L")." +
+            L"It could not be reached (" + ResultText(*facts.activation) + L")." +
                 Told(kActivationMeanings, *facts.activation));
     if (findings.empty())
         add(false, L"It answers: " + facts.program);
@@ -155,7 +146,7 @@ std::vector<Finding> DiagnoseProvider(const ProviderFacts& facts)
         add(true, NoAnswerText(L"Its start"));
     else
         add(true,
-            L"It does not start (" + HexText(*facts.start) + L")." +
+            L"It does not start (" + ResultText(*facts.start) + L")." +
                 Told(kStartMeanings, *facts.start));
     return findings;
 }
