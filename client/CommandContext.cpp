@@ -1,5 +1,6 @@
 #include "client/CommandContext.h"
 
+#include "client/core/CommaList.h"
 #include "client/core/JsonValues.h"
 #include "client/core/Unicode.h"
 
@@ -55,10 +56,8 @@ int WarnOfNotKept(const Context& context, const WriteResult& result)
 {
     if (result.notKept.empty())
         return kExitOk;
-    std::wstring names;
-    for (const std::wstring& name : result.notKept)
-        names += (names.empty() ? L"" : L", ") + name;
-    context.Warn(L"The store kept another value than the one asked for: " + names + L".");
+    context.Warn(L"The store kept another value than the one asked for: " +
+                 CommaList(result.notKept) + L".");
     return kExitNotKept;
 }
 

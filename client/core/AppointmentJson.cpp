@@ -25,7 +25,7 @@ Json LocalOrNull(DATE local)
 
 Json LocalOfItem(const std::optional<DATE>& date, bool isAllDay, const ILocalZone& zone)
 {
-    const auto time = date ? CivilFromDate(*date) : std::nullopt;
+    const auto time = CivilFromDate(date);
     if (!time)
         return {};
     return Utf8FromWide(isAllDay ? FormatDay(*time) : FormatIso(zone.LocalFromUtc(*time)));

@@ -11,17 +11,12 @@ namespace
 constexpr ItemColumn kColumns[] = {
     {L"START", 0}, {L"END", 0}, {L"SUBJECT", 36}, {L"PLACE", 20}, {L"REPEATS", 48}, {L"ID", 0}};
 
-std::optional<CivilTime> CivilOf(const std::optional<DATE>& date)
-{
-    return date ? CivilFromDate(*date) : std::nullopt;
-}
-
 // The local time of an item's start or end; an all-day item has local days already.
 std::optional<CivilTime> LocalOf(const std::optional<DATE>& date,
                                  bool isAllDay,
                                  const ILocalZone& zone)
 {
-    const auto time = CivilOf(date);
+    const auto time = CivilFromDate(date);
     return time && !isAllDay ? zone.LocalFromUtc(*time) : time;
 }
 
@@ -79,8 +74,8 @@ std::optional<std::wstring> ZoneText(const Appointment& item)
 
 void AddTimes(FieldLines& lines, const Appointment& item, const ILocalZone& zone)
 {
-    const auto start = CivilOf(item.start);
-    const auto end = CivilOf(item.end);
+    const auto start = CivilFromDate(item.start);
+    const auto end = CivilFromDate(item.end);
     if (item.IsAllDay())
     {
         if (!start)
@@ -128,7 +123,7 @@ void AddExceptions(FieldLines& lines, const Recurrence& recurrence)
 bool ComesBefore(const Appointment& left, const Appointment& right, const ILocalZone& zone)
 {
     const auto instantOf = [&](const Appointment& item) {
-        const auto time = CivilOf(item.start);
+        const auto time = CivilFromDate(item.start);
         return time && item.IsAllDay() ? std::optional(zone.UtcFromLocal(*time)) : time;
     };
     const auto leftStart = instantOf(left);

@@ -95,6 +95,11 @@ std::optional<CivilTime> CivilFromDate(DATE date)
     return FromDayAndSecond(days, second);
 }
 
+std::optional<CivilTime> CivilFromDate(const std::optional<DATE>& date)
+{
+    return date ? CivilFromDate(*date) : std::nullopt;
+}
+
 DATE DateFromCivil(const CivilTime& time)
 {
     const double days = double((DayOf(time) - kDateEpoch).count());

@@ -26,6 +26,8 @@ struct CivilTime
 // The calendar time of a DATE, to the nearest second. None for 0.0, which stands for a time that
 // was never set, for what is not a number, and outside the years 100 to 9999.
 std::optional<CivilTime> CivilFromDate(DATE date);
+// None for none, too.
+std::optional<CivilTime> CivilFromDate(const std::optional<DATE>& date);
 
 // The DATE of an existing calendar time.
 DATE DateFromCivil(const CivilTime& time);

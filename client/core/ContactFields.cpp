@@ -1,8 +1,10 @@
 #include "client/core/ContactFields.h"
 
+#include "client/core/CommaList.h"
 #include "client/core/LetterCase.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace pim
 {
@@ -19,10 +21,7 @@ const Entry* FindByName(std::span<const Entry> entries, std::wstring_view name)
 
 template <typename Entry> std::wstring NamesOf(std::span<const Entry> entries)
 {
-    std::wstring names;
-    for (const Entry& entry : entries)
-        names += (names.empty() ? L"" : L", ") + std::wstring(entry.name);
-    return names;
+    return CommaList(std::views::transform(entries, &Entry::name));
 }
 } // namespace
 

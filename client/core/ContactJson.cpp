@@ -20,7 +20,7 @@ std::string Key(const wchar_t* name)
 
 Json DayOrNull(const std::optional<DATE>& date)
 {
-    const auto time = date ? CivilFromDate(*date) : std::nullopt;
+    const auto time = CivilFromDate(date);
     return time ? TextJson(IsMidnight(*time) ? FormatDay(*time) : FormatIso(*time)) : Json();
 }
 

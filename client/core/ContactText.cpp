@@ -1,5 +1,6 @@
 #include "client/core/ContactText.h"
 
+#include "client/core/CommaList.h"
 #include "client/core/FieldLines.h"
 
 #include <algorithm>
@@ -60,18 +61,10 @@ std::wstring AddressLine(const PostalAddress& address)
 
 std::optional<std::wstring> DayText(const std::optional<DATE>& date)
 {
-    const auto time = date ? CivilFromDate(*date) : std::nullopt;
+    const auto time = CivilFromDate(date);
     if (!time)
         return std::nullopt;
     return IsMidnight(*time) ? FormatDay(*time) : FormatDayAndClock(*time);
-}
-
-std::wstring JoinedList(const std::vector<std::wstring>& texts)
-{
-    std::wstring joined;
-    for (const std::wstring& text : texts)
-        joined += (joined.empty() ? L"" : L", ") + text;
-    return joined;
 }
 } // namespace
 
@@ -121,7 +114,7 @@ std::wstring ContactDetails(const Contact& contact, const ILocalZone& zone)
     }
     for (const ContactDay& field : kContactDays)
         lines.Add(field.title, DayText(contact.*field.value));
-    lines.Add(L"Categories", JoinedList(contact.categories.value_or(std::vector<std::wstring>())));
+    lines.Add(L"Categories", CommaList(contact.categories.value_or(std::vector<std::wstring>())));
     lines.Add(L"Picture", contact.picture);
     lines.Add(L"Changed", LocalAndUtc(contact.modifiedUtc, zone));
     lines.Add(L"Folder", contact.folderId);

@@ -36,7 +36,7 @@ std::wstring FieldLines::Text() const
 
 std::optional<std::wstring> LocalAndUtc(const std::optional<DATE>& utc, const ILocalZone& zone)
 {
-    const auto time = utc ? CivilFromDate(*utc) : std::nullopt;
+    const auto time = CivilFromDate(utc);
     if (!time)
         return std::nullopt;
     return FormatDayAndClock(zone.LocalFromUtc(*time)) + L" (" + FormatDayAndClock(*time) +

@@ -50,7 +50,7 @@ std::wstring ReadClockTime(const TypedTime& typed,
 // The start of an item in local time, for what a series takes from it.
 std::optional<CivilTime> LocalStartOf(const Appointment& item, const ILocalZone& zone)
 {
-    const auto start = item.start ? CivilFromDate(*item.start) : std::nullopt;
+    const auto start = CivilFromDate(item.start);
     return start && !item.IsAllDay() ? zone.LocalFromUtc(*start) : start;
 }
 

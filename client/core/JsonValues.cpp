@@ -24,7 +24,7 @@ Json TextOrNull(const std::optional<std::wstring>& text)
 
 Json UtcOrNull(const std::optional<DATE>& utc)
 {
-    const auto time = utc ? CivilFromDate(*utc) : std::nullopt;
+    const auto time = CivilFromDate(utc);
     return time ? TextJson(FormatIso(*time) + L"Z") : Json();
 }
 

@@ -19,6 +19,8 @@ std::optional<TypedTime> Parse(const wchar_t* text)
 TEST(CivilTimeTest, ReadsTheDaysOfADate)
 {
     EXPECT_EQ(CivilFromDate(kMay1), (CivilTime{2024, 5, 1}));
+    EXPECT_EQ(CivilFromDate(std::optional<DATE>(kMay1)), (CivilTime{2024, 5, 1}));
+    EXPECT_EQ(CivilFromDate(std::optional<DATE>()), std::nullopt);
     EXPECT_EQ(CivilFromDate(kMay1 + 10 * kHour), (CivilTime{2024, 5, 1, 10}));
     EXPECT_EQ(CivilFromDate(1.0), (CivilTime{1899, 12, 31}));
     EXPECT_EQ(CivilFromDate(25569.5), (CivilTime{1970, 1, 1, 12}));
