@@ -28,7 +28,9 @@ class OutputStream : public TextOutput
     bool m_isTerminal;
 };
 
-// From here on the first Ctrl+C asks the running walk to end; a second one ends the program.
+// From here on the first Ctrl+C asks the command to end, which it does between two items; a second
+// one ends the program.
 void WatchForCancel();
 bool IsCancelled();
+using CancelQuery = bool (*)();
 } // namespace pim

@@ -4,13 +4,11 @@
 #include "client/InputFile.h"
 #include "client/ItemFinder.h"
 #include "client/ItemList.h"
+#include "client/ManyItems.h"
 #include "client/PictureFiles.h"
 #include "client/core/ContactJson.h"
 #include "client/core/ContactText.h"
 #include "client/core/JsonValues.h"
-#include "client/core/Progress.h"
-
-#include <algorithm>
 
 namespace pim
 {
@@ -65,44 +63,16 @@ std::wstring AddContact(const AddressBook& contacts, const Contact& wish)
     return contacts.Add(item.Get());
 }
 
-// Adds the contacts of a file in their order. What was added before a failure stays, and is
-// printed.
 int AddAll(const Context& context, AddressBook& contacts, const std::vector<Contact>& wishes)
 {
-    std::vector<std::wstring> ids;
-    std::optional<Failure> failure;
-    {
-        Progress progress(context.errors, L"Adding contacts");
-        try
-        {
-            for (const Contact& wish : wishes)
-            {
-                ids.push_back(AddContact(contacts, wish));
-                progress.Step();
-            }
-        }
-        catch (const Failure& problem)
-        {
-            failure = problem;
-        }
-    }
-    contacts.Reload();
-    Json list = Json::array();
-    int exitCode = kExitOk;
-    for (std::size_t i = 0; i < ids.size(); ++i)
-    {
-        const WriteResult result = CheckStored(contacts, ids[i], Contact(), wishes[i]);
-        if (context.command.asJson)
-            list.push_back(WriteResultJson(result));
-        else
-            context.Print(L"Added " + OneLine(ids[i]) + L"\n");
-        exitCode = std::max(exitCode, WarnOfNotKept(context, result));
-    }
-    if (context.command.asJson)
-        context.Print(JsonText({{"added", std::move(list)}}));
-    if (failure)
-        throw Failure(*failure);
-    return exitCode;
+    return AddItems(context,
+                    L"Adding contacts",
+                    {wishes.size(),
+                     [&](std::size_t i) { return AddContact(contacts, wishes[i]); },
+                     [&] { contacts.Reload(); },
+                     [&](std::size_t i, const std::wstring& id) {
+                         return CheckStored(contacts, id, Contact(), wishes[i]);
+                     }});
 }
 } // namespace
 

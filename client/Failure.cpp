@@ -4,6 +4,12 @@
 
 namespace pim
 {
+void CheckNotCancelled(CancelQuery isCancelled)
+{
+    if (isCancelled())
+        throw Failure{kExitFailed, L"Cancelled."};
+}
+
 void CheckServerIsThere(HRESULT result)
 {
     // The runtime's own codes, and the ones of remote calls, which the system numbers 1700 to 1939.

@@ -2,6 +2,7 @@
 // client's own calls and caught by the entry function; it never crosses a COM call.
 #pragma once
 
+#include "client/Console.h"
 #include "client/core/ResultText.h"
 #include "platform/WindowsHeaders.h"
 
@@ -14,6 +15,9 @@ struct Failure
     int exitCode;
     std::wstring text;
 };
+
+// Throws the failure that ends a cancelled command, where it is one. Asked between two items.
+void CheckNotCancelled(CancelQuery isCancelled = IsCancelled);
 
 // Throws the failure that stands for a server that went away, where the result tells of one.
 void CheckServerIsThere(HRESULT result);

@@ -51,8 +51,7 @@ template <typename Kind> class ItemCollection
         Microsoft::WRL::ComPtr<Item> previous;
         for (;;)
         {
-            if (IsCancelled())
-                throw Failure{kExitFailed, L"Cancelled."};
+            CheckNotCancelled();
             Microsoft::WRL::ComPtr<Item> item;
             const HRESULT result = (m_items.Get()->*Kind::kNext)(item.GetAddressOf());
             CheckServerIsThere(result);

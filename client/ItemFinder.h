@@ -1,7 +1,7 @@
 // Finds items of a store by what a person typed.
 #pragma once
 
-#include "client/CommandContext.h"
+#include "client/ManyItems.h"
 #include "client/core/ItemIds.h"
 #include "client/core/LetterCase.h"
 #include "client/core/Progress.h"
@@ -92,37 +92,20 @@ template <typename Kind> class ItemFinder
     std::vector<std::wstring> m_names;
 };
 
-// Deletes what the command names, one after the other: one that means nothing does not keep the
-// others. deleteFound returns false where the store has no longer such an item.
-// Returns: the exit code.
+// Deletes what the command names, as DeleteEach does. deleteFound returns false where the store has
+// no longer such an item.
 template <typename Kind>
 int DeleteItems(const Context& context,
                 ItemFinder<Kind>& finder,
                 const std::function<bool(const typename ItemFinder<Kind>::Found&)>& deleteFound)
 {
-    std::vector<std::wstring> deleted;
-    std::vector<std::wstring> notFound;
-    for (const std::wstring& typed : context.command.ids)
-    {
-        try
-        {
-            const auto found = finder.Find(typed);
-            if (!deleteFound(found))
-                throw Failure{kExitNotFound,
-                              std::wstring(L"The store has no longer ") + Kind::kWords.aOne +
-                                  L" with the ID \"" + OneLine(found.id) + L"\"."};
-            deleted.push_back(found.id);
-            if (!context.command.asJson)
-                context.Print(L"Deleted " + OneLine(found.id) + L"\n");
-        }
-        catch (const Failure& failure)
-        {
-            if (failure.exitCode != kExitNotFound)
-                throw;
-            context.Warn(failure.text);
-            notFound.push_back(typed);
-        }
-    }
-    return PrintDeleted(context, deleted, notFound);
+    return DeleteEach(context, [&](const std::wstring& typed) {
+        const auto found = finder.Find(typed);
+        if (!deleteFound(found))
+            throw Failure{kExitNotFound,
+                          std::wstring(L"The store has no longer ") + Kind::kWords.aOne +
+                              L" with the ID \"" + OneLine(found.id) + L"\"."};
+        return found.id;
+    });
 }
 } // namespace pim
