@@ -4,6 +4,7 @@
 
 #include "client/Console.h"
 #include "client/Failure.h"
+#include "client/FirstItem.h"
 #include "client/PropertyAccess.h"
 #include "client/ProviderSession.h"
 #include "client/core/CommandLine.h"
@@ -53,7 +54,7 @@ template <typename Kind> class ItemCollection
         {
             CheckNotCancelled();
             Microsoft::WRL::ComPtr<Item> item;
-            const HRESULT result = (m_items.Get()->*Kind::kNext)(item.GetAddressOf());
+            const HRESULT result = previous ? Next(item.GetAddressOf()) : First(item, leftOut);
             CheckServerIsThere(result);
             if (FAILED(result) || !item)
             {
@@ -146,8 +147,16 @@ template <typename Kind> class ItemCollection
     {
         Rewind();
         Microsoft::WRL::ComPtr<Item> item;
-        CheckServerIsThere((m_items.Get()->*Kind::kNext)(item.GetAddressOf()));
+        unsigned unopened = 0;
+        First(item, unopened);
         return item != nullptr;
+    }
+
+    HRESULT Next(Item** item) const { return (m_items.Get()->*Kind::kNext)(item); }
+
+    HRESULT First(Microsoft::WRL::ComPtr<Item>& item, unsigned& unopened) const
+    {
+        return FirstItem([this](Item** next) { return Next(next); }, item, unopened);
     }
 
     // The end of the list, and a list whose service another client stopped, look alike; the latter
