@@ -1,8 +1,7 @@
 #include "localstore/AddressBook.h"
 
+#include "localstore/MapiValues.h"
 #include "localstore/StoreProperties.h"
-
-#include <cstring>
 
 PropertyMap AddressBookState::Read(const PropertySelection&)
 {
@@ -89,12 +88,10 @@ STDMETHODIMP AddressBook::GetPAB(ULONG* entryIdBytes, LPENTRYID* entryId)
     *entryIdBytes = 0;
     *entryId = nullptr;
     return Session().Run([&] {
-        const Bytes bytes =
-            State().Book().EntryIdOfContainer(State().Book().ContainerOfRole(BookRole::Personal));
-        ChainedBuffer buffer(ChainedMemory::OfLibrary(), bytes.size());
-        std::memcpy(buffer.Get(), bytes.data(), bytes.size());
-        *entryIdBytes = static_cast<ULONG>(bytes.size());
-        *entryId = static_cast<LPENTRYID>(buffer.Detach());
+        HandOutEntryId(
+            State().Book().EntryIdOfContainer(State().Book().ContainerOfRole(BookRole::Personal)),
+            entryIdBytes,
+            entryId);
         return S_OK;
     });
 }

@@ -332,3 +332,18 @@ CodecStatus CompressRtf(std::span<const std::byte> text, std::vector<std::byte>&
         compressed.clear();
     return writer.Status();
 }
+
+CodecStatus StoreRtf(std::span<const std::byte> text, std::vector<std::byte>& stored)
+{
+    stored.clear();
+    ByteWriter writer(stored);
+    writer.Write<std::uint32_t>(text.size() + kHeaderAfterSizeBytes);
+    writer.Write<std::uint32_t>(text.size());
+    writer.Write<std::uint32_t>(kUnpacked);
+    writer.Write<std::uint32_t>(0u); // no checksum
+    if (writer.IsOk())
+        stored.insert(stored.end(), text.begin(), text.end());
+    else
+        stored.clear();
+    return writer.Status();
+}

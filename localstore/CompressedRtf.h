@@ -32,3 +32,7 @@ struct CompressedRtfResult
 // Throws std::bad_alloc.
 [[nodiscard]] CodecStatus CompressRtf(std::span<const std::byte> text,
                                       std::vector<std::byte>& compressed);
+
+// Puts a text, any bytes, as it is (MELA) behind its header into *stored. Returns and throws as
+// CompressRtf.
+[[nodiscard]] CodecStatus StoreRtf(std::span<const std::byte> text, std::vector<std::byte>& stored);

@@ -1,5 +1,6 @@
 #include "localstore/MapiSession.h"
 
+#include "localstore/MapiValues.h"
 #include "localstore/MessageStore.h"
 #include "localstore/StoreProfile.h"
 #include "localstore/StoreProperties.h"
@@ -154,12 +155,7 @@ STDMETHODIMP MapiSession::QueryIdentity(ULONG* entryIdBytes, LPENTRYID* entryId)
         Statement row = m_session->Store().Prepare("SELECT entry_id FROM identity WHERE id = 1");
         if (!row.Step())
             return MAPI_W_NO_SERVICE;
-        const auto bytes = row.Blob(0);
-        ChainedBuffer buffer(ChainedMemory::OfLibrary(), bytes.size());
-        if (!bytes.empty())
-            std::memcpy(buffer.Get(), bytes.data(), bytes.size());
-        *entryIdBytes = static_cast<ULONG>(bytes.size());
-        *entryId = static_cast<LPENTRYID>(buffer.Detach());
+        HandOutEntryId(row.Blob(0), entryIdBytes, entryId);
         return S_OK;
     });
 }

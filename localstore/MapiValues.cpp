@@ -475,6 +475,37 @@ std::wstring WideFromAnsi(const Bytes& text)
     return wide;
 }
 
+std::wstring WideFromCaller(const TCHAR* text, ULONG flags)
+{
+    if (!text)
+        return {};
+    if (flags & MAPI_UNICODE)
+        return reinterpret_cast<const wchar_t*>(text);
+    const std::string_view narrow(reinterpret_cast<const char*>(text));
+    const auto bytes = std::as_bytes(std::span(narrow));
+    return WideFromAnsi(Bytes(bytes.begin(), bytes.end()));
+}
+
+Bytes TextForCaller(const std::wstring& text, ULONG flags)
+{
+    if (!(flags & MAPI_UNICODE))
+    {
+        Bytes narrow = AnsiFromWide(text);
+        narrow.push_back(std::byte{0});
+        return narrow;
+    }
+    const auto units = std::as_bytes(std::span(text.c_str(), text.size() + 1));
+    return Bytes(units.begin(), units.end());
+}
+
+void HandOutEntryId(std::span<const std::byte> entryId, ULONG* entryIdBytes, LPENTRYID* copy)
+{
+    ChainedBuffer buffer(ChainedMemory::OfLibrary(), entryId.size());
+    std::ranges::copy(entryId, static_cast<std::byte*>(buffer.Get()));
+    *entryIdBytes = static_cast<ULONG>(entryId.size());
+    *copy = static_cast<LPENTRYID>(buffer.Detach());
+}
+
 std::optional<PropertyValue> ConvertValue(const PropertyValue& stored, std::uint16_t type)
 {
     PropertyValue converted;

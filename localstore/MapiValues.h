@@ -6,6 +6,7 @@
 #include "platform/WindowsHeaders.h"
 
 #include <optional>
+#include <span>
 #include <vector>
 
 // The IDs of the tags.
@@ -48,6 +49,15 @@ std::optional<PropertyValue> ConvertValue(const PropertyValue& stored, std::uint
 // Text in the system's ANSI code page.
 Bytes AnsiFromWide(const std::wstring& text);
 std::wstring WideFromAnsi(const Bytes& text);
+
+// A caller's text, which its flags tell the form of: UTF-16 with MAPI_UNICODE, else of the ANSI
+// code page. Null is an empty one.
+std::wstring WideFromCaller(const TCHAR* text, ULONG flags);
+// The bytes of a text in that form, terminator included.
+Bytes TextForCaller(const std::wstring& text, ULONG flags);
+
+// An entry ID in a new buffer, which the caller frees. Throws std::bad_alloc.
+void HandOutEntryId(std::span<const std::byte> entryId, ULONG* entryIdBytes, LPENTRYID* copy);
 
 // One value may have this many bytes; what is larger does not fit the database.
 inline constexpr size_t kMaxValueBytes = 512u * 1024 * 1024;

@@ -1,25 +1,15 @@
 #include "localstore/MessageStore.h"
 
+#include "localstore/MapiValues.h"
 #include "localstore/StoreProperties.h"
 #include "service/TextConversions.h"
 
-#include <cstring>
+#include <algorithm>
 
 namespace
 {
 
 constexpr PropertyOwner kStoreOwner{OwnerKind::Store, 0};
-
-std::string ClassText(LPTSTR messageClass, ULONG flags)
-{
-    if (!messageClass)
-        return {};
-    if (flags & MAPI_UNICODE)
-        return Utf8FromWide(reinterpret_cast<const wchar_t*>(messageClass));
-    const std::string_view narrow(reinterpret_cast<const char*>(messageClass));
-    const auto bytes = std::as_bytes(std::span(narrow));
-    return Utf8FromWide(WideFromAnsi(Bytes(bytes.begin(), bytes.end())));
-}
 
 // Cuts the last part of a message class off; false where nothing was left to cut.
 bool CutClass(std::string& messageClass)
@@ -29,23 +19,6 @@ bool CutClass(std::string& messageClass)
     const size_t dot = messageClass.find_last_of('.');
     messageClass.resize(dot == std::string::npos ? 0 : dot);
     return true;
-}
-
-LPTSTR CopyClass(ChainedBuffer& buffer, const std::string& text, ULONG flags)
-{
-    const std::wstring wide = WideFromUtf8(text);
-    if (flags & MAPI_UNICODE)
-    {
-        std::memcpy(buffer.Get(), wide.c_str(), (wide.size() + 1) * sizeof(wchar_t));
-    }
-    else
-    {
-        // The buffer is zero-filled and has room for the longest form.
-        const Bytes narrow = AnsiFromWide(wide);
-        if (!narrow.empty())
-            std::memcpy(buffer.Get(), narrow.data(), narrow.size());
-    }
-    return static_cast<LPTSTR>(buffer.Detach());
 }
 
 } // namespace
@@ -129,26 +102,19 @@ STDMETHODIMP MessageStore::GetReceiveFolder(LPTSTR messageClass,
         Statement row = Session().Store().Prepare(
             "SELECT f.entry_id, r.message_class FROM receive_folder r "
             "JOIN folder f ON f.id = r.folder WHERE r.message_class = ?1");
-        std::string text = ClassText(messageClass, flags);
+        std::string text = Utf8FromWide(WideFromCaller(messageClass, flags));
         do
         {
             row.Reset();
             row.Bind(1, std::string_view(text));
             if (!row.Step())
                 continue;
-            const auto bytes = row.Blob(0);
-            const std::string found(row.Text(1));
-            ChainedMemory& memory = ChainedMemory::OfLibrary();
-            ChainedBuffer id(memory, bytes.size());
-            std::memcpy(id.Get(), bytes.data(), bytes.size());
+            const Bytes found = TextForCaller(WideFromUtf8(row.Text(1)), flags);
+            ChainedBuffer name(ChainedMemory::OfLibrary(), found.size());
+            std::ranges::copy(found, static_cast<std::byte*>(name.Get()));
+            HandOutEntryId(row.Blob(0), entryIdBytes, entryId);
             if (explicitClass)
-            {
-                // UTF-8 takes at least as many units as either form.
-                ChainedBuffer name(memory, (found.size() + 1) * sizeof(wchar_t) * 2);
-                *explicitClass = CopyClass(name, found, flags);
-            }
-            *entryIdBytes = static_cast<ULONG>(bytes.size());
-            *entryId = static_cast<LPENTRYID>(id.Detach());
+                *explicitClass = static_cast<LPTSTR>(name.Detach());
             return S_OK;
         } while (CutClass(text));
         return MAPI_E_NOT_FOUND;

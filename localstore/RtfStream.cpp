@@ -5,7 +5,6 @@
 #include "localstore/MapiValues.h"
 
 #include <algorithm>
-#include <cstring>
 
 using Microsoft::WRL::ComPtr;
 
@@ -74,18 +73,6 @@ HRESULT Unpack(IStream& compressed, Bytes& text)
     return ResultOfCodec(DecompressRtf(packed, packed.size() * kLargestRatio, text).status);
 }
 
-// [MS-OXRTFCP]: size of what follows the first field, size of the text, "MELA", no checksum.
-Bytes WithPlainHeader(const Bytes& text)
-{
-    const auto size = static_cast<std::uint32_t>(text.size());
-    const std::uint32_t header[] = {size + 12, size, 0x414C454D, 0};
-    Bytes bytes(sizeof header + text.size());
-    std::memcpy(bytes.data(), header, sizeof header);
-    if (!text.empty())
-        std::memcpy(bytes.data() + sizeof header, text.data(), text.size());
-    return bytes;
-}
-
 class RtfContent : public StreamContent
 {
   public:
@@ -99,9 +86,8 @@ class RtfContent : public StreamContent
     HRESULT Store() override
     {
         Bytes packed;
-        if (m_plain)
-            packed = WithPlainHeader(bytes);
-        else if (const CodecStatus status = CompressRtf(bytes, packed); status != CodecStatus::Ok)
+        const auto pack = m_plain ? &StoreRtf : &CompressRtf;
+        if (const CodecStatus status = pack(bytes, packed); status != CodecStatus::Ok)
             return ResultOfCodec(status);
         return WriteAll(*m_compressed.Get(), packed);
     }

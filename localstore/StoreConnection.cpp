@@ -1,6 +1,7 @@
 #include "localstore/StoreConnection.h"
 
 #include "localstore/ChainedMemory.h"
+#include "localstore/MapiValues.h"
 #include "service/TextConversions.h"
 
 #include <cstring>
@@ -30,19 +31,12 @@ constexpr ResultRow kResults[] = {
 };
 
 // A text in the form that the caller asked for, hanging on the record.
-LPTSTR CopyMessage(ChainedBuffer& buffer, const std::wstring& text, bool unicode)
+LPTSTR CopyMessage(ChainedBuffer& buffer, const std::wstring& text, ULONG flags)
 {
-    if (unicode)
-    {
-        const size_t bytes = (text.size() + 1) * sizeof(wchar_t);
-        void* copy = buffer.More(bytes);
-        std::memcpy(copy, text.c_str(), bytes);
-        return static_cast<LPTSTR>(copy);
-    }
-    const int size = WideCharToMultiByte(CP_ACP, 0, text.c_str(), -1, nullptr, 0, nullptr, nullptr);
-    auto* copy = static_cast<char*>(buffer.More(static_cast<size_t>(size)));
-    WideCharToMultiByte(CP_ACP, 0, text.c_str(), -1, copy, size, nullptr, nullptr);
-    return reinterpret_cast<LPTSTR>(copy);
+    const Bytes bytes = TextForCaller(text, flags);
+    void* const copy = buffer.More(bytes.size());
+    std::memcpy(copy, bytes.data(), bytes.size());
+    return static_cast<LPTSTR>(copy);
 }
 
 } // namespace
@@ -68,12 +62,11 @@ HRESULT StoreConnection::LastError(HRESULT result, ULONG flags, LPMAPIERROR* err
         const ScopedLock lock(m_lock);
         if (SUCCEEDED(result) || result != m_lastResult)
             return S_OK;
-        const bool unicode = (flags & MAPI_UNICODE) != 0;
         ChainedBuffer buffer(ChainedMemory::OfLibrary(), sizeof(MAPIERROR));
         auto* record = static_cast<MAPIERROR*>(buffer.Get());
         record->ulVersion = MAPI_ERROR_VERSION;
-        record->lpszError = CopyMessage(buffer, WideFromUtf8(m_lastText), unicode);
-        record->lpszComponent = CopyMessage(buffer, m_component, unicode);
+        record->lpszError = CopyMessage(buffer, WideFromUtf8(m_lastText), flags);
+        record->lpszComponent = CopyMessage(buffer, m_component, flags);
         *error = static_cast<MAPIERROR*>(buffer.Detach());
         return S_OK;
     });

@@ -1,5 +1,6 @@
 #include "localstore/StoreFolder.h"
 
+#include "localstore/MapiValues.h"
 #include "localstore/StoreMessage.h"
 #include "localstore/StoreProfile.h"
 #include "localstore/StoreProperties.h"
@@ -13,15 +14,6 @@ namespace
 // Deleting for good is what this store does anyway.
 constexpr ULONG kDeleteHard = 0x00000010;
 constexpr ULONG kTableFlags = MAPI_UNICODE | MAPI_DEFERRED_ERRORS | MAPI_ASSOCIATED;
-
-std::wstring TextOf(LPTSTR text, ULONG flags)
-{
-    if (flags & MAPI_UNICODE)
-        return reinterpret_cast<const wchar_t*>(text);
-    const std::string_view narrow(reinterpret_cast<const char*>(text));
-    const auto bytes = std::as_bytes(std::span(narrow));
-    return WideFromAnsi(Bytes(bytes.begin(), bytes.end()));
-}
 
 std::optional<std::int64_t> FindSubfolder(Database& database,
                                           std::int64_t parent,
@@ -221,7 +213,7 @@ STDMETHODIMP StoreFolder::CreateFolder(
     return Session().Run([&] {
         if (!State().IsWritable())
             return MAPI_E_NO_ACCESS;
-        const std::wstring displayName = TextOf(name, flags);
+        const std::wstring displayName = WideFromCaller(name, flags);
         if (displayName.empty())
             return MAPI_E_INVALID_PARAMETER;
         Database& database = Session().Store();
@@ -238,7 +230,7 @@ STDMETHODIMP StoreFolder::CreateFolder(
                 WriteProperty(database,
                               {OwnerKind::MessageFolder, *id},
                               PROP_ID(PR_COMMENT_W),
-                              {PT_UNICODE, TextOf(comment, flags)});
+                              {PT_UNICODE, WideFromCaller(comment, flags)});
         }
         auto made = MakeObject<StoreFolder>(std::make_shared<FolderState>(
             State().SharedSession(), *id, true, State().IsStoreWritable()));

@@ -106,6 +106,16 @@ TEST(CompressedRtfTest, TakesUnpackedContentsAsTheyAre)
     EXPECT_EQ("ab", Unpacked(FromHex("0f000000020000004d454c4100000000616263")));
 }
 
+TEST(CompressedRtfTest, StoresTextsUnpackedBehindTheirHeader)
+{
+    std::vector<std::byte> stored;
+    ASSERT_EQ(CodecStatus::Ok, StoreRtf(Bytes("abc"), stored));
+    // As above: sizes 3 + 12 and 3, "MELA", no checksum.
+    EXPECT_EQ(FromHex("0f000000030000004d454c4100000000616263"), stored);
+    ASSERT_EQ(CodecStatus::Ok, StoreRtf({}, stored));
+    EXPECT_EQ(FromHex("0c000000000000004d454c4100000000"), stored);
+}
+
 TEST(CompressedRtfTest, LeavesBytesBehindTheStatedSizeAlone)
 {
     auto bytes = FromHex(kHelloPacked);
