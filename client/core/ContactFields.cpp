@@ -4,7 +4,8 @@
 #include "client/core/LetterCase.h"
 
 #include <algorithm>
-#include <ranges>
+#include <string_view>
+#include <vector>
 
 namespace pim
 {
@@ -21,7 +22,10 @@ const Entry* FindByName(std::span<const Entry> entries, std::wstring_view name)
 
 template <typename Entry> std::wstring NamesOf(std::span<const Entry> entries)
 {
-    return CommaList(std::views::transform(entries, &Entry::name));
+    std::vector<std::wstring_view> names;
+    for (const Entry& entry : entries)
+        names.emplace_back(entry.name);
+    return CommaList(names);
 }
 } // namespace
 
