@@ -68,11 +68,13 @@ CategoryStream ReadCategoryStream(IMAPIProp& message, CNProxcy& proxy, std::stri
     return CategoryStream::Read;
 }
 
-bool WriteCategoryStream(IMAPIProp& message, CNProxcy& proxy, std::string text)
+bool WriteCategoryStream(IMAPIProp& message, CNProxcy& proxy, const std::string& text)
 {
     SPropValue value = {};
     value.ulPropTag = kStreamTag;
-    value.Value.bin = {static_cast<ULONG>(text.size()), reinterpret_cast<BYTE*>(text.data())};
+    // Values hold plain pointers; the interface does not write through.
+    auto* const bytes = reinterpret_cast<BYTE*>(const_cast<char*>(text.data()));
+    value.Value.bin = {static_cast<ULONG>(text.size()), bytes};
     SPropProblemArray* problems = nullptr;
     const HRESULT set = message.SetProps(1, &value, &problems);
     const auto owned = AdoptMapiBuffer(SUCCEEDED(set) ? problems : nullptr, proxy);

@@ -18,4 +18,4 @@ enum class CategoryStream
 CategoryStream ReadCategoryStream(IMAPIProp& message, CNProxcy& proxy, std::string& text);
 
 // Stores the text. Returns: whether the store took it and saved it.
-bool WriteCategoryStream(IMAPIProp& message, CNProxcy& proxy, std::string text);
+bool WriteCategoryStream(IMAPIProp& message, CNProxcy& proxy, const std::string& text);

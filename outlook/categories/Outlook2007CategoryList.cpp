@@ -80,8 +80,8 @@ void COutlook2007CategoryList::AppendCategory(const Category& category)
 
 bool COutlook2007CategoryList::Store(CategoryDocument changed)
 {
-    auto text = changed.PrintToStore();
-    if (!text || !WriteCategoryStream(*m_message.Get(), m_pHelper->Proxy(), std::move(*text)))
+    const auto text = changed.PrintToStore();
+    if (!text || !WriteCategoryStream(*m_message.Get(), m_pHelper->Proxy(), *text))
         return false;
     m_document = std::move(changed);
     return true;
