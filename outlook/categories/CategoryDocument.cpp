@@ -73,8 +73,7 @@ class NodePrinter
     {
         m_printer.SetIndent(kIndent.data());
         m_printer.SetLineBreak(kLineBreak.data());
-        m_root.LinkEndChild(new TiXmlElement("node")); // a text alone would stand beside its tags
-        m_printer.VisitEnter(m_root, nullptr);
+        m_printer.VisitEnter(m_root, nullptr); // one level of indent
     }
 
     std::string Print(const TiXmlNode& node)

@@ -306,6 +306,17 @@ TEST(CategoryDocumentTest, StoresNothingThatWouldNotComeBack)
     EXPECT_EQ(std::nullopt, odd->PrintToStore());
 }
 
+// This one would come back as another document: its declaration holds a whole one.
+TEST(CategoryDocumentTest, StoresNothingThatWouldComeBackAsSomethingElse)
+{
+    auto odd = CategoryDocument::Parse(
+        R"(<?xml version="1&quot;?&gt;&lt;r&gt;&lt;c/&gt;&lt;/r&gt;"?><r/>)");
+    ASSERT_TRUE(odd);
+    EXPECT_THAT(odd->Categories(), IsEmpty());
+    EXPECT_EQ(1u, CategoriesIn(odd->Print()).size());
+    EXPECT_EQ(std::nullopt, odd->PrintToStore());
+}
+
 // An element and its 14 attributes are 15 of the 524,288 nodes that are read.
 TEST(CategoryDocumentTest, StoresNoMoreNodesThanItTakesBack)
 {
