@@ -57,8 +57,9 @@ class CNContactItem : public IDispatchImpl<INContactItem>,
     STDMETHODIMP get_Suffix(BSTR* pVal) override;
     STDMETHODIMP put_Suffix(BSTR newVal) override;
     // The index is the first four letters of the property's name, the first in the highest byte.
-    // Returns: S_OK; E_INVALIDARG for null or a wrong type; E_NOTIMPL for an unknown index. An
-    // output is written on success only.
+    // Returns: S_OK; E_INVALIDARG for a null output or value and for one of a wrong type; E_NOTIMPL
+    // for an index that is unknown or cannot be set. An output is written on success only. A text
+    // of null is set as an empty one.
     STDMETHODIMP GetStringByIndex(LONG lIndex, BSTR* pstrVal) override;
     STDMETHODIMP SetStringByIndex(LONG lIndex, BSTR bstrVallue) override;
     STDMETHODIMP GetPropertyValue(LONG lIndex, VARIANT* pvtValue) override;

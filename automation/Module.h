@@ -3,7 +3,7 @@
 // after the last object has gone.
 //
 // Two threads: the main thread, which built the module and runs every automation call, and the
-// monitor thread, which only waits and posts the quit message.
+// monitor thread, which only waits and posts the quit message. At the end an EndWatch has its own.
 #pragma once
 
 #include "automation/ClassObjects.h"

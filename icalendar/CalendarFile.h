@@ -1,5 +1,4 @@
-// One .ics file: the root of its tree, with indexes of its events and zones. Portable but for
-// reading and writing the file itself.
+// One .ics file: the root of its tree, with indexes of its events and zones. Portable.
 #pragma once
 
 #include "icalendar/ComponentIndex.h"

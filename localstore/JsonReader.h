@@ -2,7 +2,7 @@
 // value whether it wants to hold it whole or to go into it. Portable.
 //
 // Hostile input ends with JsonProblem: broken UTF-8, nesting beyond kDeepestJson, a key that stands
-// twice in one object, numbers that no type holds.
+// twice in one object, more than 64 keys in one, numbers that no type holds.
 #pragma once
 
 #include "localstore/JsonNode.h"

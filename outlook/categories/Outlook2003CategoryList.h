@@ -1,5 +1,6 @@
-// The categories of Outlook 2003: names in a registry value. They have no colour and no ID of their
-// own: each load makes new IDs, which hold for this list alone.
+// The categories as Outlook 2003 keeps them, used for every version but 2010: names in a registry
+// value. They have no colour and no ID of their own: each load makes new IDs, which hold for this
+// list alone.
 #pragma once
 
 #include "outlook/categories/CategoryList.h"

@@ -1,6 +1,7 @@
-// The categories of Outlook 2007 and later: an XML document in a hidden message of the calendar
-// folder. The document is kept beside the items, and every write prints a changed copy of it, so
-// that what other programs stored in it stays.
+// The categories as Outlook keeps them since 2007: an XML document in a hidden message of the
+// calendar folder. The provider uses it for Outlook 2010 alone, see OutlookLibrary.h. The document
+// is kept beside the items, and every write prints a changed copy of it, so that what other
+// programs stored in it stays.
 #pragma once
 
 #include "outlook/categories/CategoryDocument.h"

@@ -54,8 +54,7 @@ FaultTotals RunFaults(const FaultScenario& scenario,
                       std::span<const StoreFault> faults = kStoreFaults);
 
 // The same with what a hostile store answers (see HostileAnswers.h): each answer to each call that
-// has such outputs. No answer makes the work call as
-// often as kMostCalls.
+// has such outputs. No answer makes the work call as often as kMostCalls.
 FaultTotals RunHostileAnswers(const FaultScenario& scenario);
 
 inline constexpr unsigned kMostCalls = 200'000;
