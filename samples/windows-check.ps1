@@ -6,7 +6,7 @@
 #   ... -Folder C:\PimStoreBridge    where the programs lie; the folder above samples by default
 #   ... -Provider "Microsoft Outlook" -Write
 #
-# Each line is "ok", "FAILED" or "skipped", the check, and what was seen. The exit code is the number
+# Each line is "ok", "FAILED" or "left out", the check, and what was seen. The exit code is the number
 # of failures.
 param(
     [string] $Folder = (Split-Path -Parent $PSScriptRoot),
@@ -89,7 +89,7 @@ Check "activation" {
     "{0} ms; processes: {1}" -f $watch.ElapsedMilliseconds, @(Get-Process PimStoreBridge).Count
 }
 if (-not $service) {
-    Show "skipped" "everything else" "there is no server"
+    Show "left out" "everything else" "there is no server"
     exit $script:failures
 }
 
@@ -100,7 +100,7 @@ foreach ($name in "Microsoft Outlook", "Windows Mail", "Outlook Express") {
     try { $service.StartService($name) }
     catch {
         # Where the client is not on the PC this is what should happen.
-        Show "skipped" "$name" ("does not start: " + $_.Exception.Message)
+        Show "left out" "$name" ("does not start: " + $_.Exception.Message)
         continue
     }
     try {
