@@ -2,31 +2,13 @@
 
 #include "automation/RecordArray.h"
 #include "platform/Bstr.h"
+#include "service/OwnObject.h"
 #include "service/ServiceManager.h"
 
 #include <string>
 #include <vector>
 
 using Microsoft::WRL::ComPtr;
-
-namespace
-{
-// Every kind of server; the class is this process's own, so the call lands here.
-constexpr DWORD kAnyServer = 0x17;
-
-// A new object of the class through its class object; null where it refuses.
-template <typename Interface> ComPtr<Interface> CreateOwn(const CLSID& clsid)
-{
-    ComPtr<Interface> object;
-    if (FAILED(CoCreateInstance(clsid,
-                                nullptr,
-                                kAnyServer,
-                                __uuidof(Interface),
-                                reinterpret_cast<void**>(object.GetAddressOf()))))
-        return nullptr;
-    return object;
-}
-} // namespace
 
 HRESULT CNPersonalInformationService::GetProviders(SAFEARRAY** arrProviders)
 {

@@ -5,6 +5,7 @@
 #include "platform/GuidSource.h"
 #include "platform/ScopeExit.h"
 #include "platform/UniqueHandle.h"
+#include "service/OwnObject.h"
 #include "service/TimeConversions.h"
 #include "service/XmlScan.h"
 
@@ -15,7 +16,6 @@ using Microsoft::WRL::ComPtr;
 
 namespace
 {
-constexpr DWORD kItemContext = 0x17; // any context; lands on the server's own class object
 constexpr wchar_t kSettingsName[] = L"Settings.xml";
 constexpr wchar_t kNewFileName[] = L"default.ics";
 
@@ -91,11 +91,7 @@ void PutText(INAppointment& item,
 
 CalendarSources::CalendarSources()
     : createItem([](INEntityItem** item) {
-          return CoCreateInstance(CLSID_NAppointment,
-                                  nullptr,
-                                  kItemContext,
-                                  IID_INEntityItem,
-                                  reinterpret_cast<void**>(item));
+          return CreateOwn(CLSID_NAppointment, IID_INEntityItem, reinterpret_cast<void**>(item));
       }),
       zone([] {
           TIME_ZONE_INFORMATION machine{};

@@ -1,28 +1,17 @@
 #include "outlook/categories/CategoryList.h"
 
 #include "platform/Bstr.h"
+#include "service/OwnObject.h"
 
 #include <utility>
 
 using Microsoft::WRL::ComPtr;
 
-namespace
-{
-constexpr DWORD kItemContext = 0x17; // any context; lands on the server's own class object
-} // namespace
-
 CCategoryList::~CCategoryList() = default;
 
 ComPtr<INContactCategory> CCategoryList::NewCategory()
 {
-    ComPtr<INContactCategory> category;
-    if (FAILED(CoCreateInstance(CLSID_NContactCategory,
-                                nullptr,
-                                kItemContext,
-                                IID_INContactCategory,
-                                reinterpret_cast<void**>(category.GetAddressOf()))))
-        category.Reset();
-    return category;
+    return CreateOwn<INContactCategory>(CLSID_NContactCategory);
 }
 
 std::wstring CCategoryList::NameOf(INContactCategory& category)

@@ -5,12 +5,12 @@
 #include "platform/ScopeExit.h"
 #include "service/ItemAccess.h"
 #include "service/Log.h"
+#include "service/OwnObject.h"
 
 using Microsoft::WRL::ComPtr;
 
 namespace
 {
-constexpr DWORD kItemContext = 0x17;      // any context; lands on the server's own class object
 constexpr ULONG kOpenToRead = 0x00000002; // the store's business; passed as it stands
 constexpr ULONG kListColumns[] = {PR_ENTRYID, PR_MESSAGE_CLASS_W, PR_LAST_MODIFICATION_TIME};
 constexpr ULONG kWrittenColumns[] = {PR_ENTRYID, PR_LAST_MODIFICATION_TIME};
@@ -201,14 +201,7 @@ void CContentTable::GetCurrentItem(INEntityItem** item)
 
 ComPtr<INEntityItem> CContentTable::NewItem(REFCLSID classID)
 {
-    ComPtr<INEntityItem> item;
-    if (FAILED(CoCreateInstance(classID,
-                                nullptr,
-                                kItemContext,
-                                IID_INEntityItem,
-                                reinterpret_cast<void**>(item.GetAddressOf()))))
-        item.Reset();
-    return item;
+    return CreateOwn<INEntityItem>(classID);
 }
 
 // --- Writing -----------------------------------------------------------------------------------
