@@ -211,6 +211,36 @@ TEST_F(WindowsMailCalendarWriteTest, AddsToADefaultFileThatAppearedSinceTheLoad)
     EXPECT_THAT(Walk(*LoadedCalendar()), ElementsAre(firstId, secondId));
 }
 
+// Files that the reader takes nothing from: none, other text, other bytes, a calendar that nothing
+// closes. What the tree does not hold goes with the first write, as in every file, and not before.
+TEST_F(WindowsMailCalendarWriteTest, AddsToADefaultFileThatHoldsNoCalendar)
+{
+    using namespace std::string_literals;
+    for (const std::string& before : {""s,
+                                      "\r\n"s,
+                                      "Dear all,\r\nno calendar: here\r\n"s,
+                                      "\xFF\xFE\0\xD8\0BEGIN:VEVENT\n"s,
+                                      "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n"s})
+    {
+        SCOPED_TRACE(testing::PrintToString(before));
+        const auto without = LoadedCalendar();
+        Write(L"default.ics", before);
+        const auto with = LoadedCalendar();
+        EXPECT_TRUE(Walk(*with).empty());
+        EXPECT_EQ(before, Read(L"default.ics"));
+        for (CWindowsMailCalendar* calendar : {with.get(), without.get()})
+        {
+            Write(L"default.ics", before);
+            const std::wstring id = Add(*calendar, AnyItem().Get());
+            EXPECT_NE(L"", id);
+            EXPECT_THAT(Walk(*LoadedCalendar()), ElementsAre(id));
+            EXPECT_TRUE(
+                Read(L"default.ics").starts_with("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:"));
+        }
+        std::filesystem::remove(m_folder.Path() / L"default.ics");
+    }
+}
+
 TEST_F(WindowsMailCalendarWriteTest, ReplacesNoDefaultFileThatCannotBeRead)
 {
     const std::string before = FileWith("UID:a\r\nSUMMARY:old\r\n");
