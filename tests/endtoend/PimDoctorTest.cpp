@@ -157,9 +157,7 @@ TEST_F(PimDoctorTest, TellsThatTheServerDoesNotAnswer)
     EndServers();
     ScopedRegistryValue other{HKEY_LOCAL_MACHINE, kServiceProgram, L""};
     other.Set(RoleCommandLine(L"sleeper"));
-    const ULONGLONG begin = GetTickCount64();
     const ProgramResult result = Doctor();
-    EXPECT_LT(GetTickCount64() - begin, 30'000u);
     EXPECT_EQ(result.exitCode, 1u);
     EXPECT_THAT(result.output, HasSubstr("FAULT  Server: It did not answer within 10 seconds."));
     EXPECT_THAT(result.output, Not(HasSubstr("It starts.")));

@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <chrono>
 
 using namespace pim;
 
@@ -39,16 +38,15 @@ TEST(ItemIdsTest, CountsTwoItemsOfOneIdAsOne)
     EXPECT_THAT(MatchItemIds(kIds, L"meeting-"), ElementsAre(L"meeting-7"));
 }
 
-// IDs of one store begin alike. A comparison of every match with every other takes minutes here.
+// IDs of one store begin alike. A comparison of every match with every other would take an hour and
+// more here, so that the program would not end in the time that CTest gives it.
 TEST(ItemIdsTest, FindsManyMatchesInOneWalk)
 {
     const std::wstring shared(64, L'0');
     std::vector<std::wstring> ids;
-    for (int i = 0; i < 100'000; ++i)
-        ids.push_back(shared + std::to_wstring(100'000 + i));
-    const auto begin = std::chrono::steady_clock::now();
-    EXPECT_EQ(MatchItemIds(ids, L"00"), ids);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+    for (int i = 0; i < 500'000; ++i)
+        ids.push_back(shared + std::to_wstring(500'000 + i));
+    EXPECT_TRUE(MatchItemIds(ids, L"00") == ids);
 }
 
 TEST(ItemIdsTest, TellsTheFirstTenOfManyMatches)
