@@ -1,7 +1,7 @@
 // The calendar folder through the server's contract: the two back ends over the installed address
 // book, and files that vanish, are held by others or must not be written.
 #include "endtoend/CalendarClient.h"
-#include "endtoend/CalendarFolder.h"
+#include "endtoend/CalendarFilesTest.h"
 #include "endtoend/PlainServer.h"
 #include "endtoend/ProcessUsage.h"
 #include "support/Dispatch.h"
@@ -10,7 +10,6 @@
 #include <gmock/gmock.h>
 
 #include <functional>
-#include <memory>
 
 using Microsoft::WRL::ComPtr;
 
@@ -19,14 +18,12 @@ namespace
 using Texts = std::vector<std::wstring>;
 constexpr HRESULT kNullReference = HRESULT_FROM_WIN32(RPC_X_NULL_REF_POINTER);
 
-class CalendarStoreTest : public testing::Test
+class CalendarStoreTest : public CalendarFilesTest
 {
   protected:
-    static void SetUpTestSuite() { s_folder = std::make_unique<CalendarFolder>(); }
-    static void TearDownTestSuite() { s_folder.reset(); }
     void SetUp() override
     {
-        s_folder->Clear();
+        CalendarFilesTest::SetUp();
         service = MakeInServer<INPersonalInformationService>(CLSID_NPersonalInformationService);
         ASSERT_TRUE(service);
     }
@@ -68,7 +65,6 @@ class CalendarStoreTest : public testing::Test
     }
     static std::wstring PathOf(const wchar_t* name) { return (s_folder->Path() / name).wstring(); }
 
-    static inline std::unique_ptr<CalendarFolder> s_folder;
     ComPtr<INPersonalInformationService> service;
 };
 } // namespace

@@ -88,42 +88,21 @@ struct BookGroupKind
     static constexpr auto kAdd = &INAddressBook::AddGroup;
     static constexpr auto kUpdate = &INAddressBook::UpdateGroup;
     static constexpr auto kDelete = &INAddressBook::DeleteGroup;
+    static constexpr auto Open = &pim::ContactKind::Open;
 };
 
-ComPtr<INEnumerator> CollectionFrom(INPersonalInformationService& service,
-                                    _tagNEnumeratorType type,
-                                    INEnumerator*)
+template <typename Functions>
+std::unique_ptr<ItemCollection> Wrap(const ComPtr<typename Functions::Collection>& collection)
 {
-    ComPtr<INEnumerator> enumerator;
-    EXPECT_EQ(S_OK, service.GetEnumerator(type, enumerator.GetAddressOf()));
-    return enumerator;
-}
-
-ComPtr<INAddressBook> CollectionFrom(INPersonalInformationService& service,
-                                     _tagNEnumeratorType,
-                                     INAddressBook*)
-{
-    ComPtr<INAddressBook> book;
-    EXPECT_EQ(S_OK, service.GetAddressBook(book.GetAddressOf()));
-    return book;
-}
-
-ComPtr<INCalendar> CollectionFrom(INPersonalInformationService& service,
-                                  _tagNEnumeratorType,
-                                  INCalendar*)
-{
-    ComPtr<INCalendar> calendar;
-    EXPECT_EQ(S_OK, service.GetCalendar(calendar.GetAddressOf()));
-    return calendar;
+    return collection ? std::make_unique<CollectionOf<Functions>>(collection) : nullptr;
 }
 
 template <typename Functions>
-std::unique_ptr<ItemCollection> Open(INPersonalInformationService& service,
-                                     _tagNEnumeratorType type)
+std::unique_ptr<ItemCollection> Open(INPersonalInformationService& service, _tagNEnumeratorType)
 {
-    using Interface = typename Functions::Collection;
-    const auto collection = CollectionFrom(service, type, static_cast<Interface*>(nullptr));
-    return collection ? std::make_unique<CollectionOf<Functions>>(collection) : nullptr;
+    ComPtr<typename Functions::Collection> collection;
+    EXPECT_EQ(S_OK, Functions::Open(&service, collection.GetAddressOf()));
+    return Wrap<Functions>(collection);
 }
 
 struct TypedCollection
@@ -151,5 +130,7 @@ std::vector<CollectionType> CollectionsOf(const Kind& kind)
 std::unique_ptr<ItemCollection> OpenEnumerator(INPersonalInformationService& service,
                                                _tagNEnumeratorType type)
 {
-    return Open<pim::EnumeratedKind>(service, type);
+    ComPtr<INEnumerator> enumerator;
+    EXPECT_EQ(S_OK, service.GetEnumerator(type, enumerator.GetAddressOf()));
+    return Wrap<pim::EnumeratedKind>(enumerator);
 }

@@ -1,6 +1,6 @@
 // pim.exe against the running server: whole outputs, exit codes and what the files hold afterwards.
 // Local times are those of Central Europe, one hour east of UTC in winter and two in summer.
-#include "endtoend/CalendarFolder.h"
+#include "endtoend/CalendarFilesTest.h"
 #include "endtoend/ChildProgram.h"
 #include "endtoend/SampleCalendar.h"
 #include "support/TestPaths.h"
@@ -9,7 +9,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <memory>
 #include <regex>
 
 using testing::AllOf;
@@ -20,16 +19,14 @@ using testing::StartsWith;
 
 namespace
 {
-class PimCalendarTest : public testing::Test
+class PimCalendarTest : public CalendarFilesTest
 {
   protected:
     static void SetUpTestSuite()
     {
         ExpectCentralEurope();
-        s_folder = std::make_unique<CalendarFolder>();
+        CalendarFilesTest::SetUpTestSuite();
     }
-    static void TearDownTestSuite() { s_folder.reset(); }
-    void SetUp() override { s_folder->Clear(); }
 
     static std::wstring CommandLine(const std::wstring& arguments)
     {
@@ -58,8 +55,6 @@ class PimCalendarTest : public testing::Test
     {
         return std::string(ascii.begin(), ascii.end());
     }
-
-    static inline std::unique_ptr<CalendarFolder> s_folder;
 };
 } // namespace
 

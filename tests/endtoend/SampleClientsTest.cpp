@@ -1,12 +1,10 @@
 // The clients under samples/ against the running server. They print UTC.
-#include "endtoend/CalendarFolder.h"
+#include "endtoend/CalendarFilesTest.h"
 #include "endtoend/ChildProgram.h"
 #include "endtoend/SampleCalendar.h"
 #include "support/TestPaths.h"
 
 #include <gmock/gmock.h>
-
-#include <memory>
 
 using testing::AllOf;
 using testing::HasSubstr;
@@ -29,18 +27,17 @@ const std::string kWalk[] = {
     "2024-07-01 08:00  2024-07-01 09:30  Visit  visit-3",
 };
 
-class SampleClientsTest : public testing::Test
+class SampleClientsTest : public CalendarFilesTest
 {
   protected:
     static void SetUpTestSuite()
     {
         ExpectCentralEurope();
-        s_folder = std::make_unique<CalendarFolder>();
+        CalendarFilesTest::SetUpTestSuite();
     }
-    static void TearDownTestSuite() { s_folder.reset(); }
     void SetUp() override
     {
-        s_folder->Clear();
+        CalendarFilesTest::SetUp();
         s_folder->Write(L"Work.ics", PlainCalendar());
     }
 
@@ -60,8 +57,6 @@ class SampleClientsTest : public testing::Test
         std::erase(output, '\r');
         EXPECT_EQ(output, expected);
     }
-
-    static inline std::unique_ptr<CalendarFolder> s_folder;
 };
 } // namespace
 

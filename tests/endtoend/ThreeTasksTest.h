@@ -3,20 +3,16 @@
 #pragma once
 
 #include "endtoend/CalendarClient.h"
-#include "endtoend/CalendarFolder.h"
+#include "endtoend/CalendarFilesTest.h"
 
 #include <gmock/gmock.h>
 
-#include <memory>
-
-class ThreeTasksTest : public testing::Test
+class ThreeTasksTest : public CalendarFilesTest
 {
   protected:
-    static void SetUpTestSuite() { s_folder = std::make_unique<CalendarFolder>(); }
-    static void TearDownTestSuite() { s_folder.reset(); }
     void SetUp() override
     {
-        s_folder->Clear();
+        CalendarFilesTest::SetUp();
         s_folder->Write(L"Work.ics", NumberedCalendar("Task", 3));
     }
 
@@ -37,6 +33,4 @@ class ThreeTasksTest : public testing::Test
         EXPECT_EQ(VARIANT_TRUE, updated);
         EXPECT_THAT(s_folder->Read(L"Work.ics"), testing::HasSubstr("LOCATION:Room 5\r\n"));
     }
-
-    static inline std::unique_ptr<CalendarFolder> s_folder;
 };

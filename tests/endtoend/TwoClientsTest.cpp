@@ -1,12 +1,10 @@
 // Clients that use the server at once: interleaved walks, a stop under a walk, and calls that come
 // back in the middle of a write.
 #include "endtoend/CalendarClient.h"
-#include "endtoend/CalendarFolder.h"
+#include "endtoend/CalendarFilesTest.h"
 #include "icalendar/RecordingAppointment.h"
 
 #include <gmock/gmock.h>
-
-#include <memory>
 
 using Microsoft::WRL::ComPtr;
 using testing::HasSubstr;
@@ -54,14 +52,12 @@ int Walk(const Texts&)
 }
 const RegisterRole walk(L"walk", &Walk);
 
-class TwoClientsTest : public testing::Test
+class TwoClientsTest : public CalendarFilesTest
 {
   protected:
-    static void SetUpTestSuite() { s_folder = std::make_unique<CalendarFolder>(); }
-    static void TearDownTestSuite() { s_folder.reset(); }
     void SetUp() override
     {
-        s_folder->Clear();
+        CalendarFilesTest::SetUp();
         s_folder->Write(L"Work.ics", NumberedCalendar("Task", 5));
         service = StartBackEnd();
         ASSERT_TRUE(service);
@@ -93,7 +89,6 @@ class TwoClientsTest : public testing::Test
         return result;
     }
 
-    static inline std::unique_ptr<CalendarFolder> s_folder;
     ComPtr<INPersonalInformationService> service;
     ComPtr<INCalendar> calendar;
     std::vector<DWORD> servers;
