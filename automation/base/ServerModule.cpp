@@ -1,7 +1,6 @@
 #include "automation/base/ServerModule.h"
 
 #include "platform/ProgramPath.h"
-
 #include "platform/ScopeExit.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "client/core/Diagnosis.h"
 
-#include "client/core/ResultText.h"
 #include "client/core/ProgramImage.h"
+#include "client/core/ResultText.h"
 
 #include <iterator>
 
