@@ -1,13 +1,12 @@
 #include "client/ProviderSession.h"
 
 #include "client/Failure.h"
+#include "client/RunningProvider.h"
 #include "client/core/CommandLine.h"
 #include "platform/Bstr.h"
 
 namespace pim
 {
-using Microsoft::WRL::ComPtr;
-
 namespace
 {
 [[noreturn]] void ThrowLack(const std::wstring& provider, const std::wstring& part)
@@ -29,27 +28,17 @@ ProviderSession::ProviderSession(const Server& server,
         CheckIsIdle(part);
         Start(server, provider, part, open);
     }
-    // Only Outlook has an identity of the user to give.
-    ComPtr<INUserProperties> identity;
-    CheckDone(m_service->GetUserProperties(identity.GetAddressOf()),
-              L"The server did not answer about its provider");
-    m_isOutlook = identity != nullptr;
-    if (!m_started && m_isOutlook)
+    m_isOutlook = UserOf(*m_service.Get()) != nullptr;
+    if (m_started)
+        return;
+    if (m_isOutlook)
         m_name = kOutlook;
-    const bool isOther = !m_started && provider && pim::IsOutlook(*provider) != m_isOutlook;
-    if (isOther)
-        throw Failure{kExitFailed,
-                      L"Another program uses the server with another mail client than \"" +
-                          *provider + L"\". End that program and run the command again."};
+    CheckIsAskedFor(provider, m_isOutlook);
 }
 
 void ProviderSession::CheckIsIdle(const std::wstring& part) const
 {
-    // Each provider has a calendar object, though it may be empty.
-    ComPtr<INCalendar> calendar;
-    CheckDone(m_service->GetCalendar(calendar.GetAddressOf()),
-              L"The server did not answer about its provider");
-    if (calendar)
+    if (IsRunning(*m_service.Get()))
         throw Failure{kExitFailed,
                       L"Another program uses the server with a mail client whose store has no " +
                           part + L". End that program and run the command again."};

@@ -2,6 +2,7 @@
 
 #include "client/Failure.h"
 #include "client/PropertyAccess.h"
+#include "client/RunningProvider.h"
 #include "client/core/CommandLine.h"
 #include "platform/Bstr.h"
 #include "platform/SafeArray.h"
@@ -10,7 +11,6 @@ namespace pim
 {
 namespace
 {
-using Microsoft::WRL::ComPtr;
 using TextGetter = HRESULT (STDMETHODCALLTYPE INUserProperties::*)(BSTR*);
 
 // In the order of Identity.
@@ -26,29 +26,14 @@ constexpr std::array<TextGetter, kIdentityFields> kGetters = {
     &INUserProperties::get_SMTPAddress,
     &INUserProperties::get_TransmitableDisplayName,
 };
-
-ComPtr<INUserProperties> UserOf(INPersonalInformationService* service)
-{
-    ComPtr<INUserProperties> user;
-    CheckServerIsThere(service->GetUserProperties(user.GetAddressOf()));
-    return user;
-}
 } // namespace
 
 UserSession::UserSession(const Server& server, const std::optional<std::wstring>& provider)
-    : m_service(server.Get()), m_user(UserOf(server.Get()))
+    : m_service(server.Get()), m_user(UserOf(*server.Get()))
 {
-    // Only Outlook knows a user; every provider that can be asked here has a calendar object, and
-    // so tells that it runs.
-    ComPtr<INCalendar> calendar;
-    if (!m_user)
-        CheckServerIsThere(m_service->GetCalendar(calendar.GetAddressOf()));
-    if (m_user || calendar)
+    if (m_user || IsRunning(*m_service.Get()))
     {
-        if (provider && IsOutlook(*provider) != (m_user != nullptr))
-            throw Failure{kExitFailed,
-                          L"Another program uses the server with another mail client than \"" +
-                              *provider + L"\". End that program and run the command again."};
+        CheckIsAskedFor(provider, m_user != nullptr);
         return;
     }
     const std::wstring name = provider.value_or(kOutlook);
@@ -60,7 +45,7 @@ UserSession::UserSession(const Server& server, const std::optional<std::wstring>
                           L"). Where no Outlook is installed, pimstore install --store sets up a "
                           L"store of our own."};
     m_started = std::make_unique<StartedService>(m_service);
-    m_user = UserOf(m_service.Get());
+    m_user = UserOf(*m_service.Get());
 }
 
 Identity UserSession::User() const
