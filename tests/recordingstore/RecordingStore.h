@@ -6,10 +6,10 @@
 // give them RecordingStore::Path(). A test holds one RecordingStore, builds what the store holds,
 // lets the server work, and reads what was called:
 //
-//     RecordingStore store;                       // empty: a session, the store "store", its
-//     "root" store.AddUsualFolders();                    // or AddFolder, SetReceiveFolder, ... one
-//     by one store.AddMessage("ann", "contacts", StoreProps().Text(0x001A001F, L"IPM.Contact"));
-//     ...                                         // the server's work, its teardown included
+//     RecordingStore store;    // empty: a session, the store "store", its folder "root"
+//     store.AddUsualFolders(); // or AddFolder, SetReceiveFolder, ... one by one
+//     store.AddMessage("ann", "contacts", StoreProps().Text(0x001A001F, L"IPM.Contact"));
+//     ...                      // the server's work, its teardown included
 //     EXPECT_THAT(store.Calls(), ElementsAre("MAPIInitialize(0, 00000008)", ...));
 //     EXPECT_TRUE(store.IsClean()) << store.Complaints();
 //
@@ -25,14 +25,13 @@
 // One line per call:  Interface(object).Method(arguments), or Export(arguments).
 //   flags       8 hexadecimal digits
 //   tags        [0FFF0102 001A001F]
-//   entry IDs   the object's name; "none" for a count of 0; <0A0B> for an unknown one; with "
-//   (row)"
-//               behind it for the other ID of SetRowEntryId
+//   entry IDs   the object's name; "none" for a count of 0; <0A0B> for an unknown one; the name
+//               with " (row)" behind it for the other ID of SetRowEntryId
 //   interfaces  their names; "null"
 //   texts       "IPM.Note"; "null"
 //   values      {001A001F "IPM.Contact", 00170003 1, 000B values in decimal, 3008.. in decimal,
-//               0FFF0102 <0A0B>, 101F [..., ...]}; binaries beyond 64 bytes <first 64... 5120
-//               bytes>
+//               0FFF0102 <0A0B>, 101F [..., ...]}; of binaries beyond 64 bytes those and the
+//               number: <... 5120 bytes>
 //   outputs     not shown, but for optional ones: "type", "class", "problems", "rows" stand there
 //               where the caller passed an address
 //   buffers     "props of ann", "rows of stores table", ...; "inside rows of ..." for an address in
