@@ -15,7 +15,7 @@ class IEnumerator
   public:
     virtual ~IEnumerator() = default;
 
-    // Loads or reloads the list of items. The cursor has no position until ResetItem.
+    // Loads or reloads the list of items. Where the cursor stands then is settled by ResetItem.
     virtual void GetItemIDs() = 0;
 
     // Puts the cursor before the first item and drops the current item.

@@ -25,8 +25,9 @@
 // One line per call:  Interface(object).Method(arguments), or Export(arguments).
 //   flags       8 hexadecimal digits
 //   tags        [0FFF0102 001A001F]
-//   entry IDs   the object's name; "none" for a count of 0; <0A0B> for an unknown one; the name
-//               with " (row)" behind it for the other ID of SetRowEntryId
+//   entry IDs   the object's name; the name with " (row)" behind it for the other ID of
+//               SetRowEntryId; "none" for a count of 0;
+//               <0A0B> for an unknown one
 //   interfaces  their names; "null"
 //   texts       "IPM.Note"; "null"
 //   values      {001A001F "IPM.Contact", 00170003 1, 000B values in decimal, 3008.. in decimal,
