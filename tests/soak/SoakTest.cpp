@@ -204,6 +204,30 @@ class Soak
     ComPtr<INPersonalInformationService> m_service;
 };
 
+// A class object and an item with the interfaces that the soak uses. While they live the runtime
+// goes on listening for calls to those interfaces: Wine stops with the last object of an interface,
+// and waits for ever where a call to it ends at that very moment, once in some ten thousand
+// objects.
+class KeptInterfaces
+{
+  public:
+    explicit KeptInterfaces(const ItemType& type) : m_item(MakeInServer<INEntityItem>(type.classID))
+    {
+        EXPECT_EQ(S_OK,
+                  CoGetClassObject(type.classID,
+                                   CLSCTX_LOCAL_SERVER,
+                                   nullptr,
+                                   IID_IClassFactory,
+                                   reinterpret_cast<void**>(m_factory.GetAddressOf())));
+        if (m_item)
+            type.write(*m_item.Get(), {});
+    }
+
+  private:
+    ComPtr<IClassFactory> m_factory;
+    ComPtr<INEntityItem> m_item;
+};
+
 // What the runtime itself keeps of an item that it carries: counted in a server that does nothing.
 ProcessGrowth KeptByTheRuntime(int objects)
 {
@@ -298,6 +322,7 @@ TEST_P(SoakTest, LeavesStoresMemoryAndHandlesAsTheyWere)
     // While it lives the server does.
     const auto keeper =
         MakeInServer<INPersonalInformationService>(CLSID_NPersonalInformationService);
+    const KeptInterfaces keptInterfaces(kind.item);
     const Contents loaded = Stored();
     ASSERT_NO_FATAL_FAILURE(Soak(kind, kWarmUpItems).Run());
     const auto servers = RunningServers();
