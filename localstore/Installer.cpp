@@ -22,6 +22,9 @@ constexpr wchar_t kChange[] =
     L"Change";                       // key, name and text, one a line; a list of strings: as one
 constexpr wchar_t kFile[] = L"File"; // path and fingerprint, one a line
 
+// A line of its own in the report of an installation that failed.
+constexpr wchar_t kNothingChanged[] = L"Nothing was changed.";
+
 struct RecordedValue
 {
     std::wstring key;
@@ -172,12 +175,6 @@ class ChangeLog
 
     // Takes everything back, the last change first, and tells the failure that led here. Stops at
     // the first change that resists, so that the record, which was written first, stays.
-    InstallReport RollBack(LSTATUS failure, const std::wstring& failedAt)
-    {
-        m_failure = failure;
-        m_failedAt = failedAt;
-        return RollBack();
-    }
     InstallReport RollBack()
     {
         InstallReport report = FailureReport(m_failure, m_failedAt);
@@ -187,10 +184,17 @@ class ChangeLog
             whole = m_undo.back()() == ERROR_SUCCESS;
             m_undo.pop_back();
         }
-        report.lines.push_back(whole ? L"Nothing was changed."
+        report.lines.push_back(whole ? kNothingChanged
                                      : L"Not everything could be taken back. Run pimstore remove "
                                        L"with the rights of an administrator.");
         return report;
+    }
+    // The same for what failed without being a change, such as a value that cannot be read.
+    InstallReport RollBack(LSTATUS failure, const std::wstring& failedAt)
+    {
+        m_failure = failure;
+        m_failedAt = failedAt;
+        return RollBack();
     }
 
   private:
@@ -386,8 +390,11 @@ InstallReport Install(InstallTarget& target, const ComponentPlan& plan)
             return removed;
         InstallReport installed = Install(target, plan);
         if (installed.outcome != InstallOutcome::Done)
+        {
+            std::erase(installed.lines, kNothingChanged);
             installed.lines.push_back(L"The older " + plan.component +
                                       L" was removed before that. Run pimstore install again.");
+        }
         return installed;
     }
 
@@ -402,7 +409,7 @@ InstallReport Install(InstallTarget& target, const ComponentPlan& plan)
         else if (status != ERROR_SUCCESS)
         {
             InstallReport failure = FailureReport(status, Display(planned.key, planned.name));
-            failure.lines.push_back(L"Nothing was changed.");
+            failure.lines.push_back(kNothingChanged);
             return failure;
         }
         else if (planned.whenTaken == WhenTaken::Refuse &&
@@ -418,7 +425,7 @@ InstallReport Install(InstallTarget& target, const ComponentPlan& plan)
     {
         const auto failed = [](LSTATUS status, const std::wstring& path) {
             InstallReport failure = FailureReport(status, path);
-            failure.lines.push_back(L"Nothing was changed.");
+            failure.lines.push_back(kNothingChanged);
             return failure;
         };
         FileToWrite file{planned.path, {}};
@@ -439,9 +446,9 @@ InstallReport Install(InstallTarget& target, const ComponentPlan& plan)
     }
     if (report.outcome == InstallOutcome::TakenByOther)
     {
-        report.lines.push_back(
-            L"Nothing was changed. Remove that product first if you want the embedded " +
-            plan.component + L".");
+        report.lines.push_back(kNothingChanged);
+        report.lines.push_back(L"Remove that product first if you want the embedded " +
+                               plan.component + L".");
         return report;
     }
 

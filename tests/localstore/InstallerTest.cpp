@@ -13,6 +13,7 @@
 #include <functional>
 
 using testing::HasSubstr;
+using testing::Not;
 
 namespace
 {
@@ -123,6 +124,12 @@ class InstallerTest : public testing::Test
     // The file that the plan installs, and where it comes from.
     const std::wstring& Installed() const { return plan.files[0].path; }
     const std::wstring& Source() const { return plan.files[0].source; }
+    // The installed file, open as another program has it that lets others read it and no more.
+    UniqueFile HoldInstalled(DWORD access) const
+    {
+        return UniqueFile(CreateFileW(
+            Installed().c_str(), access, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    }
 
     void Set(const std::wstring& key, const std::wstring& text)
     {
@@ -571,6 +578,7 @@ TEST_F(InstallerTest, AnUpgradeThatFailsSaysThatTheOldOneIsGone)
     const InstallReport report = Install(failing, plan);
     EXPECT_EQ(InstallOutcome::AccessDenied, report.outcome);
     EXPECT_THAT(AllLines(report), HasSubstr(L"The older book was removed before that."));
+    EXPECT_THAT(AllLines(report), Not(HasSubstr(L"Nothing was changed.")));
     EXPECT_EQ(clean, Snapshot());
     EXPECT_EQ(InstallOutcome::Done, Install(target, plan).outcome);
 }
@@ -581,13 +589,7 @@ TEST_F(InstallerTest, AFileThatCannotBeReadIsNotTakenForAChangedOne)
     ASSERT_EQ(InstallOutcome::Done, Install(target, plan).outcome);
     const std::wstring installed = Snapshot();
     {
-        const UniqueFile held(CreateFileW(Installed().c_str(),
-                                          GENERIC_WRITE,
-                                          FILE_SHARE_READ,
-                                          nullptr,
-                                          OPEN_EXISTING,
-                                          0,
-                                          nullptr));
+        const UniqueFile held = HoldInstalled(GENERIC_WRITE);
         ASSERT_TRUE(held);
         const InstallReport report = Remove(target, L"book");
         EXPECT_EQ(InstallOutcome::Failed, report.outcome);
@@ -605,13 +607,7 @@ TEST_F(InstallerTest, AFileInUseIsToldAndEverythingStays)
     const std::wstring installed = Snapshot();
     {
         // As the system holds a library that is loaded: it can be read, and not be deleted.
-        const UniqueFile held(CreateFileW(Installed().c_str(),
-                                          GENERIC_READ,
-                                          FILE_SHARE_READ,
-                                          nullptr,
-                                          OPEN_EXISTING,
-                                          0,
-                                          nullptr));
+        const UniqueFile held = HoldInstalled(GENERIC_READ);
         ASSERT_TRUE(held);
         const InstallReport report = Remove(target, L"book");
         EXPECT_EQ(InstallOutcome::Failed, report.outcome);
