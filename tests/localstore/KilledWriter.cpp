@@ -79,7 +79,7 @@ void KilledWriterTest::KillAt(StopBefore step, int skip, int armAfter, int check
     while (!stopped)
     {
         const auto line = child.ReadLine();
-        ASSERT_TRUE(line.has_value()) << "the writer ended by itself";
+        ASSERT_TRUE(line.has_value()) << "the writer ended by itself with code " << child.Wait();
         stopped = Take(*line);
     }
     child.Kill();
@@ -93,7 +93,7 @@ void KilledWriterTest::KillAtRandom(std::mt19937& random)
     for (int i = 0; i < lines; ++i)
     {
         const auto line = child.ReadLine();
-        ASSERT_TRUE(line.has_value()) << "the writer ended by itself";
+        ASSERT_TRUE(line.has_value()) << "the writer ended by itself with code " << child.Wait();
         Take(*line);
     }
     Sleep(random() % 20);

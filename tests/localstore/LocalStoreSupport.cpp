@@ -15,6 +15,9 @@ TempFolder::TempFolder()
     GetTempPathW(MAX_PATH, temp);
     m_path = std::wstring(temp) + L"pimstore-test-" + std::to_wstring(GetCurrentProcessId()) +
              L"-" + std::to_wstring(++counter) + L"\\";
+    // Numbers of processes come again: one of before may have left its folder.
+    std::error_code ignored;
+    std::filesystem::remove_all(m_path, ignored);
     std::filesystem::create_directories(m_path);
 }
 
@@ -59,8 +62,10 @@ ChildProcess::ChildProcess(const std::wstring& commandLine)
     startup.hStdError = writeEnd.Get();
     PROCESS_INFORMATION process{};
     std::wstring line = commandLine;
-    EXPECT_TRUE(CreateProcessW(
-        nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process));
+    const BOOL isStarted = CreateProcessW(
+        nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process);
+    const DWORD error = GetLastError();
+    EXPECT_TRUE(isStarted) << "error " << error << " of the system";
     m_process.Reset(process.hProcess);
     if (process.hThread)
         CloseHandle(process.hThread);
