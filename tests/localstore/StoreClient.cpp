@@ -183,6 +183,24 @@ ComPtr<IMAPIFolder> StoreTest::Contacts()
     return OpenFolder(Binary(RootFolder().Get(), kContactFolder));
 }
 
+HRESULT StoreTest::MakeSubfolder(IMAPIFolder* folder,
+                                 const wchar_t* name,
+                                 ComPtr<IMAPIFolder>& made)
+{
+    return folder->CreateFolder(FOLDER_GENERIC,
+                                reinterpret_cast<LPTSTR>(const_cast<wchar_t*>(name)),
+                                nullptr,
+                                nullptr,
+                                MAPI_UNICODE,
+                                made.ReleaseAndGetAddressOf());
+}
+
+HRESULT StoreTest::DeleteSubfolder(IMAPIFolder* folder, EntryBytes id, ULONG flags)
+{
+    return folder->DeleteFolder(
+        static_cast<ULONG>(id.size()), reinterpret_cast<LPENTRYID>(id.data()), 0, nullptr, flags);
+}
+
 EntryBytes StoreTest::AddMessage(IMAPIFolder* folder,
                                  const wchar_t* messageClass,
                                  const wchar_t* subject,

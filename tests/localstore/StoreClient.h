@@ -118,6 +118,10 @@ class StoreTest : public testing::Test
     ComPtr<IMAPIFolder> RootFolder();
     ComPtr<IMAPIFolder> Contacts();
 
+    // The results of the folder's CreateFolder and DeleteFolder.
+    HRESULT MakeSubfolder(IMAPIFolder* folder, const wchar_t* name, ComPtr<IMAPIFolder>& made);
+    HRESULT DeleteSubfolder(IMAPIFolder* folder, EntryBytes id, ULONG flags);
+
     // A saved message of that class and subject; its entry ID.
     EntryBytes AddMessage(IMAPIFolder* folder,
                           const wchar_t* messageClass,

@@ -21,13 +21,7 @@ void StoreContactTest::TearDown()
 ComPtr<IMAPIFolder> StoreContactTest::AddContactFolder(const wchar_t* name)
 {
     ComPtr<IMAPIFolder> folder;
-    EXPECT_EQ(S_OK,
-              Contacts()->CreateFolder(FOLDER_GENERIC,
-                                       reinterpret_cast<LPTSTR>(const_cast<wchar_t*>(name)),
-                                       nullptr,
-                                       nullptr,
-                                       MAPI_UNICODE,
-                                       folder.GetAddressOf()));
+    EXPECT_EQ(S_OK, MakeSubfolder(Contacts().Get(), name, folder));
     SPropValue value = TextValue(PR_CONTAINER_CLASS_W, L"IPF.Contact");
     EXPECT_EQ(S_OK, folder->SetProps(1, &value, nullptr));
     EXPECT_EQ(S_OK, folder->SaveChanges(KEEP_OPEN_READWRITE));

@@ -95,20 +95,10 @@ TEST_F(StoreMessageTest, AMessageThatOthersChangedIsOverwrittenOnlyByForce)
 TEST_F(StoreMessageTest, AMessageOfADeletedFolderIsNotSaved)
 {
     ComPtr<IMAPIFolder> folder;
-    ASSERT_EQ(S_OK,
-              Contacts()->CreateFolder(FOLDER_GENERIC,
-                                       reinterpret_cast<LPTSTR>(const_cast<wchar_t*>(L"Sub")),
-                                       nullptr,
-                                       nullptr,
-                                       MAPI_UNICODE,
-                                       folder.GetAddressOf()));
+    ASSERT_EQ(S_OK, MakeSubfolder(Contacts().Get(), L"Sub", folder));
     ComPtr<IMessage> message;
     ASSERT_EQ(S_OK, folder->CreateMessage(nullptr, 0, message.GetAddressOf()));
-    EntryBytes id = Binary(folder.Get(), PR_ENTRYID);
-    ASSERT_EQ(
-        S_OK,
-        Contacts()->DeleteFolder(
-            static_cast<ULONG>(id.size()), reinterpret_cast<LPENTRYID>(id.data()), 0, nullptr, 0));
+    ASSERT_EQ(S_OK, DeleteSubfolder(Contacts().Get(), Binary(folder.Get(), PR_ENTRYID), 0));
     EXPECT_EQ(MAPI_E_OBJECT_DELETED, message->SaveChanges(FORCE_SAVE));
     EXPECT_EQ(MAPI_E_OBJECT_DELETED, ValueError(folder.Get(), PR_DISPLAY_NAME_W));
     EXPECT_EQ(MAPI_E_OBJECT_DELETED,

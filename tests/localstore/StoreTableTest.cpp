@@ -76,23 +76,12 @@ TEST_F(StoreTableTest, ATableStaysAsItWasButForRowsThatAreGone)
 TEST_F(StoreTableTest, ATableOfADeletedFolderHasNoRowsLeft)
 {
     ComPtr<IMAPIFolder> folder;
-    ASSERT_EQ(S_OK,
-              Contacts()->CreateFolder(FOLDER_GENERIC,
-                                       reinterpret_cast<LPTSTR>(const_cast<wchar_t*>(L"Sub")),
-                                       nullptr,
-                                       nullptr,
-                                       MAPI_UNICODE,
-                                       folder.GetAddressOf()));
+    ASSERT_EQ(S_OK, MakeSubfolder(Contacts().Get(), L"Sub", folder));
     AddMessage(folder.Get(), L"IPM.Contact", L"1");
     ComPtr<IMAPITable> table;
     ASSERT_EQ(S_OK, folder->GetContentsTable(0, table.GetAddressOf()));
-    EntryBytes id = Binary(folder.Get(), PR_ENTRYID);
     ASSERT_EQ(S_OK,
-              Contacts()->DeleteFolder(static_cast<ULONG>(id.size()),
-                                       reinterpret_cast<LPENTRYID>(id.data()),
-                                       0,
-                                       nullptr,
-                                       DEL_MESSAGES));
+              DeleteSubfolder(Contacts().Get(), Binary(folder.Get(), PR_ENTRYID), DEL_MESSAGES));
     EXPECT_THAT(Next(table.Get(), 5), IsEmpty());
 }
 
