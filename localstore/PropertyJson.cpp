@@ -1,6 +1,7 @@
 #include "localstore/PropertyJson.h"
 
 #include "localstore/KnownProperties.h"
+#include "platform/HexDigit.h"
 #include "service/TextConversions.h"
 
 #include <array>
@@ -46,17 +47,6 @@ std::optional<std::uint64_t> ParseHex(std::string_view text, size_t mostDigits)
     if (result.ec != std::errc() || result.ptr != end)
         return std::nullopt;
     return value;
-}
-
-int HexDigit(char digit)
-{
-    if (digit >= '0' && digit <= '9')
-        return digit - '0';
-    if (digit >= 'A' && digit <= 'F')
-        return digit - 'A' + 10;
-    if (digit >= 'a' && digit <= 'f')
-        return digit - 'a' + 10;
-    return -1;
 }
 
 std::string Base64Text(std::span<const std::byte> bytes)
@@ -168,25 +158,12 @@ bool HasUnpairedSurrogate(const std::wstring& text)
     return false;
 }
 
-std::string WideText(const std::wstring& text)
+// An object with hex or base64.
+std::string BytesText(std::span<const std::byte> bytes)
 {
-    if (HasUnpairedSurrogate(text))
-        return "{\"utf16\": \"" + HexText(std::as_bytes(std::span(text))) + "\"}";
-    return QuotedText(Utf8FromWide(text));
-}
-
-std::wstring ReadWide(const JsonPlace& place)
-{
-    if (!IsObject(place))
-        return WideFromUtf8(place.Text());
-    const JsonPlace units = OneOf(place, {"utf16"}).second;
-    const Bytes bytes = ReadHex(units);
-    if (bytes.size() % sizeof(wchar_t) != 0)
-        units.Fail("UTF-16 comes in units of two bytes");
-    std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
-    if (!bytes.empty())
-        std::memcpy(text.data(), bytes.data(), bytes.size());
-    return text;
+    if (bytes.size() <= kLongestHexBytes)
+        return "{\"hex\": \"" + HexText(bytes) + "\"}";
+    return "{\"base64\": \"" + Base64Text(bytes) + "\"}";
 }
 
 std::string AnsiText(const Bytes& bytes)
@@ -383,13 +360,13 @@ std::string ValueText(const PropertyValue& value)
     if (const auto* bits = std::get_if<std::uint64_t>(&value.data))
         return FixedText(type, *bits);
     if (const auto* text = std::get_if<std::wstring>(&value.data))
-        return WideText(*text);
+        return TextValueText(*text);
     if (const auto* bytes = std::get_if<Bytes>(&value.data))
         return BytesItemText(type, *bytes);
     if (const auto* list = std::get_if<std::vector<std::uint64_t>>(&value.data))
         return ListText(list->size(), [&](size_t i) { return FixedText(type, (*list)[i]); });
     if (const auto* texts = std::get_if<std::vector<std::wstring>>(&value.data))
-        return ListText(texts->size(), [&](size_t i) { return WideText((*texts)[i]); });
+        return ListText(texts->size(), [&](size_t i) { return TextValueText((*texts)[i]); });
     const auto& items = std::get<std::vector<Bytes>>(value.data);
     return ListText(items.size(), [&](size_t i) { return BytesItemText(type, items[i]); });
 }
@@ -413,9 +390,9 @@ PropertyValue ReadValue(std::uint16_t storedType, const JsonPlace& place)
     {
     case PT_UNICODE:
         if (isList)
-            value.data = ReadList<std::wstring>(place, ReadWide);
+            value.data = ReadList<std::wstring>(place, ReadTextValue);
         else
-            value.data = ReadWide(place);
+            value.data = ReadTextValue(place);
         break;
     case PT_STRING8:
     case PT_BINARY:
@@ -487,7 +464,7 @@ PropertyName ReadName(const JsonPlace& place)
         place.Fail("a named property has either an id or a name");
     if (place.Find("name"))
     {
-        name.name = ReadWide(place.At("name"));
+        name.name = ReadTextValue(place.At("name"));
         return name;
     }
     const JsonPlace id = place.At("id");
@@ -536,12 +513,23 @@ std::string QuotedText(std::string_view utf8)
 
 std::string TextValueText(const std::wstring& text)
 {
-    return WideText(text);
+    if (HasUnpairedSurrogate(text))
+        return "{\"utf16\": \"" + HexText(std::as_bytes(std::span(text))) + "\"}";
+    return QuotedText(Utf8FromWide(text));
 }
 
 std::wstring ReadTextValue(const JsonPlace& place)
 {
-    return ReadWide(place);
+    if (!IsObject(place))
+        return WideFromUtf8(place.Text());
+    const JsonPlace units = OneOf(place, {"utf16"}).second;
+    const Bytes bytes = ReadHex(units);
+    if (bytes.size() % sizeof(wchar_t) != 0)
+        units.Fail("UTF-16 comes in units of two bytes");
+    std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
+    if (!bytes.empty())
+        std::memcpy(text.data(), bytes.data(), bytes.size());
+    return text;
 }
 
 std::string HexText(std::span<const std::byte> bytes)
@@ -554,13 +542,6 @@ std::string HexText(std::span<const std::byte> bytes)
         text += kHexDigits[std::to_integer<unsigned>(one) & 0xF];
     }
     return text;
-}
-
-std::string BytesText(std::span<const std::byte> bytes)
-{
-    if (bytes.size() <= kLongestHexBytes)
-        return "{\"hex\": \"" + HexText(bytes) + "\"}";
-    return "{\"base64\": \"" + Base64Text(bytes) + "\"}";
 }
 
 std::string TimeText(std::uint64_t ticks)
@@ -627,12 +608,12 @@ std::uint64_t ReadTime(const JsonPlace& place)
     for (size_t i = 0; good && i < kForm.size(); ++i)
         good = kForm[i] == 'd' ? isDigit(text[i]) : text[i] == kForm[i];
     // Behind the seconds: nothing, or a point and one to seven digits.
-    const size_t fractionDigits = good ? text.size() - kForm.size() - 1 : 0;
-    good = good && fractionDigits != 1 && (fractionDigits == 0 || text[kForm.size()] == '.');
+    const size_t fractionUnits = good ? text.size() - kForm.size() - 1 : 0;
+    good = good && fractionUnits != 1 && (fractionUnits == 0 || text[kForm.size()] == '.');
     std::uint64_t fraction = 0;
-    for (size_t i = 0; good && fractionDigits != 0 && i < 7; ++i)
+    for (size_t i = 0; good && fractionUnits != 0 && i < 7; ++i)
     {
-        const char unit = i + 1 < fractionDigits ? text[kForm.size() + 1 + i] : '0';
+        const char unit = i + 1 < fractionUnits ? text[kForm.size() + 1 + i] : '0';
         good = isDigit(unit);
         fraction = fraction * 10 + static_cast<unsigned>(unit - '0');
     }
@@ -678,7 +659,7 @@ std::string PropertyText(const PropertyKey& key, const PropertyValue& value)
             text += "\"id\": \"" + Hex(bits, bits > 0xFFFF ? 8 : 4) + "\"";
         }
         else
-            text += "\"name\": " + WideText(std::get<std::wstring>(name.name));
+            text += "\"name\": " + TextValueText(std::get<std::wstring>(name.name));
         text += ", \"type\": \"" + TypeText(value.type) + "\"";
     }
     return text + ", \"value\": " + ValueText(value) + "}";

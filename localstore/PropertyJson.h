@@ -26,10 +26,9 @@ KeyedProperty ReadPropertyJson(const JsonPlace& place);
 
 // Single values.
 std::string QuotedText(std::string_view utf8);
-std::string TextValueText(const std::wstring& text);     // an object where it is no valid UTF-16
-std::string BytesText(std::span<const std::byte> bytes); // an object with hex or base64
-std::string HexText(std::span<const std::byte> bytes);   // upper-case digits
-std::string TimeText(std::uint64_t ticks);               // of 100 ns since 1601-01-01 UTC
+std::string TextValueText(const std::wstring& text);   // an object where it is no valid UTF-16
+std::string HexText(std::span<const std::byte> bytes); // upper-case digits
+std::string TimeText(std::uint64_t ticks);             // of 100 ns since 1601-01-01 UTC
 std::wstring ReadTextValue(const JsonPlace& place);
 Bytes ReadHex(const JsonPlace& place);
 std::uint64_t ReadTime(const JsonPlace& place);

@@ -1,5 +1,6 @@
 #include "rtfconverter/RtfText.h"
 
+#include "platform/HexDigit.h"
 #include "rtfconverter/HtmlTags.h"
 #include "rtfconverter/RtfWords.h"
 #include "rtfconverter/ShownText.h"
@@ -30,17 +31,6 @@ bool IsDigit(char c)
 bool IsAscii(char c)
 {
     return static_cast<unsigned char>(c) < 0x80;
-}
-
-int HexDigit(char c)
-{
-    if (IsDigit(c))
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
 }
 
 bool IsFont(std::int64_t number)
