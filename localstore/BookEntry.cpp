@@ -50,7 +50,7 @@ void InsertRow(Database& database, BookEntryRow& row)
 std::optional<BookEntryRow> ReadBookEntryRow(const Statement& row)
 {
     const auto entryId = row.Blob(1);
-    if (!row.IsBlob(1) || entryId.empty() || entryId.size() > kLongestBookEntryId)
+    if (!row.IsBlob(1) || entryId.empty() || entryId.size() > kLongestEntryId)
         return std::nullopt;
     BookEntryRow entry;
     entry.id = row.Integer(0);

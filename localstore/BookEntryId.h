@@ -7,9 +7,6 @@
 #include <cstdint>
 #include <span>
 
-// An address may come with any count; IDs of the book are far shorter than so many bytes.
-inline constexpr std::size_t kLongestBookEntryId = 4096;
-
 // The ID of a new entry: the UTF-16LE text  /GUID:"{...}"  with a number of its own in braces.
 Bytes NewBookEntryId();
 

@@ -29,7 +29,7 @@ HRESULT BookSession::CheckEntryId(ULONG size,
 {
     if (size != 0 && !bytes)
         return MAPI_E_INVALID_PARAMETER;
-    if (size == 0 || size > kLongestBookEntryId)
+    if (size == 0 || size > kLongestEntryId)
         return MAPI_E_INVALID_ENTRYID;
     entryId = {static_cast<const std::byte*>(bytes), size};
     return S_OK;

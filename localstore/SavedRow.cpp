@@ -12,8 +12,6 @@ namespace
 {
 
 constexpr ULONG kMaxListEntries = 0x00FFFFFF;
-// An address may come with any count; entry IDs are far shorter than this.
-constexpr ULONG kLongestEntryId = 4096;
 
 DatabaseError GoneError(const RowKind& kind)
 {

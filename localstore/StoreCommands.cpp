@@ -2,9 +2,9 @@
 
 #include "localstore/StoreDump.h"
 #include "localstore/StoreLoad.h"
-#include "localstore/SystemText.h"
 #include "localstore/StorePath.h"
 #include "localstore/StoreSchema.h"
+#include "localstore/SystemText.h"
 #include "localstore/ToolConsole.h"
 #include "platform/UniqueHandle.h"
 #include "service/TextConversions.h"

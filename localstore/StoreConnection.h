@@ -5,8 +5,8 @@
 
 #include "localstore/ComObject.h"
 #include "localstore/Database.h"
-#include "platform/ScopedLock.h"
 #include "localstore/StoredProperties.h"
+#include "platform/ScopedLock.h"
 #include "platform/WindowsHeaders.h"
 
 #include <string>

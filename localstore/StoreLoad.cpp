@@ -161,7 +161,7 @@ BookEntryData ReadBookEntry(const JsonPlace& place)
     if (place.Find("entryId"))
     {
         entry.entryId = ReadHex(place.At("entryId"));
-        if (entry.entryId->empty() || entry.entryId->size() > kLongestBookEntryId)
+        if (entry.entryId->empty() || entry.entryId->size() > kLongestEntryId)
             place.At("entryId").Fail(
                 "an entry ID has 1 to 4,096 bytes; leave it out for a new one");
     }

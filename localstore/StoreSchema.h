@@ -59,6 +59,8 @@ Bytes NewEntryId(std::uint8_t objectType);
 inline constexpr size_t kEntryIdBytes = 24;
 // Where the object's MAPI type stands in it.
 inline constexpr size_t kEntryIdTypeAt = 6;
+// A caller may pass any count, and entries of the book have IDs of any form; no ID has more bytes.
+inline constexpr size_t kLongestEntryId = 4096;
 
 // Whether the bytes have the form that NewEntryId gives.
 bool IsOwnEntryId(std::span<const std::byte> entryId);

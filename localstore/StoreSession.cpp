@@ -48,8 +48,8 @@ HRESULT ReadEntryId(ULONG size, const void* bytes, std::span<const std::byte>& e
     if (size != 0 && !bytes)
         return MAPI_E_INVALID_PARAMETER;
     if (size != kEntryIdBytes)
-        return size < sizeof(MAPIUID) + 4 || size > 4096 ? MAPI_E_INVALID_ENTRYID
-                                                         : MAPI_E_UNKNOWN_ENTRYID;
+        return size < sizeof(MAPIUID) + 4 || size > kLongestEntryId ? MAPI_E_INVALID_ENTRYID
+                                                                    : MAPI_E_UNKNOWN_ENTRYID;
     entryId = {static_cast<const std::byte*>(bytes), size};
     return IsOwnEntryId(entryId) ? S_OK : MAPI_E_UNKNOWN_ENTRYID;
 }
