@@ -218,11 +218,14 @@ STDMETHODIMP StoreFolder::CreateFolder(
             return MAPI_E_INVALID_PARAMETER;
         Database& database = Session().Store();
         Transaction transaction(database);
-        if (!HasRows(database, "SELECT 1 FROM folder WHERE id = ?1", State().Id()))
+        const std::optional<int> level = LevelOfFolder(database, State().Id());
+        if (!level)
             return MAPI_E_OBJECT_DELETED;
         auto id = FindSubfolder(database, State().Id(), displayName);
         if (id && !(flags & OPEN_IF_EXISTS))
             return MAPI_E_COLLISION;
+        if (!id && *level == kMostFolderLevels)
+            return MAPI_E_TOO_COMPLEX;
         if (!id)
         {
             id = AddFolder(database, State().Id(), displayName, L"");

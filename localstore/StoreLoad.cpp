@@ -19,6 +19,11 @@ namespace
 
 constexpr char kFormat[] = "PimStoreBridge store";
 
+// Below a folder, what nests most: its messages, a message, the attachments, an attachment, the
+// properties, a property, a list of values, a value.
+constexpr int kLevelsInFolder = 8;
+static_assert(2 * kMostFolderLevels + kLevelsInFolder <= static_cast<int>(kDeepestJson));
+
 using Properties = std::vector<KeyedProperty>;
 
 // What every object of the store may say about itself.
@@ -51,6 +56,7 @@ struct FolderData : ObjectData
     size_t line = 0;
     std::string path;
     std::optional<size_t> parent; // among the folders of the file
+    int level = 1;
     std::optional<std::wstring> name;
     std::vector<const FolderRole*> roles;
     std::vector<std::string> receives;
@@ -308,6 +314,14 @@ class Survey : public FileReader
             fail("the key \"format\" is missing: this is no store of PimStoreBridge");
         if (!m_hasVersion)
             fail("the key \"version\" is missing");
+        for (const FolderData& folder : m_file.folders)
+        {
+            if (folder.level > kMostFolderLevels)
+                throw JsonProblem(folder.line,
+                                  folder.path,
+                                  "folders stand in " + std::to_string(kMostFolderLevels) +
+                                      " levels at most, the root in the first");
+        }
         return std::move(m_file);
     }
 
@@ -349,6 +363,8 @@ class Survey : public FileReader
     {
         FolderData& folder = m_file.folders.emplace_back();
         folder.parent = parent;
+        if (parent)
+            folder.level = m_file.folders[*parent].level + 1;
         folder.path = path;
         folder.line = line;
     }

@@ -203,6 +203,18 @@ std::optional<Bytes> EntryIdOfFolder(Database& database, std::int64_t folder)
     return Bytes(bytes.begin(), bytes.end());
 }
 
+std::optional<int> LevelOfFolder(Database& database, std::int64_t folder)
+{
+    // The limit ends it also where the parents of a damaged store go round in a circle.
+    Statement row = database.Prepare(
+        "WITH RECURSIVE up (parent) AS (SELECT parent FROM folder WHERE id = ?1 UNION ALL "
+        "SELECT folder.parent FROM up JOIN folder ON folder.id = up.parent LIMIT ?2) "
+        "SELECT count(*) FROM up");
+    row.Bind(1, folder).Bind(2, kMostFolderLevels);
+    const int level = row.Step() ? static_cast<int>(row.Integer(0)) : 0;
+    return level > 0 ? std::optional(level) : std::nullopt;
+}
+
 std::int64_t AddFolder(Database& database,
                        std::optional<std::int64_t> parent,
                        const std::wstring& displayName,

@@ -51,6 +51,12 @@ std::optional<std::int64_t> RootFolder(Database& database);
 std::optional<std::int64_t> FolderOfEntryId(Database& database, std::span<const std::byte> entryId);
 std::optional<Bytes> EntryIdOfFolder(Database& database, std::int64_t folder);
 
+// In so many levels folders stand at most, the root in the first: a dump of them can be read again,
+// and the database follows them all when it deletes the uppermost.
+inline constexpr int kMostFolderLevels = 100;
+// None where there is no such folder; no more than kMostFolderLevels.
+std::optional<int> LevelOfFolder(Database& database, std::int64_t folder);
+
 // A new folder with its display name and container class; an empty class is none. Without a parent
 // it is the root.
 std::int64_t AddFolder(Database& database,

@@ -722,6 +722,33 @@ TEST_F(StoreLoadTest, HostileSizesEndWithAMessage)
                 HasSubstr("root/oops: there is no such key"));
 }
 
+TEST_F(StoreLoadTest, TheDeepestFoldersComeBackAndADeeperOneIsTold)
+{
+    // The root is the first level. What nests most in a folder: a list of values of an attachment.
+    const auto withLevels = [](int levels) {
+        std::string folder = R"({"messages": [{"attachments": [{"properties": [
+            {"tag": "0x67001102", "value": [{"hex": "00"}]}]}]}]})";
+        for (int level = 1; level < levels; ++level)
+            folder = R"({"folders": [)" + folder + "]}";
+        return R"({"format": "PimStoreBridge store", "version": 1, "root": )" + folder + "}";
+    };
+    Database database = OpenStore(L":memory:");
+    Load(database, withLevels(100));
+    EXPECT_EQ(100, database.QueryInteger("SELECT count(*) FROM folder"));
+    const std::string dump = Dump(database);
+    Database other = OpenStore(L":memory:");
+    Load(other, dump);
+    EXPECT_EQ(dump, Dump(other));
+    Load(other, dump, LoadMode::Replace);
+    EXPECT_EQ(dump, Dump(other));
+
+    std::string path = "root";
+    for (int level = 2; level <= 101; ++level)
+        path += "/folders/0";
+    EXPECT_EQ("1: " + path + ": folders stand in 100 levels at most, the root in the first",
+              Problem(withLevels(101)));
+}
+
 TEST_F(StoreLoadTest, AFailureWhileWritingTakesEverythingBack)
 {
     Database database = OpenStore(L":memory:");

@@ -431,17 +431,36 @@ TEST_F(StoreTableTest, MakesAndDeletesFolders)
                   FOLDER_GENERIC, Name(L""), nullptr, nullptr, MAPI_UNICODE, again.GetAddressOf()));
 
     const EntryBytes message = AddMessage(folder.Get(), L"IPM.Note", L"one");
-    EntryBytes id = Binary(folder.Get(), PR_ENTRYID);
-    const auto remove = [&](ULONG flags) {
-        return root->DeleteFolder(static_cast<ULONG>(id.size()),
-                                  reinterpret_cast<LPENTRYID>(id.data()),
-                                  0,
-                                  nullptr,
-                                  flags);
-    };
-    EXPECT_EQ(MAPI_E_HAS_MESSAGES, remove(0));
-    EXPECT_EQ(S_OK, remove(DEL_MESSAGES));
-    EXPECT_EQ(MAPI_E_NOT_FOUND, remove(DEL_MESSAGES));
+    const EntryBytes id = Binary(folder.Get(), PR_ENTRYID);
+    EXPECT_EQ(MAPI_E_HAS_MESSAGES, DeleteSubfolder(root.Get(), id, 0));
+    EXPECT_EQ(S_OK, DeleteSubfolder(root.Get(), id, DEL_MESSAGES));
+    EXPECT_EQ(MAPI_E_NOT_FOUND, DeleteSubfolder(root.Get(), id, DEL_MESSAGES));
+    ComPtr<IUnknown> gone;
+    EXPECT_EQ(MAPI_E_NOT_FOUND, Open(m_store.Get(), message, 0, gone.GetAddressOf()));
+}
+
+TEST_F(StoreTableTest, FoldersStandInAHundredLevelsAndAreDeletedTogether)
+{
+    // The root is the first level.
+    const auto root = RootFolder();
+    ComPtr<IMAPIFolder> folder = root;
+    EntryBytes uppermost;
+    for (int level = 2; level <= 100; ++level)
+    {
+        ComPtr<IMAPIFolder> made;
+        ASSERT_EQ(S_OK, MakeSubfolder(folder.Get(), L"Deeper", made)) << level;
+        if (level == 2)
+            uppermost = Binary(made.Get(), PR_ENTRYID);
+        folder = made;
+    }
+    ComPtr<IMAPIFolder> tooDeep;
+    EXPECT_EQ(MAPI_E_TOO_COMPLEX, MakeSubfolder(folder.Get(), L"Deeper", tooDeep));
+    EXPECT_EQ(nullptr, tooDeep.Get());
+
+    const EntryBytes message = AddMessage(folder.Get(), L"IPM.Note", L"deep");
+    EXPECT_EQ(S_OK, DeleteSubfolder(root.Get(), uppermost, DEL_FOLDERS | DEL_MESSAGES));
+    EXPECT_EQ(MAPI_E_OBJECT_DELETED, ValueError(folder.Get(), PR_DISPLAY_NAME_W));
+    EXPECT_EQ(MAPI_E_OBJECT_DELETED, MakeSubfolder(folder.Get(), L"Deeper", tooDeep));
     ComPtr<IUnknown> gone;
     EXPECT_EQ(MAPI_E_NOT_FOUND, Open(m_store.Get(), message, 0, gone.GetAddressOf()));
 }
