@@ -168,15 +168,6 @@ constexpr SetName kSets[] = {
     {"PSETID_Address",     {0x00062004, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}}},
     {"PSETID_Common",      {0x00062008, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}}},
 };
-
-constexpr ULONG kMadeByStore[] = {
-    PROP_ID(PR_ENTRYID),            PROP_ID(PR_RECORD_KEY),
-    PROP_ID(PR_PARENT_ENTRYID),     PROP_ID(PR_OBJECT_TYPE),
-    PROP_ID(PR_STORE_ENTRYID),      PROP_ID(PR_STORE_RECORD_KEY),
-    PROP_ID(PR_CREATION_TIME),      PROP_ID(PR_LAST_MODIFICATION_TIME),
-    PROP_ID(PR_CONTENT_COUNT),      PROP_ID(PR_SUBFOLDERS),
-    PROP_ID(PR_ATTACH_NUM),
-};
 // clang-format on
 
 // The same rows by their tags.
@@ -255,10 +246,4 @@ std::optional<GUID> SetOfName(std::string_view name)
             return row.set;
     }
     return std::nullopt;
-}
-
-bool IsMadeByStore(ULONG tag)
-{
-    return std::find(std::begin(kMadeByStore), std::end(kMadeByStore), PROP_ID(tag)) !=
-           std::end(kMadeByStore);
 }

@@ -20,6 +20,3 @@ std::optional<std::uint16_t> TypeOfName(std::string_view name);
 // As PSETID_Address. Empty where there is none.
 std::string_view NameOfSet(const GUID& set);
 std::optional<GUID> SetOfName(std::string_view name);
-
-// Properties that the store itself makes from what it holds, whatever would be stored under them.
-bool IsMadeByStore(ULONG tag);

@@ -437,9 +437,6 @@ ULONG ReadTag(const JsonPlace& place)
                    "for names: give the set, and the id or name");
     if (NameOfType(static_cast<std::uint16_t>(PROP_TYPE(*tag))).empty())
         place.Fail("values of the type " + Hex(PROP_TYPE(*tag), 4) + " cannot be stored");
-    if (IsMadeByStore(*tag))
-        place.Fail("the store makes this property itself; entryId, created and modified give what "
-                   "can be given");
     return *tag;
 }
 

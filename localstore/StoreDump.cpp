@@ -1,10 +1,10 @@
 #include "localstore/StoreDump.h"
 
-#include "localstore/KnownProperties.h"
 #include "localstore/NamedProperties.h"
 #include "localstore/PropertyJson.h"
 #include "localstore/Snapshot.h"
 #include "localstore/StoreProfile.h"
+#include "localstore/StoreProperties.h"
 #include "localstore/StoredProperties.h"
 
 #include <map>
@@ -141,7 +141,8 @@ class Dumper
             const auto name = m_names.find(id);
             if (name != m_names.end())
                 named.emplace(name->second, std::move(value));
-            else if (!IsMadeByStore(tag) && !m_told.contains({owner.kind, owner.id, id}) &&
+            else if (!IsComputedOf(owner.kind, id) &&
+                     !m_told.contains({owner.kind, owner.id, id}) &&
                      std::find(toldElsewhere.begin(), toldElsewhere.end(), tag) ==
                          toldElsewhere.end())
                 plain.emplace_back(id, std::move(value));

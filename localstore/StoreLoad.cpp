@@ -3,6 +3,7 @@
 #include "localstore/BookEntryId.h"
 #include "localstore/PropertyJson.h"
 #include "localstore/StoreProfile.h"
+#include "localstore/StoreProperties.h"
 #include "localstore/StoredProperties.h"
 #include "service/TextConversions.h"
 
@@ -78,7 +79,7 @@ std::string Fold(std::string text)
     return text;
 }
 
-Properties ReadPropertyList(const JsonPlace& list)
+Properties ReadPropertyList(const JsonPlace& list, OwnerKind owner)
 {
     Properties properties;
     const size_t count = list.Array().size();
@@ -88,16 +89,22 @@ Properties ReadPropertyList(const JsonPlace& list)
     {
         const JsonPlace place = list.At(i);
         properties.push_back(ReadPropertyJson(place));
-        if (!keys.insert(properties.back().key).second)
+        const PropertyKey& key = properties.back().key;
+        const auto* id = std::get_if<std::uint16_t>(&key);
+        if (id && IsComputedOf(owner, *id))
+            place.At("tag").Fail("the store makes this property itself; entryId, created and "
+                                 "modified give what can be given");
+        if (!keys.insert(key).second)
             place.Fail("this property stands twice");
     }
     return properties;
 }
 
 // Of an object that need not have any.
-Properties ReadPropertiesOf(const JsonPlace& object)
+Properties ReadPropertiesOf(const JsonPlace& object, OwnerKind owner)
 {
-    return object.Find("properties") ? ReadPropertyList(object.At("properties")) : Properties();
+    return object.Find("properties") ? ReadPropertyList(object.At("properties"), owner)
+                                     : Properties();
 }
 
 std::int64_t ReadTicks(const JsonPlace& place)
@@ -133,7 +140,7 @@ MessageData ReadMessage(const JsonPlace& place)
     if (place.Find("entryId"))
         message.entryId = ReadEntryId(place.At("entryId"), MAPI_MESSAGE);
     ReadObjectTimes(place, message);
-    message.properties = ReadPropertiesOf(place);
+    message.properties = ReadPropertiesOf(place, OwnerKind::Message);
     if (!place.Find("attachments"))
         return message;
     const JsonPlace list = place.At("attachments");
@@ -146,7 +153,7 @@ MessageData ReadMessage(const JsonPlace& place)
                                                         : static_cast<std::int64_t>(i);
         if (!numbers.insert(number).second)
             item.Fail("two attachments of the message have the number " + std::to_string(number));
-        message.attachments.push_back({number, ReadPropertiesOf(item)});
+        message.attachments.push_back({number, ReadPropertiesOf(item, OwnerKind::Attachment)});
     }
     return message;
 }
@@ -172,7 +179,7 @@ BookEntryData ReadBookEntry(const JsonPlace& place)
                 "an entry ID has 1 to 4,096 bytes; leave it out for a new one");
     }
     ReadObjectTimes(place, entry);
-    entry.properties = ReadPropertiesOf(place);
+    entry.properties = ReadPropertiesOf(place, OwnerKind::BookEntry);
     return entry;
 }
 
@@ -344,7 +351,7 @@ class Survey : public FileReader
         else if (key == "store")
         {
             place.ExpectKeys({"properties"});
-            m_file.store.emplace().properties = ReadPropertiesOf(place);
+            m_file.store.emplace().properties = ReadPropertiesOf(place, OwnerKind::Store);
         }
         else
         {
@@ -352,7 +359,7 @@ class Survey : public FileReader
             ObjectData& identity = m_file.identity.emplace();
             if (place.Find("entryId"))
                 identity.entryId = ReadEntryId(place.At("entryId"), MAPI_MAILUSER);
-            identity.properties = ReadPropertiesOf(place);
+            identity.properties = ReadPropertiesOf(place, OwnerKind::Identity);
         }
     }
 
@@ -443,7 +450,7 @@ class Survey : public FileReader
     {
         // The list has no key twice, so that only those with a key of their own are looked at.
         const size_t before = folder.properties.size();
-        for (KeyedProperty& property : ReadPropertyList(list))
+        for (KeyedProperty& property : ReadPropertyList(list, OwnerKind::MessageFolder))
         {
             ExpectNew(folder, before, property.key, list);
             folder.properties.push_back(std::move(property));

@@ -65,6 +65,20 @@ constexpr ULONG kOfBookEntry[] = {PR_ENTRYID,
                                   PR_CREATION_TIME,
                                   PR_LAST_MODIFICATION_TIME};
 
+struct ComputedRow
+{
+    OwnerKind kind;
+    std::span<const ULONG> tags;
+};
+
+constexpr ComputedRow kComputed[] = {{OwnerKind::Store, kOfStore},
+                                     {OwnerKind::MessageFolder, kOfFolder},
+                                     {OwnerKind::Message, kOfMessage},
+                                     {OwnerKind::Attachment, kOfAttachment},
+                                     {OwnerKind::Identity, kOfIdentity},
+                                     {OwnerKind::BookContainer, kOfBookContainer},
+                                     {OwnerKind::BookEntry, kOfBookEntry}};
+
 // What this store's provider is called in tables of stores.
 constexpr wchar_t kProviderName[] = L"PimStoreBridge Local Store";
 // {C1E7A9D4-5B0E-4F0B-9C2E-6E1B7A4D3F58}, made for this provider alone.
@@ -129,6 +143,13 @@ bool IsComputedOfBookContainer(std::uint16_t id)
 bool IsComputedOfBookEntry(std::uint16_t id)
 {
     return IsOneOf(kOfBookEntry, id);
+}
+
+bool IsComputedOf(OwnerKind kind, std::uint16_t id)
+{
+    return std::any_of(std::begin(kComputed), std::end(kComputed), [&](const ComputedRow& row) {
+        return row.kind == kind && IsOneOf(row.tags, id);
+    });
 }
 
 void PutLong(PropertyMap& properties, ULONG tag, ULONG value)

@@ -14,6 +14,7 @@ bool IsComputedOfAttachment(std::uint16_t id);
 bool IsComputedOfIdentity(std::uint16_t id);
 bool IsComputedOfBookContainer(std::uint16_t id);
 bool IsComputedOfBookEntry(std::uint16_t id);
+bool IsComputedOf(OwnerKind kind, std::uint16_t id);
 
 // Each puts a property of its type over one of the same number. Time: 100 ns since 1601, UTC.
 void PutLong(PropertyMap& properties, ULONG tag, ULONG value);

@@ -7,9 +7,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <map>
 #include <sstream>
+#include <string_view>
 
 using nlohmann::json;
 
@@ -33,13 +36,21 @@ const char* TypeName(const std::string& number)
     return found == names.end() ? nullptr : found->second;
 }
 
+// Whether each store makes that property of a message itself: whether it has attachments, its
+// number among those of another message, the access to it, its times of creation and change.
+bool IsMadeByStores(const std::string& tag)
+{
+    constexpr std::string_view kTags[] = {"0x0E1B", "0x0E21", "0x0FF7", "0x3007", "0x3008"};
+    return std::find(std::begin(kTags), std::end(kTags), tag) != std::end(kTags);
+}
+
 // The property in the form of docs/formats/store_json.md; null for one that stays behind: of no
-// type, without the name that it had, or made by every store itself.
+// type, without the name that it had, or made by the store itself.
 json LoadableProperty(const json& line)
 {
     const std::string tag = line["tag"];
     const std::string type = line["type"];
-    if (!TypeName(type) || tag == "0x3007" || tag == "0x3008" || tag == "0x0E21")
+    if (!TypeName(type) || IsMadeByStores(tag))
         return nullptr;
     json property = {{"value", line["value"]}};
     if (line.contains("set"))

@@ -749,6 +749,51 @@ TEST_F(StoreLoadTest, TheDeepestFoldersComeBackAndADeeperOneIsTold)
               Problem(withLevels(101)));
 }
 
+// The number of a tag decides, whatever its type. 0x340D is the store's support mask, 0x3601 the
+// folder's type, 0x0E1B whether a message has attachments, 0x0E21 an attachment's number, 0x3900
+// the display type; 0x3602 counts messages, 0x3007 is the time of creation.
+TEST_F(StoreLoadTest, WhatTheStoreMakesOfOneKindOfObjectIsAPropertyOfOthers)
+{
+    struct Row
+    {
+        const char* before;
+        const char* after;
+        const char* made;
+        const char* kept;
+    };
+    const Row rows[] = {
+        {R"("store": {"properties": [)", "]}", "0x340D0003", "0x36020003"},
+        {R"("root": {"properties": [)", "]}", "0x36010003", "0x0E210003"},
+        {R"("root": {"messages": [{"properties": [)", "]}]}", "0x0E1B0003", "0x0E210003"},
+        {R"("root": {"messages": [{"attachments": [{"properties": [)",
+         "]}]}]}",
+         "0x0E210003",
+         "0x30070003"},
+        {R"("identity": {"properties": [)", "]}", "0x39000003", "0x0E210003"},
+        {R"("book": [{"properties": [)", "]}]", "0x39000003", "0x0E210003"},
+    };
+    for (const Row& row : rows)
+    {
+        const auto property = [](const char* tag) {
+            return R"({"tag": ")" + std::string(tag) + R"(", "value": 1})";
+        };
+        const auto file = [&](const char* tag) {
+            return R"({"format": "PimStoreBridge store", "version": 1, )" +
+                   std::string(row.before) + property(tag) + row.after + "}";
+        };
+        EXPECT_THAT(Problem(file(row.made)),
+                    HasSubstr("/properties/0/tag: the store makes this property itself"))
+            << row.before;
+        Database database = OpenStore(L":memory:");
+        Load(database, file(row.kept));
+        const std::string dump = Dump(database);
+        EXPECT_THAT(dump, HasSubstr(property(row.kept))) << row.before;
+        Database other = OpenStore(L":memory:");
+        Load(other, dump);
+        EXPECT_EQ(dump, Dump(other));
+    }
+}
+
 TEST_F(StoreLoadTest, AFailureWhileWritingTakesEverythingBack)
 {
     Database database = OpenStore(L":memory:");

@@ -1,5 +1,7 @@
 // Messages, attachments and their streams of the embedded store, beyond what every store has to
 // keep to (tests/storeconformance).
+#include "localstore/StoreDump.h"
+#include "localstore/StoreSchema.h"
 #include "tests/localstore/StoreClient.h"
 
 #include <gmock/gmock.h>
@@ -7,6 +9,7 @@
 #include <cstring>
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace
@@ -218,6 +221,34 @@ TEST_F(StoreMessageTest, ProblemsOfSingleValuesLeaveTheOthers)
         EXPECT_EQ(MAPI_E_TOO_BIG, problems->aProblem[0].scode);
         m_library.FreeBuffer(problems);
     }
+}
+
+// The store makes the number of an attachment and the time of creation of a message; a client may
+// keep its own under the same tags of the other.
+TEST_F(StoreMessageTest, WhatAClientStoresStandsInADumpWhateverOtherObjectsHaveUnderItsTag)
+{
+    const auto message = NewMessage();
+    SPropValue number = LongValue(PR_ATTACH_NUM, 7);
+    SPropProblemArray* problems = nullptr;
+    ASSERT_EQ(S_OK, message->SetProps(1, &number, &problems));
+    EXPECT_EQ(nullptr, problems);
+    ULONG attachmentNumber = 0;
+    ComPtr<IAttach> attachment;
+    ASSERT_EQ(S_OK,
+              message->CreateAttach(nullptr, 0, &attachmentNumber, attachment.GetAddressOf()));
+    SPropValue created{};
+    created.ulPropTag = PR_CREATION_TIME;
+    ASSERT_EQ(S_OK, attachment->SetProps(1, &created, &problems));
+    EXPECT_EQ(nullptr, problems);
+    ASSERT_EQ(S_OK, attachment->SaveChanges(0));
+    ASSERT_EQ(S_OK, message->SaveChanges(0));
+    EXPECT_EQ(7, Long(OpenMessage(Binary(message.Get(), PR_ENTRYID)).Get(), PR_ATTACH_NUM));
+
+    Database database = OpenStore(m_path);
+    std::string dump;
+    DumpStore(database, [&](std::string_view piece) { dump += piece; });
+    EXPECT_THAT(dump, HasSubstr(R"({"tag": "0x0E210003", "value": 7})"));
+    EXPECT_THAT(dump, HasSubstr(R"({"tag": "0x30070040", "value": "1601-01-01T00:00:00Z"})"));
 }
 
 TEST_F(StoreMessageTest, TextWithoutATypeComesInTheFormThatWasAskedFor)
