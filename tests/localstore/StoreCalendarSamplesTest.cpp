@@ -87,7 +87,7 @@ TEST_F(StoreCalendarSamplesTest, ReadsWhatMailClientsWrote)
     nlohmann::json folders = nlohmann::json::array();
     folders.push_back(SampleFolder("calendar", "messages", messages));
     folders.push_back(SampleFolder("contacts", "messages", {}));
-    EXPECT_EQ(messages.size(), LoadFolders(m_path, std::move(folders)));
+    ASSERT_EQ(messages.size(), LoadFolders(m_path, std::move(folders)));
     ASSERT_NO_FATAL_FAILURE(LogOnProvider());
     const auto table = LoadTable(Calendar);
     for (const SampleMessage& message : messages)
