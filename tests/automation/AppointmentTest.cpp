@@ -487,6 +487,7 @@ TEST(AppointmentAggregationTest, LivesInsideAnOuterObject)
                   outer.Inner()->QueryInterface(IID_IUnknown,
                                                 reinterpret_cast<void**>(inner.GetAddressOf())));
         EXPECT_EQ(outer.Inner(), inner.Get());
+        EXPECT_EQ(E_POINTER, inner->QueryInterface(IID_IUnknown, nullptr));
         EXPECT_EQ(E_POINTER, inner->QueryInterface(IID_INAppointment, nullptr));
     }
     EXPECT_EQ(1u, outer.References());
