@@ -103,6 +103,14 @@ template <typename ThreadModel> class CComObjectRootEx
     LONG m_refCount = 0;
 };
 
+// Ends an object with its last reference. What it holds may be a client's, whose release calls out:
+// that counts as a call, so that nothing is deleted under it (see CallScope).
+template <typename Object> void EndObject(Object* object) noexcept
+{
+    const CallScope scope;
+    delete object;
+}
+
 // A plain object of class Base; holds a lock on the server until its content is gone, hence the
 // order of the bases. Ends itself with its last reference.
 template <typename Base> class CComObject final : private ServerLock, public Base
@@ -124,7 +132,7 @@ template <typename Base> class CComObject final : private ServerLock, public Bas
     {
         const ULONG left = this->InternalRelease();
         if (left == 0)
-            delete this;
+            EndObject(this);
         return left;
     }
 
@@ -185,7 +193,7 @@ class CComAggObject final : public IUnknown, public CComObjectRootEx<CComSingleT
     {
         const ULONG left = InternalRelease();
         if (left == 0)
-            delete this;
+            EndObject(this);
         return left;
     }
 

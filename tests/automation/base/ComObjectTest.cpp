@@ -1,16 +1,20 @@
-// What an object does for the server's life while it ends.
+// What an object does for the server's life, and for what a client may hold, while it ends.
 #include "automation/base/ComObject.h"
+#include "support/ComAssert.h"
 #include "support/TestModule.h"
 
 #include <gtest/gtest.h>
+
+#include <utility>
 
 using Microsoft::WRL::ComPtr;
 
 namespace
 {
 LONG g_locksAtTheEnd = 0;
+int g_depthAtTheEnd = 0;
 
-// Tells how many locks hold the server while its content goes.
+// Tells how many locks hold the server while its content goes, and how many calls are under way.
 class CNEnding : public IPersist, public CComObjectRootEx<CComSingleThreadModel>
 {
   public:
@@ -19,13 +23,17 @@ class CNEnding : public IPersist, public CComObjectRootEx<CComSingleThreadModel>
     STDMETHODIMP GetClassID(CLSID*) override { return E_NOTIMPL; }
 
   protected:
-    ~CNEnding() { g_locksAtTheEnd = CServerModule::Current()->GetLockCount(); }
+    ~CNEnding()
+    {
+        g_locksAtTheEnd = CServerModule::Current()->GetLockCount();
+        g_depthAtTheEnd = CallScope::Depth();
+    }
 };
 
 class ComObjectTest : public testing::Test
 {
   protected:
-    ComObjectTest() { g_locksAtTheEnd = 0; }
+    ComObjectTest() { g_locksAtTheEnd = g_depthAtTheEnd = 0; }
 
     // Makes and releases one.
     template <typename Object> void MakeAndEnd(IUnknown* outer)
@@ -48,4 +56,15 @@ TEST_F(ComObjectTest, HoldsTheServerUntilItsContentIsGone)
 {
     MakeAndEnd<CComObject<CNEnding>>(nullptr);
     EXPECT_EQ(1, g_locksAtTheEnd);
+}
+
+// A stop that comes in through such a release waits for its end.
+TEST_F(ComObjectTest, CountsTheEndOfItsContentAsACall)
+{
+    MakeAndEnd<CComObject<CNEnding>>(nullptr);
+    EXPECT_EQ(1, std::exchange(g_depthAtTheEnd, 0));
+    TestOuter outer;
+    MakeAndEnd<CComAggObject<CNEnding>>(&outer);
+    EXPECT_EQ(1, g_depthAtTheEnd);
+    EXPECT_EQ(0, CallScope::Depth());
 }
