@@ -22,8 +22,6 @@ class LiveObjects
     // objects, or this one's owner may delete it: both are allowed.
     inline void DetachAll() noexcept;
 
-    bool IsEmpty() const noexcept { return !m_first; }
-
   private:
     friend class LiveObject;
     LiveObject* m_first = nullptr;

@@ -49,10 +49,8 @@ TEST_F(LiveObjectsTest, DetachesEachOnceTheOldestFirst)
     Holder first(&registry, detached, "first");
     Holder second(&registry, detached, "second");
     Holder third(&registry, detached, "third");
-    EXPECT_FALSE(registry.IsEmpty());
     registry.DetachAll();
     EXPECT_EQ((Names{"first", "second", "third"}), detached);
-    EXPECT_TRUE(registry.IsEmpty());
     registry.DetachAll();
     EXPECT_EQ(3u, detached.size());
 }
@@ -69,15 +67,17 @@ TEST_F(LiveObjectsTest, WhatEndedBeforeIsNotDetached)
     registry.DetachAll();
     EXPECT_EQ((Names{"third"}), detached);
     third.reset();
-    EXPECT_TRUE(registry.IsEmpty());
+    registry.DetachAll();
+    EXPECT_EQ(1u, detached.size());
 }
 
-TEST_F(LiveObjectsTest, IsEmptyAgainWhenTheLastOneEnded)
+TEST_F(LiveObjectsTest, TakesNewOnesWhenTheLastOneEnded)
 {
     {
         Holder only(&registry, detached, "only");
     }
-    EXPECT_TRUE(registry.IsEmpty());
+    registry.DetachAll();
+    EXPECT_EQ(Names{}, detached);
     Holder next(&registry, detached, "next");
     registry.DetachAll();
     EXPECT_EQ((Names{"next"}), detached);
