@@ -32,7 +32,7 @@ std::string AnsiText(const std::wstring& text)
 
 CRichEditHelper::~CRichEditHelper()
 {
-    End();
+    Uninit();
 }
 
 void CRichEditHelper::Init()

@@ -11,7 +11,7 @@ class CRichEditHelper
 {
   public:
     CRichEditHelper() = default;
-    // Ends what Uninit was not called for.
+    // Uninit, which the log tells in every case.
     ~CRichEditHelper();
     CRichEditHelper(const CRichEditHelper&) = delete;
     CRichEditHelper& operator=(const CRichEditHelper&) = delete;

@@ -589,6 +589,8 @@ TEST_F(AppointmentReadingTest, WritesTheseLinesToTheLog)
                      "dispidTimeZoneDesc:<>\r\n",
                      "Get Description(PR_BODY) Failed, Get from PR_RTF_COMPRESSED agian"}),
               capture.TakeLogMessages());
+    table.reset();
+    EXPECT_EQ(Lines{"CRichEditHelper::Uninit"}, capture.TakeLogMessages());
 }
 
 // --- Values as only a broken store gives them ---------------------------------------------------

@@ -281,6 +281,8 @@ TEST_F(OutlookAddressTableTest, ReadsAContactWithoutRtfInThisOrder)
     EXPECT_THAT(TextOfContact(Current().Get()), IsEmpty());
     EXPECT_THAT(capture.TakeLogMessages(),
                 Contains("Get note Failed, Get from PR_RTF_COMPRESSED agian"));
+    table.reset();
+    EXPECT_THAT(capture.TakeLogMessages(), ElementsAre("CRichEditHelper::Uninit"));
 }
 
 TEST_F(OutlookAddressTableTest, ReadsEveryField)

@@ -116,6 +116,18 @@ TEST_F(RichEditHelperTest, EndsWhatUninitWasNotCalledFor)
     EXPECT_EQ((Calls{"Create", "Destory own", "unload"}), library.Calls());
 }
 
+TEST_F(RichEditHelperTest, ItsEndIsToldAsUninit)
+{
+    const ScopedLogSettings settings;
+    DebugOutputCapture capture;
+    {
+        CRichEditHelper other;
+        other.InitFrom(FakePath());
+    }
+    EXPECT_THAT(capture.TakeLogMessages(),
+                ElementsAre("CRichEditHelper::Init", "CRichEditHelper::Uninit"));
+}
+
 TEST_F(RichEditHelperTest, ASecondInitTakesTheFirstConvertersPlace)
 {
     helper.InitFrom(FakePath());
