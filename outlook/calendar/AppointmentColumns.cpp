@@ -18,8 +18,8 @@ struct ColumnRow
 constexpr ColumnRow kColumns[] = {
     {kColumnLastModified,    nullptr,          PR_LAST_MODIFICATION_TIME},
     {kColumnSubject,         nullptr,          PR_SUBJECT_W},
-    {kColumnReminderSet,     &kCommonNames,      0x8503},
-    {kColumnReminderMinutes, &kCommonNames,      0x8501},
+    {kColumnReminderSet,     &kCommonNames,    0x8503},
+    {kColumnReminderMinutes, &kCommonNames,    0x8501},
     {kColumnPlace,           &kAppointmentSet, 0x8208},
     {kColumnIsRecurring,     &kAppointmentSet, 0x8223},
     {kColumnRecurrence,      &kAppointmentSet, 0x8216},
