@@ -49,8 +49,8 @@ class CMAPIHelper
     LiveObjects& Live() noexcept { return m_live; }
 
     // Walks a table: sets the tags as its columns and hands every row in order to the callback,
-    // until that clears *pContinue. All rows come in one query; they are freed after the walk, also
-    // where the callback throws.
+    // until that clears *pContinue. All rows come in one query; those that a store leaves out of it
+    // are not walked. The set is freed after the walk, also where the callback throws.
     //   flags: of the query (QueryRows); 0 in all uses.
     // Returns: what the callback returned last; 0 where none ran, for a null table or callback and
     //          without tags.

@@ -172,6 +172,22 @@ TEST_F(MAPIHelperRowsTest, AFailedQueryDeliversAndFreesNothing)
     }
 }
 
+// A store may give fewer rows at a time than it counted.
+TEST_F(MAPIHelperRowsTest, RowsThatTheQueryLeavesOutAreNotAskedForAgain)
+{
+    table.queryRows = StoreFailure::Warning; // gives 2 of 3
+    EXPECT_EQ(6, Walk());
+    EXPECT_EQ((StoreCalls{kSetColumns,
+                          kGetRowCount,
+                          "QueryRows 3, flags 00000000",
+                          kRow,
+                          "FreeBuffer first row",
+                          kRow,
+                          "FreeBuffer first row",
+                          "FreeProws"}),
+              calls);
+}
+
 TEST_F(MAPIHelperRowsTest, AQueryMayDeliverNoRow)
 {
     table.rows.resize(1);
