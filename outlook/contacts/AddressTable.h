@@ -1,5 +1,5 @@
-// What tables of contacts share: the class of their items; and for a store that keeps pictures as
-// files, their copying.
+// What tables of contacts share: the class of their items, and the copying of pictures for a store
+// that keeps them as files.
 #pragma once
 
 #include "outlook/store/ContentTable.h"
@@ -16,7 +16,7 @@ class CAddressTable : public CContentTable
     bool IsWritable(INEntityItem& item) override;
 
     // Copies a file into the stream, from where that stands; ends where a read gives nothing more
-    // or a call fails. For stores that keep pictures as files.
+    // or a call fails.
     // Limits:  those of CopyPicture; a longer file is cut there.
     // Returns: the number of bytes that the stream took; 0 for a null argument, for a file that
     //          does not open and for a path to a pipe or a device.

@@ -1,7 +1,6 @@
 // Moves the picture of a contact between an attachment of its message and a file.
 #pragma once
 
-#include "outlook/contacts/PictureCopy.h"
 #include "platform/WindowsHeaders.h"
 
 #include <string>

@@ -2,13 +2,12 @@
 
 #include "outlook/FakeStore.h"
 #include "outlook/contacts/PictureCopy.h"
-#include "platform/UniqueHandle.h"
+#include "support/BriefPipe.h"
 #include "support/ScratchDirectory.h"
 
 #include <gmock/gmock.h>
 
 #include <fstream>
-#include <thread>
 
 using Microsoft::WRL::ComPtr;
 using testing::ElementsAre;
@@ -146,19 +145,9 @@ TEST_F(AddressTablePictureTest, ADeviceIsNoPicture)
 // Its other end may never write.
 TEST_F(AddressTablePictureTest, APipeIsNoPicture)
 {
-    const std::wstring name =
-        L"\\\\.\\pipe\\PimStoreBridgeTest" + std::to_wstring(GetCurrentProcessId());
-    UniqueFile pipe(CreateNamedPipeW(
-        name.c_str(), PIPE_ACCESS_OUTBOUND, PIPE_TYPE_BYTE | PIPE_WAIT, 1, 4096, 4096, 0, nullptr));
+    BriefPipe pipe;
     ASSERT_TRUE(pipe);
-    // Writes a little and closes, so that a copy would end.
-    std::jthread writer([&pipe] {
-        ConnectNamedPipe(pipe.Get(), nullptr);
-        DWORD written = 0;
-        WriteFile(pipe.Get(), "abc", 3, &written, nullptr);
-        pipe.Reset();
-    });
-    EXPECT_EQ(0u, OpenAddressTable::SavePicture(name.c_str(), &m_stream));
-    writer.join();
+    EXPECT_EQ(0u, OpenAddressTable::SavePicture(pipe.Path(), &m_stream));
+    pipe.Join();
     EXPECT_THAT(m_stream.portions, IsEmpty());
 }

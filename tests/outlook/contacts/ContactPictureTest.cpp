@@ -3,16 +3,16 @@
 #include "outlook/contacts/ContactCalls.h"
 #include "outlook/contacts/ContactTableFixture.h"
 #include "outlook/contacts/JournalLines.h"
+#include "outlook/contacts/PictureCopy.h"
+#include "support/BriefPipe.h"
 #include "support/DebugOutputCapture.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
-
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <thread>
 
 using Microsoft::WRL::ComPtr;
 using testing::Contains;
@@ -365,20 +365,10 @@ TEST_F(CreatePictureTest, ADeviceIsNoPicture)
 // Its other end may never write.
 TEST_F(CreatePictureTest, APipeIsNoPicture)
 {
-    const std::wstring name =
-        L"\\\\.\\pipe\\PimStoreBridgeTest" + std::to_wstring(GetCurrentProcessId());
-    UniqueFile pipe(CreateNamedPipeW(
-        name.c_str(), PIPE_ACCESS_OUTBOUND, PIPE_TYPE_BYTE | PIPE_WAIT, 1, 4096, 4096, 0, nullptr));
+    BriefPipe pipe;
     ASSERT_TRUE(pipe);
-    // Writes a little and closes, so that a copy would end.
-    std::jthread writer([&pipe] {
-        ConnectNamedPipe(pipe.Get(), nullptr);
-        DWORD written = 0;
-        WriteFile(pipe.Get(), "abc", 3, &written, nullptr);
-        pipe.Reset();
-    });
-    CreatePicture(name, attachment.Get());
-    writer.join();
+    CreatePicture(pipe.Path(), attachment.Get());
+    pipe.Join();
     EXPECT_THAT(store.Calls(), IsEmpty());
 }
 
