@@ -13,6 +13,7 @@
 #include "service/Log.h"
 
 #include <iterator>
+#include <optional>
 #include <utility>
 
 using Microsoft::WRL::ComPtr;
@@ -88,8 +89,7 @@ MapiBuffer<SPropValue> ReadEntryId(IMAPIProp* object, ULONG tag, ULONG flags, CN
     SPropValue* values = nullptr;
     const HRESULT result = object->GetProps(tags.Get(), flags, &count, &values);
     auto owned = AdoptMapiBuffer(values, proxy);
-    if (owned && (FAILED(result) || count != 1 || PROP_TYPE(owned->ulPropTag) != PROP_TYPE(tag) ||
-                  IsNullId(owned->Value.bin)))
+    if (FAILED(result) || count != 1 || !PropertyView(count, owned.get()).Binary(0))
         owned.reset();
     return owned;
 }
@@ -105,39 +105,6 @@ void MarkDefault(std::vector<OutlookFolderInfo>& folders, const std::wstring& de
     }
 }
 } // namespace
-
-// One row of a walk by its columns. What was not delivered, or came under another type than asked
-// for, is absent.
-class COutlookProvider::Row
-{
-  public:
-    Row(ULONG count, const SPropValue* values, std::span<const ULONG> columns)
-        : m_values(values, count), m_columns(columns)
-    {
-    }
-
-    const SBinary* Entry(std::size_t column) const
-    {
-        const SPropValue* const value = Find(column);
-        return value && !IsNullId(value->Value.bin) ? &value->Value.bin : nullptr;
-    }
-    const wchar_t* Text(std::size_t column) const
-    {
-        const SPropValue* const value = Find(column);
-        return value ? value->Value.lpszW : nullptr;
-    }
-    const SPropValue* Find(std::size_t column) const
-    {
-        if (column >= m_values.size() || column >= m_columns.size() ||
-            PROP_TYPE(m_values[column].ulPropTag) != PROP_TYPE(m_columns[column]))
-            return nullptr;
-        return &m_values[column];
-    }
-
-  private:
-    std::span<const SPropValue> m_values;
-    std::span<const ULONG> m_columns;
-};
 
 // A class of folders that the provider knows.
 struct COutlookProvider::FolderKind
@@ -185,8 +152,7 @@ const COutlookProvider::TableKind COutlookProvider::kTableKinds[] = {
 struct COutlookProvider::RowHandler
 {
     int callType;
-    std::span<const ULONG> columns;
-    BOOL (COutlookProvider::*handle)(const Row& row, BOOL* goesOn);
+    BOOL (COutlookProvider::*handle)(const PropertyView& row, BOOL* goesOn);
 };
 
 const COutlookProvider::FolderKind COutlookProvider::kFolderKinds[] = {
@@ -206,10 +172,10 @@ const COutlookProvider::FolderKind* COutlookProvider::FolderKind::Of(const wchar
 }
 
 const COutlookProvider::RowHandler COutlookProvider::kRowHandlers[] = {
-    {kStores, kStoreColumns, &COutlookProvider::OnStoreRow},
-    {kTopFolders, kTopFolderColumns, &COutlookProvider::OnTopFolderRow},
-    {kAssociated, kAssociatedColumns, &COutlookProvider::OnAssociatedRow},
-    {kAllFolders, kFolderColumns, &COutlookProvider::OnFolderRow},
+    {kStores, &COutlookProvider::OnStoreRow},
+    {kTopFolders, &COutlookProvider::OnTopFolderRow},
+    {kAssociated, &COutlookProvider::OnAssociatedRow},
+    {kAllFolders, &COutlookProvider::OnFolderRow},
 };
 
 COutlookProvider::~COutlookProvider()
@@ -259,8 +225,9 @@ HRESULT COutlookProvider::Logon(const OutlookLibrary& library)
     // OutlookProviderTest.
     if (FAILED(result) && !m_pMAPISession)
         return result;
-    if (!GetMessageStore() || !GetDefaultFolders() || !GetCategoryMessage() || !WalkFolders())
+    if (!GetMessageStore() || !GetDefaultFolders() || !GetCategoryMessage())
         return E_FAIL;
+    WalkFolders();
     GetUserPropertyTable();
     return S_OK;
 }
@@ -279,11 +246,10 @@ bool COutlookProvider::GetMessageStore()
            m_pHelper->EnumerateRows(table.Get(), kStoreColumns, kStores, this, 0);
 }
 
-BOOL COutlookProvider::OnStoreRow(const Row& row, BOOL* goesOn)
+BOOL COutlookProvider::OnStoreRow(const PropertyView& row, BOOL* goesOn)
 {
-    const SBinary* const entry = row.Entry(0);
-    const SPropValue* const isDefault = row.Find(1);
-    if (!entry || !isDefault || !isDefault->Value.b)
+    const SBinary* const entry = row.Binary(0);
+    if (!entry || !row.Bool(1).value_or(0))
         return FALSE;
     *goesOn = FALSE;
     const HRESULT result = m_pMAPISession->OpenMsgStore(0,
@@ -408,9 +374,9 @@ bool COutlookProvider::FindFoldersBelowSubtree()
     return m_pHelper->EnumerateRows(table.Get(), kTopFolderColumns, kTopFolders, this, 0);
 }
 
-BOOL COutlookProvider::OnTopFolderRow(const Row& row, BOOL* goesOn)
+BOOL COutlookProvider::OnTopFolderRow(const PropertyView& row, BOOL* goesOn)
 {
-    const SBinary* const entry = row.Entry(0);
+    const SBinary* const entry = row.Binary(0);
     const FolderKind* const kind = FolderKind::Of(row.Text(1));
     if (entry && kind)
     {
@@ -439,9 +405,9 @@ bool COutlookProvider::GetCategoryMessage()
     return m_pCategoryMessage || CreateCategoryMessage();
 }
 
-BOOL COutlookProvider::OnAssociatedRow(const Row& row, BOOL* goesOn)
+BOOL COutlookProvider::OnAssociatedRow(const PropertyView& row, BOOL* goesOn)
 {
-    const SBinary* const entry = row.Entry(0);
+    const SBinary* const entry = row.Binary(0);
     const wchar_t* const messageClass = row.Text(1);
     if (!entry || !messageClass || std::wstring_view(messageClass) != kCategoryMessageClass)
         return FALSE;
@@ -477,7 +443,7 @@ bool COutlookProvider::CreateCategoryMessage()
     return true;
 }
 
-bool COutlookProvider::WalkFolders()
+void COutlookProvider::WalkFolders()
 {
     {
         const ScopeExit ended([this] { m_walked.clear(); });
@@ -486,16 +452,14 @@ bool COutlookProvider::WalkFolders()
     }
     MarkDefault(m_contactFolders, m_contactFolderID);
     MarkDefault(m_calendarFolders, m_calendarFolderID);
-    return true; // also where there is nothing to walk
 }
 
-BOOL COutlookProvider::OnFolderRow(const Row& row, BOOL* goesOn)
+BOOL COutlookProvider::OnFolderRow(const PropertyView& row, BOOL* goesOn)
 {
-    const SBinary* const entry = row.Entry(0);
-    const SPropValue* const hasSubfolders = row.Find(2);
-    const SPropValue* const count = row.Find(3);
+    const SBinary* const entry = row.Binary(0);
+    const std::optional<LONG> count = row.Long(3);
     const wchar_t* const name = row.Text(4);
-    if (!entry || !hasSubfolders || !count || !name)
+    if (!entry || !row.Bool(2) || !count || !name)
         return FALSE;
     LogPrintf(L"========Find Folder %s", name);
 
@@ -508,12 +472,11 @@ BOOL COutlookProvider::OnFolderRow(const Row& row, BOOL* goesOn)
                   kind->containerClass,
                   Hr(result));
         if (SUCCEEDED(result) && folder)
-            (this->*kind->list)
-                .push_back({folder, false, count->Value.l, EntryIdHex(folder.Get()), name});
+            (this->*kind->list).push_back({folder, false, *count, EntryIdHex(folder.Get()), name});
     }
     // Kept as it is: the truth value is read as a number of 32 bits. Pinned by
     // OutlookProviderTest.TheTruthOfSubfoldersIsReadAsASignedNumber.
-    if (hasSubfolders->Value.l > 0)
+    if (row.Find(2)->Value.l > 0)
     {
         if (!folder)
             folder = OpenFolder(*entry, result);
@@ -566,7 +529,7 @@ BOOL COutlookProvider::OnPropertyRow(ULONG cValues,
 {
     for (const RowHandler& handler : kRowHandlers)
         if (handler.callType == callType)
-            return (this->*handler.handle)(Row(cValues, lpProps, handler.columns), pContinue);
+            return (this->*handler.handle)(PropertyView(cValues, lpProps), pContinue);
     return FALSE;
 }
 

@@ -5,13 +5,13 @@
 
 #include "outlook/store/MAPIHelper.h"
 #include "outlook/store/OutlookLibrary.h"
+#include "outlook/store/PropertyView.h"
 #include "platform/WindowsHeaders.h"
 #include "service/Callback.h"
 #include "service/Provider.h"
 
 #include <memory>
 #include <set>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -51,7 +51,6 @@ class COutlookProvider : public IProvider, public ICallback
 
   private:
     using Folders = std::vector<OutlookFolderInfo>;
-    class Row;
     struct FolderKind;
     struct RowHandler;
     struct TableKind;
@@ -62,7 +61,7 @@ class COutlookProvider : public IProvider, public ICallback
     bool GetMessageStore();
     bool GetDefaultFolders();
     bool GetCategoryMessage();
-    bool WalkFolders();
+    void WalkFolders();
     void GetUserPropertyTable();
 
     std::unique_ptr<IEnumerator> LoadTable(int type);
@@ -78,10 +77,10 @@ class COutlookProvider : public IProvider, public ICallback
     std::wstring EntryIdHex(IMAPIProp* object);
 
     // What OnPropertyRow does with a row of each walk.
-    BOOL OnStoreRow(const Row& row, BOOL* goesOn);
-    BOOL OnTopFolderRow(const Row& row, BOOL* goesOn);
-    BOOL OnAssociatedRow(const Row& row, BOOL* goesOn);
-    BOOL OnFolderRow(const Row& row, BOOL* goesOn);
+    BOOL OnStoreRow(const PropertyView& row, BOOL* goesOn);
+    BOOL OnTopFolderRow(const PropertyView& row, BOOL* goesOn);
+    BOOL OnAssociatedRow(const PropertyView& row, BOOL* goesOn);
+    BOOL OnFolderRow(const PropertyView& row, BOOL* goesOn);
 
     int m_version = 0; // of Outlook, see OutlookLibrary
     Microsoft::WRL::ComPtr<IMAPISession> m_pMAPISession;
