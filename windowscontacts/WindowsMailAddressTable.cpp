@@ -2,6 +2,7 @@
 
 #include "outlook/contacts/ContactFields.h"
 #include "outlook/store/ReadValues.h"
+#include "outlook/store/StoreObjects.h"
 #include "outlook/store/TagArray.h"
 #include "platform/Bstr.h"
 #include "service/ItemAccess.h"
@@ -17,29 +18,8 @@ using Microsoft::WRL::ComPtr;
 
 namespace
 {
-constexpr ULONG kOpenToRead = 0x00000002;  // the store's business; passed as it stands
 constexpr LONG kEntryIDIndex = 0x456E7472; // "Entr"
 constexpr ULONG kTemplateTags[] = {PR_DEF_CREATE_MAILUSER, PR_DEF_CREATE_DL};
-constexpr ULONG kEntryTags[] = {PR_ENTRYID, PR_LAST_MODIFICATION_TIME};
-
-// The object of an entry, under its own interface, which derives from IMAPIProp; null where it does
-// not open.
-ComPtr<IMAPIProp> OpenEntry(IMAPIContainer& container,
-                            const SBinary& entryID,
-                            ULONG flags,
-                            ULONG& type)
-{
-    ComPtr<IUnknown> object;
-    const HRESULT result = container.OpenEntry(entryID.cb,
-                                               reinterpret_cast<LPENTRYID>(entryID.lpb),
-                                               nullptr,
-                                               flags,
-                                               &type,
-                                               object.GetAddressOf());
-    if (FAILED(result) || !object)
-        return nullptr;
-    return static_cast<IMAPIProp*>(object.Get());
-}
 
 ComPtr<IMAPIProp> CreateEntry(IABContainer& container, const SBinary& templateID)
 {
@@ -103,8 +83,8 @@ bool CWindowsMailAddressTable::IsWantedRow(const PropertyView& row)
     const SBinary* const entryID = row.Binary(0);
     if (!entryID || !m_pContainer)
         return false;
-    ULONG type = 0;
-    return OpenEntry(*m_pContainer.Get(), *entryID, kOpenToRead, type) && type == MAPI_MAILUSER;
+    const OpenedEntry entry = OpenEntry(*m_pContainer.Get(), *entryID, kOpenToRead);
+    return entry.object && entry.type == MAPI_MAILUSER;
 }
 
 std::vector<ULONG> CWindowsMailAddressTable::GetPropertyNames()
@@ -220,11 +200,7 @@ BOOL CWindowsMailAddressTable::OnPropertyRow(ULONG cValues,
 
 ComPtr<IABContainer> CWindowsMailAddressTable::BookContainer() const
 {
-    ComPtr<IABContainer> container;
-    if (m_pContainer && FAILED(m_pContainer->QueryInterface(
-                            IID_IABContainer, reinterpret_cast<void**>(container.GetAddressOf()))))
-        container.Detach(); // a failed query owes null; what a careless object left is not ours
-    return container;
+    return QueryStore<IABContainer>(m_pContainer.Get(), IID_IABContainer);
 }
 
 // An entry that does not open is added all the same, under an empty ID.
@@ -233,10 +209,9 @@ BOOL CWindowsMailAddressTable::TakeAddedEntry(const SBinary& addedID)
     std::wstring rowEntryID;
     std::wstring clientEntryID;
     DATE utcLastModified = 0.0;
-    ULONG type = 0;
     const ComPtr<IABContainer> container = BookContainer();
     const ComPtr<IMAPIProp> entry =
-        container ? OpenEntry(*container.Get(), addedID, MAPI_BEST_ACCESS, type) : nullptr;
+        container ? OpenEntry(*container.Get(), addedID, MAPI_BEST_ACCESS).object : nullptr;
     if (entry)
     {
         const ReadValues values(*entry.Get(), kEntryTags, m_pHelper->Proxy());

@@ -5,9 +5,9 @@
 #include "outlook/calendar/AppointmentZone.h"
 #include "outlook/calendar/RecurrenceBlob.h"
 #include "outlook/store/MAPIHelper.h"
-#include "outlook/store/MapiMemory.h"
 #include "outlook/store/MessageBody.h"
-#include "outlook/store/TagArray.h"
+#include "outlook/store/ReadValues.h"
+#include "outlook/store/StoreObjects.h"
 #include "platform/Bstr.h"
 #include "service/ItemAccess.h"
 #include "service/Log.h"
@@ -19,7 +19,6 @@ using Microsoft::WRL::ComPtr;
 
 namespace
 {
-
 // As the property counts; out of office is 3.
 constexpr LONG kBusy = 2;
 constexpr LONG kOutOfOffice = 3;
@@ -53,23 +52,14 @@ TIME_ZONE_INFORMATION ZoneOf(const PropertyView& values, const AppointmentReadin
 // The message's own entry ID as text; empty where it cannot be read whole.
 std::wstring PersistIdOf(IMAPIProp* object, CNProxcy& proxy)
 {
-    ComPtr<IMessage> message;
-    if (!object ||
-        FAILED(object->QueryInterface(IID_IMessage,
-                                      reinterpret_cast<void**>(message.GetAddressOf()))) ||
-        !message)
+    const auto message = QueryStore<IMessage>(object, IID_IMessage);
+    if (!message)
         return {};
     constexpr ULONG kTags[] = {PR_ENTRYID, PR_MESSAGE_CLASS_W};
-    TagArray wanted(kTags);
-    ULONG count = 0;
-    SPropValue* delivered = nullptr;
-    const HRESULT result = message->GetProps(wanted.Get(), MAPI_UNICODE, &count, &delivered);
-    const MapiBuffer<SPropValue> owner =
-        AdoptMapiBuffer(SUCCEEDED(result) ? delivered : nullptr, proxy);
-    const PropertyView values(count, owner.get());
-    const SBinary* const entryID = values.Binary(0);
+    const ReadValues values(*message.Get(), kTags, proxy);
+    const SBinary* const entryID = values.View().Binary(0);
     // A warning counts as a failure here.
-    if (result != S_OK || !entryID || !values.Find(1))
+    if (values.Result() != S_OK || !entryID || !values.View().Find(1))
         return {};
     return CMAPIHelper::BinaryToHex(*entryID);
 }

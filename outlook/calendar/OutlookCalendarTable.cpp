@@ -6,8 +6,6 @@
 #include "outlook/calendar/AppointmentWriting.h"
 #include "outlook/calendar/RegistryZones.h"
 
-#include <cwchar>
-
 using Microsoft::WRL::ComPtr;
 
 namespace
@@ -27,15 +25,9 @@ COutlookCalendarTable::COutlookCalendarTable(IMAPIContainer* container,
 {
 }
 
-COutlookCalendarTable::~COutlookCalendarTable()
-{
-    m_pRichEditHelper.reset();
-}
-
 bool COutlookCalendarTable::IsWantedRow(const PropertyView& row)
 {
-    const wchar_t* const messageClass = row.Text(1);
-    return row.Find(0) && messageClass && std::wcscmp(messageClass, kAppointmentClass) == 0;
+    return HasClass(row, kAppointmentClass);
 }
 
 std::vector<ULONG> COutlookCalendarTable::GetPropertyNames()

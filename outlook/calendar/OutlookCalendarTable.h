@@ -15,7 +15,6 @@ class COutlookCalendarTable : public CContentTable
     COutlookCalendarTable(IMAPIContainer* container, CMAPIHelper* helper);
     // The same with other zones; the source must outlive the table.
     COutlookCalendarTable(IMAPIContainer* container, CMAPIHelper* helper, const IZoneSource& zones);
-    ~COutlookCalendarTable() override;
 
   protected:
     // Messages of the class of appointments alone, not of one that begins like it.

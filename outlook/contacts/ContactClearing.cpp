@@ -4,6 +4,7 @@
 #include "outlook/store/NamedTags.h"
 #include "outlook/store/PropertyArray.h"
 #include "outlook/store/PropertyView.h"
+#include "outlook/store/StoreObjects.h"
 #include "outlook/store/TagArray.h"
 
 #include <span>
@@ -106,8 +107,6 @@ constexpr LONG kDateNames[] = {
 static_assert(std::size(kTags) == 53);
 static_assert(std::size(kTextNames) == 23);
 
-constexpr LONG kHasPicture = 0x8015; // PidLidHasPicture
-
 void DeleteTags(IMAPIProp& message, std::span<const ULONG> tags)
 {
     TagArray list(tags);
@@ -161,7 +160,7 @@ bool DeleteAttachments(IMessage& message, CNProxcy& proxy)
 
 void SaveWithoutPicture(IMAPIProp& message, CNProxcy& proxy)
 {
-    const ULONG tag = FindNamedTag(message, proxy, kAddressNames, kHasPicture);
+    const ULONG tag = FindNamedTag(message, proxy, kAddressNames, kHasPictureName);
     // An unknown name stands for nothing here too: the store refuses the tag of no property.
     if (tag != 0)
     {
@@ -181,9 +180,7 @@ void ClearContact(IMAPIProp& message, CNProxcy& proxy)
     DeleteNamed(message, kTextNames, PT_UNICODE, proxy);
     DeleteNamed(message, kDateNames, PT_SYSTIME, proxy);
     DeleteKeywords(message, proxy);
-    ComPtr<IMessage> withAttachments;
-    if (SUCCEEDED(message.QueryInterface(
-            IID_IMessage, reinterpret_cast<void**>(withAttachments.GetAddressOf()))) &&
-        withAttachments && DeleteAttachments(*withAttachments.Get(), proxy))
+    const auto withAttachments = QueryStore<IMessage>(&message, IID_IMessage);
+    if (withAttachments && DeleteAttachments(*withAttachments.Get(), proxy))
         SaveWithoutPicture(message, proxy);
 }

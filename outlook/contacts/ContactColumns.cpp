@@ -1,11 +1,10 @@
 #include "outlook/contacts/ContactColumns.h"
 
 #include "outlook/store/NamedTags.h"
+#include "outlook/store/StoreObjects.h"
 
 #include <algorithm>
 #include <iterator>
-
-using Microsoft::WRL::ComPtr;
 
 namespace
 {
@@ -132,11 +131,8 @@ std::optional<AddressTags> FindBusinessAddressTags(IUnknown* message, CNProxcy& 
     AddressTags tags;
     for (ULONG i = 0; i < tags.size(); ++i)
         tags[i] = FixedContactTag(ContactColumn::kBusinessAddress + i);
-    ComPtr<IMAPIProp> properties;
-    if (!message ||
-        FAILED(message->QueryInterface(IID_IMAPIProp,
-                                       reinterpret_cast<void**>(properties.GetAddressOf()))) ||
-        !properties)
+    const auto properties = QueryStore<IMAPIProp>(message, IID_IMAPIProp);
+    if (!properties)
         return tags;
 
     std::vector<LONG> names = NamesFrom({Source::Work});

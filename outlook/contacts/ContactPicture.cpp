@@ -4,6 +4,7 @@
 #include "outlook/contacts/PictureFile.h"
 #include "outlook/contacts/PictureJournal.h"
 #include "outlook/store/PropertyArray.h"
+#include "outlook/store/StoreObjects.h"
 #include "platform/UniqueHandle.h"
 #include "service/Log.h"
 
@@ -16,17 +17,6 @@ namespace
 constexpr ULONG kDataTag = 0x37010102; // PR_ATTACH_DATA_BIN
 constexpr std::size_t kWritePieceBytes = 8192;
 constexpr DWORD kNoSharing = 0;
-
-// The data of an attachment; null where it cannot be opened.
-ComPtr<IStream> OpenData(IAttach& attachment, ULONG flags)
-{
-    IUnknown* opened = nullptr;
-    ComPtr<IStream> stream;
-    // What a failed call left in its output is nobody's; else it is the interface asked for.
-    if (SUCCEEDED(attachment.OpenProperty(kDataTag, &IID_IStream, 0, flags, &opened)))
-        *stream.GetAddressOf() = static_cast<IStream*>(opened);
-    return stream;
-}
 
 // Where a picture goes.
 struct NewFile
@@ -109,7 +99,7 @@ std::wstring SavePictureFile(IMessage& message,
             attachmentNumber, &IID_IAttachment, MAPI_BEST_ACCESS, attachment.GetAddressOf())) ||
         !attachment)
         return {};
-    const ComPtr<IStream> data = OpenData(*attachment.Get(), 0);
+    const ComPtr<IStream> data = OpenStream(*attachment.Get(), kDataTag, 0);
     if (!data)
         return {};
     const NewFile target = ReserveFile(fileName, extension);
@@ -132,7 +122,7 @@ void CreatePicture(const std::wstring& path, IAttach* attachment)
     UniqueFile file = OpenPictureFile(path, kNoSharing);
     if (!file)
         return;
-    ComPtr<IStream> data = OpenData(*attachment, MAPI_CREATE | MAPI_MODIFY);
+    ComPtr<IStream> data = OpenStream(*attachment, kDataTag, MAPI_CREATE | MAPI_MODIFY);
     if (!data)
         return;
     const LONG bytes = CopyFromFile(file.Get(), *data.Get());

@@ -5,6 +5,7 @@
 #include "outlook/contacts/ContactNameTags.h"
 #include "outlook/contacts/ContactPicture.h"
 #include "outlook/store/NamedTags.h"
+#include "outlook/store/StoreObjects.h"
 #include "platform/Bstr.h"
 #include "platform/SafeArray.h"
 #include "service/ServiceManager.h"
@@ -26,7 +27,6 @@ constexpr ULONG kSubject = 0x0037001F;      // PR_SUBJECT
 constexpr ULONG kIconIndex = 0x10800003;    // PR_ICON_INDEX
 constexpr LONG kContactIcon = 0x200;
 
-constexpr LONG kHasPicture = 0x8015; // PidLidHasPicture
 constexpr LONG kStampNames[] = {
     0x8581, // PidLidInternetAccountStamp
     0x8580, // PidLidInternetAccountName
@@ -201,7 +201,7 @@ class Writer
             m_values.AddLong(tag, m_fileAs.code);
     }
 
-    // Who wrote it.
+    // Who wrote it: read anew for each contact, by way of the manager.
     void AddStamp()
     {
         const auto user = GetServiceManager()->GetUserProperties();
@@ -220,16 +220,14 @@ class Writer
     void AddPicture()
     {
         const ULONG tag =
-            FindNamedTag(m_target.container, m_target.proxy, kAddressNames, kHasPicture);
+            FindNamedTag(m_target.container, m_target.proxy, kAddressNames, kHasPictureName);
         const std::wstring path = Text(&INContactItem::get_Picture);
-        if (!IsNamedTag(tag) || path.empty() || !m_target.message)
+        if (!IsNamedTag(tag) || path.empty())
             return;
-        ComPtr<IMessage> message;
+        const auto message = QueryStore<IMessage>(m_target.message, IID_IMessage);
         ComPtr<IAttach> attachment;
         ULONG number = 0;
-        if (FAILED(m_target.message->QueryInterface(
-                IID_IMessage, reinterpret_cast<void**>(message.GetAddressOf()))) ||
-            !message ||
+        if (!message ||
             FAILED(message->CreateAttach(nullptr, 0, &number, attachment.GetAddressOf())) ||
             !attachment)
             return;

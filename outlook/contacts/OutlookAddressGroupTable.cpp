@@ -59,8 +59,7 @@ void PutMembers(INContactGroup& group, std::span<const SBinary> members)
 
 bool COutlookAddressGroupTable::IsWantedRow(const PropertyView& row)
 {
-    const wchar_t* const messageClass = row.Text(1);
-    return row.Binary(0) && messageClass && messageClass == kGroupClass;
+    return HasClass(row, kGroupClass);
 }
 
 std::vector<ULONG> COutlookAddressGroupTable::GetPropertyNames()

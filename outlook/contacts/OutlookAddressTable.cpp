@@ -8,10 +8,12 @@
 #include "outlook/contacts/NameSettings.h"
 #include "outlook/store/MessageBody.h"
 #include "outlook/store/ReadValues.h"
+#include "outlook/store/StoreObjects.h"
 #include "platform/Bstr.h"
 #include "service/ItemAccess.h"
 #include "service/Log.h"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -19,14 +21,12 @@ using Microsoft::WRL::ComPtr;
 
 namespace
 {
-constexpr ULONG kOpenToRead = 0x00000002; // the store's business; passed as it stands
 constexpr ULONG kAttachmentColumns[] = {
     PR_ATTACH_NUM,
     0x3704001F, // PR_ATTACH_FILENAME
     0x3703001F, // PR_ATTACH_EXTENSION
     0x7FFF000B, // PR_ATTACHMENT_CONTACTPHOTO
 };
-constexpr ULONG kEntryTags[] = {PR_ENTRYID, PR_LAST_MODIFICATION_TIME};
 constexpr ULONG kIdentityTags[] = {PR_ENTRYID, PR_MESSAGE_CLASS_W};
 
 // Kept as it is: other classes that derive from a contact's are no contacts here. Pinned by
@@ -81,13 +81,8 @@ void COutlookAddressTable::GetItemIDs()
 
 bool COutlookAddressTable::IsWantedRow(const PropertyView& row)
 {
-    const wchar_t* const messageClass = row.Text(1);
-    if (!row.Binary(0) || !messageClass)
-        return false;
-    for (const std::wstring_view wanted : kContactClasses)
-        if (messageClass == wanted)
-            return true;
-    return false;
+    return std::ranges::any_of(kContactClasses,
+                               [&row](std::wstring_view wanted) { return HasClass(row, wanted); });
 }
 
 std::wstring COutlookAddressTable::ResolveClientID(const std::wstring&,
@@ -97,18 +92,10 @@ std::wstring COutlookAddressTable::ResolveClientID(const std::wstring&,
     utcLastModified = 0.0;
     if (!m_pContainer)
         return {};
-    ULONG type = 0;
-    ComPtr<IUnknown> object;
-    const HRESULT result = m_pContainer->OpenEntry(entryID.cb,
-                                                   reinterpret_cast<LPENTRYID>(entryID.lpb),
-                                                   nullptr,
-                                                   kOpenToRead,
-                                                   &type,
-                                                   object.GetAddressOf());
-    if (FAILED(result) || !object)
+    const OpenedEntry entry = OpenEntry(*m_pContainer.Get(), entryID, kOpenToRead);
+    if (!entry.object)
         return {};
-    // No interface was asked for, so this is the object's own one, which derives from IMAPIProp.
-    const ReadValues values(*static_cast<IMAPIProp*>(object.Get()), kEntryTags, m_pHelper->Proxy());
+    const ReadValues values(*entry.object.Get(), kEntryTags, m_pHelper->Proxy());
     if (const FILETIME* const time = values.View().Time(1))
         utcLastModified = CMAPIHelper::FileTimeToDate(*time);
     const SBinary* const stored = values.View().Binary(0);
@@ -153,11 +140,7 @@ void COutlookAddressTable::FillItem(INEntityItem& item, const PropertyView& valu
 
 ComPtr<IMessage> COutlookAddressTable::CurrentMessage() const
 {
-    ComPtr<IMessage> message;
-    if (m_pCurrentEntity && FAILED(m_pCurrentEntity->QueryInterface(
-                                IID_IMessage, reinterpret_cast<void**>(message.GetAddressOf()))))
-        message.Detach(); // a failed query owes null; what a careless object left is not ours
-    return message;
+    return QueryStore<IMessage>(m_pCurrentEntity.Get(), IID_IMessage);
 }
 
 void COutlookAddressTable::ReadPicture()

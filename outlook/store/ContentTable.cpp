@@ -1,6 +1,7 @@
 #include "outlook/store/ContentTable.h"
 
 #include "outlook/store/MapiMemory.h"
+#include "outlook/store/StoreObjects.h"
 #include "platform/Bstr.h"
 #include "platform/ScopeExit.h"
 #include "service/ItemAccess.h"
@@ -11,9 +12,7 @@ using Microsoft::WRL::ComPtr;
 
 namespace
 {
-constexpr ULONG kOpenToRead = 0x00000002; // the store's business; passed as it stands
 constexpr ULONG kListColumns[] = {PR_ENTRYID, PR_MESSAGE_CLASS_W, PR_LAST_MODIFICATION_TIME};
-constexpr ULONG kWrittenColumns[] = {PR_ENTRYID, PR_LAST_MODIFICATION_TIME};
 
 // Objects of a store that hold others; none of them is an item.
 bool IsContainerType(ULONG type)
@@ -30,15 +29,10 @@ HRESULT OpenEntity(IMAPIContainer& container,
                    ComPtr<IMAPIProp>& entity)
 {
     EntryId entryID = CMAPIHelper::HexToBinary(id);
-    ULONG type = 0;
-    ComPtr<IUnknown> object;
-    const HRESULT result = container.OpenEntry(
-        entryID.Size(), entryID.Get(), nullptr, flags, &type, object.GetAddressOf());
-    // No interface was asked for, so this is the object's own one, and all of these derive from
-    // IMAPIProp.
-    if (SUCCEEDED(result) && object && !(flags == MAPI_MODIFY && IsContainerType(type)))
-        entity = static_cast<IMAPIProp*>(object.Get());
-    return result;
+    const OpenedEntry entry = OpenEntry(container, entryID.View(), flags);
+    if (entry.object && !(flags == MAPI_MODIFY && IsContainerType(entry.type)))
+        entity = entry.object;
+    return entry.result;
 }
 } // namespace
 
@@ -102,6 +96,12 @@ BOOL CContentTable::OnPropertyRow(ULONG cValues, LPSPropValue lpProps, int callT
     default:
         return FALSE;
     }
+}
+
+bool CContentTable::HasClass(const PropertyView& row, std::wstring_view messageClass)
+{
+    const wchar_t* const text = row.Text(1);
+    return row.Binary(0) && text && text == messageClass;
 }
 
 BOOL CContentTable::TakeListRow(const PropertyView& row)
@@ -242,7 +242,7 @@ BOOL CContentTable::UpdateItem(INEntityItem* item)
         return FALSE;
     }
     m_pCurrentItem = item;
-    m_pHelper->EnumerateProperties(entity.Get(), kWrittenColumns, kAfterUpdate, this, MAPI_UNICODE);
+    m_pHelper->EnumerateProperties(entity.Get(), kEntryTags, kAfterUpdate, this, MAPI_UNICODE);
     return TRUE;
 }
 
@@ -286,8 +286,7 @@ std::wstring CContentTable::AddItem(INEntityItem* item, std::wstring& folderID)
     if (FAILED(saved))
         return {};
     m_pCurrentItem = item;
-    if (!m_pHelper->EnumerateProperties(
-            entity.Get(), kWrittenColumns, kAfterAdd, this, MAPI_UNICODE) ||
+    if (!m_pHelper->EnumerateProperties(entity.Get(), kEntryTags, kAfterAdd, this, MAPI_UNICODE) ||
         m_cursor == m_entries.End())
         return {};
     folderID = m_folderKey;
@@ -331,17 +330,11 @@ HRESULT CContentTable::SetValues(IMAPIProp& entity, PropertyArray& values)
 
 ComPtr<IMAPIProp> CContentTable::CreateEntity()
 {
-    ComPtr<IMAPIFolder> folder;
+    const auto folder = QueryStore<IMAPIFolder>(m_pContainer.Get(), IID_IMAPIFolder);
     ComPtr<IMessage> message;
-    ComPtr<IMAPIProp> entity;
-    if (!m_pContainer ||
-        FAILED(m_pContainer->QueryInterface(IID_IMAPIFolder,
-                                            reinterpret_cast<void**>(folder.GetAddressOf()))) ||
-        !folder || FAILED(folder->CreateMessage(nullptr, 0, message.GetAddressOf())) || !message ||
-        FAILED(message->QueryInterface(IID_IMAPIProp,
-                                       reinterpret_cast<void**>(entity.GetAddressOf()))))
+    if (!folder || FAILED(folder->CreateMessage(nullptr, 0, message.GetAddressOf())))
         return nullptr;
-    return entity;
+    return QueryStore<IMAPIProp>(message.Get(), IID_IMAPIProp);
 }
 
 BOOL CContentTable::DeleteItem(const std::wstring& id)

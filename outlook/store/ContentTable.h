@@ -21,6 +21,7 @@
 #include "PimStoreBridge.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 class CContentTable : public IEnumerator, public ICallback, public LiveObject
@@ -69,9 +70,12 @@ class CContentTable : public IEnumerator, public ICallback, public LiveObject
     {
         kListRow = 0,         // PR_ENTRYID, PR_MESSAGE_CLASS_W, PR_LAST_MODIFICATION_TIME
         kItemProperties = 10, // what GetPropertyNames told
-        kAfterAdd = 20,       // PR_ENTRYID, PR_LAST_MODIFICATION_TIME
+        kAfterAdd = 20,       // kEntryTags
         kAfterUpdate = 30,    // the same
     };
+
+    // An entry's own ID and time.
+    static constexpr ULONG kEntryTags[] = {PR_ENTRYID, PR_LAST_MODIFICATION_TIME};
 
     // For one operation: while the table is in use, whatever would reload it, write, or open
     // another item fails.
@@ -115,6 +119,8 @@ class CContentTable : public IEnumerator, public ICallback, public LiveObject
 
     // --- For derived tables.
 
+    // Whether a kListRow has an ID and exactly that message class.
+    static bool HasClass(const PropertyView& row, std::wstring_view messageClass);
     // Adds the rows of a folder to the list, under that key. Wants a helper.
     void LoadFolder(IMAPIContainer& folder, const std::wstring& folderKey);
     // What follows on AddItem: the current item learns its ID and time, and a new entry at the end

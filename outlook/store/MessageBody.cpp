@@ -1,14 +1,14 @@
 #include "outlook/store/MessageBody.h"
 
-#include "outlook/store/MapiMemory.h"
+#include "outlook/store/ReadValues.h"
+#include "outlook/store/StoreObjects.h"
 #include "outlook/store/StreamReads.h"
-#include "outlook/store/TagArray.h"
+#include "platform/CodePages.h"
 #include "service/Log.h"
 
 #include <algorithm>
 #include <array>
 #include <optional>
-#include <string_view>
 
 using Microsoft::WRL::ComPtr;
 
@@ -27,26 +27,12 @@ std::wstring TextOfBody(const wchar_t* body)
 // PR_BODY_W; nothing where the message has none.
 std::optional<std::wstring> ReadPlainBody(IMAPIProp* message, CNProxcy& proxy)
 {
-    TagArray wanted({&kBody, 1});
-    ULONG count = 0;
-    SPropValue* delivered = nullptr;
-    const HRESULT result = message->GetProps(wanted.Get(), MAPI_UNICODE, &count, &delivered);
-    const MapiBuffer<SPropValue> value =
-        AdoptMapiBuffer(SUCCEEDED(result) ? delivered : nullptr, proxy);
+    const ReadValues values(*message, {&kBody, 1}, proxy);
+    const wchar_t* const body = values.View().Text(0);
     // A warning counts as a failure here.
-    if (result != S_OK || count == 0 || !value)
+    if (values.Result() != S_OK || !body)
         return std::nullopt;
-    if (PROP_TYPE(value->ulPropTag) != PT_UNICODE || !value->Value.lpszW)
-        return std::nullopt;
-    return TextOfBody(value->Value.lpszW);
-}
-
-// Takes an object over from a call that gave it with a reference.
-template <typename T> ComPtr<T> Adopt(T* object)
-{
-    ComPtr<T> owner;
-    *owner.GetAddressOf() = object;
-    return owner;
+    return TextOfBody(body);
 }
 
 // The streams of the message's RTF; the plain one is null where a step fails.
@@ -56,18 +42,16 @@ struct RtfStreams
     ComPtr<IStream> plain;
 };
 
-// What a failed call left in its output is nobody's.
 RtfStreams OpenRtf(IMAPIProp* message, CNProxcy& proxy)
 {
     RtfStreams streams;
-    IUnknown* opened = nullptr;
-    if (FAILED(message->OpenProperty(kRtfCompressed, &IID_IStream, 0, 0, &opened)) || !opened)
+    streams.compressed = OpenStream(*message, kRtfCompressed, 0);
+    if (!streams.compressed)
         return streams;
-    // It is the interface that was asked for.
-    streams.compressed = Adopt(static_cast<IStream*>(opened));
     IStream* plain = nullptr;
+    // What a failed call left in its output is nobody's.
     if (SUCCEEDED(proxy.WrapCompressedRTFStream(streams.compressed.Get(), 0, &plain)))
-        streams.plain = Adopt(plain);
+        *streams.plain.GetAddressOf() = plain;
     return streams;
 }
 
@@ -112,14 +96,9 @@ ULONG ReadWhole(IStream* stream, std::string& buffer)
 // The bytes up to their first zero, as text of the system's ANSI code page.
 std::wstring WideText(const char* bytes)
 {
-    const std::string_view text(bytes);
-    if (text.empty())
-        return {};
-    const int length = static_cast<int>(text.size());
-    const int size = MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(std::max(size, 0)), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), size);
-    return wide;
+    std::wstring text;
+    AppendFromCodePage(GetACP(), bytes, text);
+    return text;
 }
 
 std::wstring ReadRtf(IMAPIProp* message, CNProxcy& proxy)

@@ -17,6 +17,7 @@ inline constexpr GUID kPublicNames = {
     0x00020329, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}}; // PS_PUBLIC_STRINGS
 
 inline constexpr wchar_t kKeywordsName[] = L"Keywords"; // of kPublicNames
+inline constexpr LONG kHasPictureName = 0x8015;         // of kAddressNames: PidLidHasPicture
 
 // What stands for a name that the store does not know.
 inline constexpr ULONG kUnknownNameTag = PROP_TAG(PT_ERROR, 0);

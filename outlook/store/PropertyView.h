@@ -28,6 +28,13 @@ class PropertyView
             return nullptr;
         return &m_values[position];
     }
+    // Why the store left a value out; none where it did not say.
+    std::optional<SCODE> Error(ULONG position) const noexcept
+    {
+        if (position >= m_count || PROP_TYPE(m_values[position].ulPropTag) != PT_ERROR)
+            return std::nullopt;
+        return m_values[position].Value.err;
+    }
     // Null where the value is absent.
     const SBinary* Binary(ULONG position) const noexcept
     {

@@ -72,6 +72,16 @@ TEST(PropertyViewTest, AValueInErrorIsAbsent)
     EXPECT_FALSE(view.Time(2));
 }
 
+TEST(PropertyViewTest, TellsTheErrorOfAValueAlone)
+{
+    const SPropValue values[] = {MissingValue(kText), NumberValue(kNumber, 7)};
+    const PropertyView view(2, values);
+    EXPECT_EQ(MAPI_E_NOT_FOUND, view.Error(0));
+    EXPECT_FALSE(view.Error(1));
+    EXPECT_FALSE(view.Error(2));
+    EXPECT_FALSE(PropertyView(2, nullptr).Error(0));
+}
+
 TEST(PropertyViewTest, AValueOfAnotherTypeIsAbsentForATypedReader)
 {
     const std::vector<SPropValue> values = Values();
