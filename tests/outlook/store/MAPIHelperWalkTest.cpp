@@ -62,6 +62,15 @@ class MAPIHelperPropertiesTest : public MAPIHelperWalkTest
 constexpr char kSetColumns[] = "SetColumns 0FFF0102 001A001F 30080040, flags 00000000";
 constexpr char kGetRowCount[] = "GetRowCount, flags 00000000";
 constexpr char kRow[] = "row 42: 00010003 00020003";
+// One query, and the callback for two rows.
+const StoreCalls kTwoRowsOfThree = {kSetColumns,
+                                    kGetRowCount,
+                                    "QueryRows 3, flags 00000000",
+                                    kRow,
+                                    "FreeBuffer first row",
+                                    kRow,
+                                    "FreeBuffer first row",
+                                    "FreeProws"};
 constexpr char kGetProps[] = "GetProps 0FFF0102 001A001F 30080040, flags 80000000";
 constexpr char kProperties[] = "row 42: 00010003 0002000A";
 } // namespace
@@ -89,15 +98,7 @@ TEST_F(MAPIHelperRowsTest, StopsWhereTheCallbackSaysSo)
 {
     callback.stopAt = 2;
     EXPECT_EQ(6, Walk());
-    EXPECT_EQ((StoreCalls{kSetColumns,
-                          kGetRowCount,
-                          "QueryRows 3, flags 00000000",
-                          kRow,
-                          "FreeBuffer first row",
-                          kRow,
-                          "FreeBuffer first row",
-                          "FreeProws"}),
-              calls);
+    EXPECT_EQ(kTwoRowsOfThree, calls);
 }
 
 // A result of 0 does not stop a walk, and the last result counts alone.
@@ -177,15 +178,7 @@ TEST_F(MAPIHelperRowsTest, RowsThatTheQueryLeavesOutAreNotAskedForAgain)
 {
     table.queryRows = StoreFailure::Warning; // gives 2 of 3
     EXPECT_EQ(6, Walk());
-    EXPECT_EQ((StoreCalls{kSetColumns,
-                          kGetRowCount,
-                          "QueryRows 3, flags 00000000",
-                          kRow,
-                          "FreeBuffer first row",
-                          kRow,
-                          "FreeBuffer first row",
-                          "FreeProws"}),
-              calls);
+    EXPECT_EQ(kTwoRowsOfThree, calls);
 }
 
 TEST_F(MAPIHelperRowsTest, AQueryMayDeliverNoRow)
